@@ -1,0 +1,222 @@
+// Attributes by name, and values between the database and the working records.
+//
+// The database holds a value as bytes only; the working copy that machines and encoder use is the
+// pair of Rx and Tx records of the kind in MrpLib.
+#include "mrp/frame/AttributeKinds.h"
+#include "mrp/frame/MrpSm.h"
+#include "mrp/observability/Trace.h"
+
+namespace Mrp {
+
+MrpApplicationDatabase * MrpSm::applicationDatabase() const {
+   return mrpStatus_->application( mrpLib_->application() );
+}
+
+// Rises with each change of membership that could change what a look-up of an attribute finds.
+U64 MrpSm::membership() const {
+   return pendingChanges_ + Korv::membershipChanges< MrpAttrDatabase > +
+          Korv::membershipChanges< MrpIntfTypeApplicant > +
+          Korv::membershipChanges< MrpIntfApplicant > +
+          Korv::membershipChanges< MrpApplicationDatabase >;
+}
+
+// The node of the type, remembered until one of these levels changes anywhere.
+MrpIntfTypeApplicant * MrpSm::findType( Pelk::IntfId intfId, U8 attributeType ) const {
+   U64 const levels = Korv::membershipChanges< MrpIntfTypeApplicant > +
+                      Korv::membershipChanges< MrpIntfApplicant > +
+                      Korv::membershipChanges< MrpApplicationDatabase >;
+   FoundType & found = foundType_;
+   if ( found.type && found.intfId == intfId && found.attributeType == attributeType &&
+        found.membership == levels ) {
+      return found.type;
+   }
+   MrpApplicationDatabase const * const database = applicationDatabase();
+   MrpIntfApplicant const * const intf = database ? database->attrDatabase( intfId ) : nullptr;
+   MrpIntfTypeApplicant * const type = intf ? intf->intfTypeApplicant( attributeType ) : nullptr;
+   found = { type, intfId, levels, attributeType };
+   return type;
+}
+
+MrpAttrDatabase * MrpSm::mrpGetAttrFromDatabase( Pelk::IntfId intfId, U8 attributeType,
+                                                 U64 attributeKey, bool useLocalCopy ) const {
+   MrpAttribute const attribute( intfId, attributeType, attributeKey );
+   if ( useLocalCopy && !addPendingAttr_.empty() ) {
+      auto const * const copy = addPendingAttr_.find( attribute );
+      if ( copy && *copy ) {
+         return copy->ptr();
+      }
+   }
+   MrpIntfTypeApplicant const * const type = findType( intfId, attributeType );
+   MrpAttrDatabase * const found = type ? type->mrpAttribute( attributeKey ) : nullptr;
+   return found && isDeletePending( attribute ) ? nullptr : found;
+}
+
+MrpAttrDatabase * MrpSm::createEntryInDatabase( Pelk::IntfId intfId, U8 attributeType,
+                                                U64 attributeKey ) {
+   return applicationDatabase()
+      ->attrDatabaseIs( intfId )
+      ->intfTypeApplicantIs( attributeType )
+      ->mrpAttributeIs( attributeKey );
+}
+
+MrpAttrDatabase * MrpSm::mrpAddAttrToDatabase( Pelk::IntfId intfId, U8 attributeType,
+                                               U64 attributeKey, bool txAttribute ) {
+   MrpAttrDatabase * const attribute =
+      addAttrToAddPending( MrpAttribute( intfId, attributeType, attributeKey ) );
+   attribute->applicantStateIs( mrpVeryAnxiousObserver );
+   attribute->registrarStateIs( mrpMt );
+   mrpPopulateValueInDatabase( *attribute, txAttribute );
+   return attribute;
+}
+
+MrpAttrDatabase * MrpSm::mrpGetAttribute( bool addIfNotFound ) {
+   MrpParseContext const & context = *parseContext_;
+   if ( found_.attribute && found_.attributeKey == context.attributeKey() &&
+        found_.intfId == context.intfId() && found_.attributeType == context.attributeType() &&
+        found_.membership == membership() ) [[likely]] {
+      return found_.attribute;
+   }
+   MrpAttrDatabase * attribute = mrpGetAttrFromDatabase( context.intfId(), context.attributeType(),
+                                                         context.attributeKey(), true );
+   if ( !attribute && addIfNotFound ) {
+      attribute = mrpAddAttrToDatabase( context.intfId(), context.attributeType(),
+                                        context.attributeKey(), false );
+   }
+   found_ = { attribute, context.intfId(), context.attributeKey(), membership(),
+              context.attributeType() };
+   return attribute;
+}
+
+void MrpSm::mrpDeleteAttrFromDatabase() {
+   addAttrToDeletePending( MrpAttribute( parseContext_->intfId(), parseContext_->attributeType(),
+                                         parseContext_->attributeKey() ) );
+}
+
+namespace {
+
+void populate( MrpLib const & lib, MrpApplication application, U8 attributeType,
+               MrpAttrDatabase & attribute, bool txAttribute ) {
+   withAttributeKind( application, attributeType, [&]( auto kind ) {
+      using Kind = decltype( kind );
+      typename Kind::Value const & value = txAttribute ? ( lib.*Kind::tx )() : ( lib.*Kind::rx )();
+      attribute.attributeValueAllIs( &value, sizeof value );
+   } );
+}
+
+} // namespace
+
+void MrpSm::mrpPopulateValueInDatabase( MrpAttrDatabase & mrpAttribute, bool txAttribute ) {
+   switch ( mrpLib_->application() ) {
+   case MSRP: mrpPopulateMsrpValueInDatabase( mrpAttribute, txAttribute ); break;
+   case MVRP: mrpPopulateMvrpValueInDatabase( mrpAttribute, txAttribute ); break;
+   default: break;
+   }
+}
+void MrpSm::mrpPopulateMsrpValueInDatabase( MrpAttrDatabase & mrpAttribute, bool txAttribute ) {
+   populate( *mrpLib_, MSRP, parseContext_->attributeType(), mrpAttribute, txAttribute );
+}
+void MrpSm::mrpPopulateMvrpValueInDatabase( MrpAttrDatabase & mrpAttribute, bool txAttribute ) {
+   populate( *mrpLib_, MVRP, parseContext_->attributeType(), mrpAttribute, txAttribute );
+}
+
+namespace {
+
+// Both records get the stored value, or zeros.
+void loadBoth( MrpLib & lib, MrpApplication application, U8 attributeType,
+               MrpAttrDatabase const * stored ) {
+   bool const known = withAttributeKind( application, attributeType, [&]( auto kind ) {
+      using Kind = decltype( kind );
+      typename Kind::Value value;
+      if ( stored ) {
+         stored->attributeValue().copyOut( &value, sizeof value );
+      }
+      ( lib.*Kind::rxIs )( value );
+      ( lib.*Kind::txIs )( value );
+   } );
+   if ( !known ) {
+      trace( 8, " valueSize = 0!! " );
+   }
+}
+
+} // namespace
+
+void MrpSm::mrpFillContextFromDatabase( MrpAttribute const & mrpAttribute ) {
+   parseContext_->intfIdIs( mrpAttribute.intfId() );
+   parseContext_->attributeTypeIs( mrpAttribute.attributeType() );
+   parseContext_->attributeKeyIs( mrpAttribute.attributeVal() );
+   switch ( mrpLib_->application() ) {
+   case MSRP: mrpFillMsrpContextFromDatabase( mrpAttribute ); break;
+   case MVRP: mrpFillMvrpContextFromDatabase( mrpAttribute ); break;
+   default: break;
+   }
+}
+void MrpSm::mrpFillMsrpContextFromDatabase( MrpAttribute const & mrpAttribute ) {
+   loadBoth( *mrpLib_, MSRP, mrpAttribute.attributeType(),
+             mrpGetAttrFromDatabase( mrpAttribute.intfId(), mrpAttribute.attributeType(),
+                                     mrpAttribute.attributeVal(), true ) );
+}
+void MrpSm::mrpFillMvrpContextFromDatabase( MrpAttribute const & mrpAttribute ) {
+   loadBoth( *mrpLib_, MVRP, mrpAttribute.attributeType(),
+             mrpGetAttrFromDatabase( mrpAttribute.intfId(), mrpAttribute.attributeType(),
+                                     mrpAttribute.attributeVal(), true ) );
+}
+
+bool MrpSm::mrpRxVectorSameAsDatabaseAttr() {
+   switch ( mrpLib_->application() ) {
+   case MSRP: return msrpRxVectorSameAsDatabaseAttr();
+   case MVRP: return mvrpRxVectorSameAsDatabaseAttr();
+   default: return false;
+   }
+}
+
+bool MrpSm::msrpRxVectorSameAsDatabaseAttr() {
+   bool same = false;
+   withAttributeKind( MSRP, parseContext_->attributeType(), [&]( auto kind ) {
+      using Kind = decltype( kind );
+      if ( MrpAttrDatabase const * const stored = mrpGetAttribute( false ) ) {
+         typename Kind::Value const & received = ( mrpLib_->*Kind::rx )();
+         same = stored->attributeValue().sameAs( &received, sizeof received );
+      }
+   } );
+   return same;
+}
+
+// A VLAN has no value beyond its key, so that nothing needs to be looked up.
+bool MrpSm::mvrpRxVectorSameAsDatabaseAttr() const {
+   return mrpLib_->mvrpVlanVectorRx().vlanId() == parseContext_->attributeKey();
+}
+
+MrpAttrIter * MrpSm::mrpAttrIter( MrpAttrIter::Key const & key ) const {
+   auto const * const found = mrpAttrIter_.find( key );
+   return found ? found->ptr() : nullptr;
+}
+
+MrpAttrIter * MrpSm::mrpAttrIterIs( MrpAttrIter::Key const & key ) {
+   return mrpAttrIter_
+      .findOrMake( key, [&] { return Korv::Ptr< MrpAttrIter >( new MrpAttrIter( key ) ); } )
+      .ptr();
+}
+
+void MrpSm::mrpAttrIterDelAll() {
+   for ( auto member = mrpAttrIter_.walk(); member; ++member ) {
+      mrpAttrIterDel( MrpAttrIter::Key( member.key() ) );
+   }
+}
+
+void MrpSm::addToAttrIter( Pelk::IntfId intfId, U8 attributeType, U64 attributeKey ) {
+   mrpAttrIterIs( MrpAttrIter::Key( intfId, attributeType ) )->attributeKeyIs( attributeKey, true );
+}
+
+void MrpSm::removeFromAttrIter( Pelk::IntfId intfId, U8 attributeType, U64 attributeKey ) {
+   MrpAttrIter::Key const key( intfId, attributeType );
+   Korv::Ptr< MrpAttrIter > const iter = mrpAttrIter( key );
+   if ( !iter ) {
+      return;
+   }
+   iter->attributeKeyDel( attributeKey );
+   if ( iter->attributeKey().empty() ) {
+      mrpAttrIterDel( key );
+   }
+}
+
+} // namespace Mrp

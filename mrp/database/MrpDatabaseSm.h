@@ -1,0 +1,89 @@
+// The two machines that commit pending work to the tree.
+//
+// A burst of frames can make or end thousands of attributes, and each change of the tree's
+// membership goes out on the mirror stream. So the protocol works on the pending sets at full
+// speed, and these two move them into the tree at the pace of a review timer, and not while the
+// stream's socket is filling.
+//
+// Owned by MrpSm, from the end of standby.
+#pragma once
+
+#include "mrp/platform/dovr/ReviewTimer.h"
+#include "mrp/platform/korv/EntityCopy.h"
+#include "mrp/vocabulary/MrpKeys.h"
+
+namespace Mrp {
+
+class MrpAttrLogSm;
+class MrpSm;
+
+// What the two have in common: the timer and the walk. Only the commit of one entry differs.
+class MrpDatabaseSm : public Korv::PtrInterface {
+ public:
+   bool initialized() const { return initialized_; }
+
+   // One review: commits the pending collection in key order, or as much of it as the stream
+   // allows.
+   void doReview();
+   // Asks for a review, if something is pending and none is under way.
+   void doUpdateReviewTimer();
+
+ protected:
+   MrpDatabaseSm( MrpSm * mrpSm, Korv::Ptr< MrpAttrLogSm > mrpAttrLogSm,
+                  Korv::Ptr< Korv::Clock > const & clock );
+   ~MrpDatabaseSm() override;
+
+   void handleInitialized();
+
+   virtual bool isPending() const = 0;
+   // Commits the first pending entry and takes it out.
+   virtual void doCommitFirst() = 0;
+
+   MrpSm * mrpSm() const { return mrpSm_; }
+
+ private:
+   class KorvClock : public Korv::Clock::Reactor {
+    public:
+      KorvClock( Korv::Ptr< Korv::Clock > clock, MrpDatabaseSm & sm )
+         : Reactor( std::move( clock ), Korv::Clock::Rank::review ), sm_( sm ) {}
+      void onTime() override { sm_.doReview(); }
+
+    private:
+      MrpDatabaseSm & sm_;
+   };
+
+   MrpSm * mrpSm_; // the owner
+   Korv::Ptr< MrpAttrLogSm > mrpAttrLogSm_;
+   KorvClock clock_;
+   Korv::Ptr< Dovr::ReviewTimer > reviewTimer_;
+   bool initialized_ = false;
+};
+
+class MrpDatabaseAddSm : public MrpDatabaseSm {
+ public:
+   MrpDatabaseAddSm( MrpSm * mrpSm, Korv::Ptr< MrpAttrLogSm > mrpAttrLogSm,
+                     Korv::Ptr< Korv::Clock > const & clock );
+   ~MrpDatabaseAddSm() override;
+
+ protected:
+   bool isPending() const override;
+   // Copies the pending copy onto the tree's entry, which is made or overwritten.
+   void doCommitFirst() override;
+
+ private:
+   Korv::Ptr< Cli::Session::EntityCopy > entityCopy_;
+};
+
+class MrpDatabaseDeleteSm : public MrpDatabaseSm {
+ public:
+   MrpDatabaseDeleteSm( MrpSm * mrpSm, Korv::Ptr< MrpAttrLogSm > mrpAttrLogSm,
+                        Korv::Ptr< Korv::Clock > const & clock );
+   ~MrpDatabaseDeleteSm() override;
+
+ protected:
+   bool isPending() const override;
+   // Takes the entry out of the tree and of the index, if the tree still has it.
+   void doCommitFirst() override;
+};
+
+} // namespace Mrp

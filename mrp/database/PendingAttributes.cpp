@@ -1,0 +1,79 @@
+// The pending sets: attributes that exist for the protocol and not yet in the tree, and attributes
+// in the tree that exist for nobody any more. MrpDatabaseAddSm and MrpDatabaseDeleteSm commit both
+// at a paced rate.
+#include "mrp/database/MrpDatabaseSm.h"
+#include "mrp/frame/MrpSm.h"
+
+namespace Mrp {
+
+MrpAttrDatabase * MrpSm::addAttrToAddPending( MrpAttribute const & attribute ) {
+   MrpAttrDatabase * const committed = mrpGetAttrFromDatabase(
+      attribute.intfId(), attribute.attributeType(), attribute.attributeVal(), false );
+   if ( committed ) {
+      if ( isDeletePending( attribute ) ) {
+         deletePendingAttrDel( attribute );
+      }
+      return committed;
+   }
+   Korv::Ptr< MrpAttrDatabase > const copy = MrpAttrDatabaseIs( attribute.attributeVal() );
+   addPendingAttrIs( attribute, copy );
+   deletePendingAttrDel( attribute );
+   addToAttrIter( attribute.intfId(), attribute.attributeType(), attribute.attributeVal() );
+   mrpDatabaseAddSm_->doUpdateReviewTimer();
+   return copy.ptr();
+}
+
+void MrpSm::removeAttrFromAddPending( MrpAttribute const & attribute ) {
+   MrpAttrDatabase const * const committed = mrpGetAttrFromDatabase(
+      attribute.intfId(), attribute.attributeType(), attribute.attributeVal(), false );
+   if ( !committed && addPendingAttr_.isMember( attribute ) ) {
+      removeFromAttrIter( attribute.intfId(), attribute.attributeType(), attribute.attributeVal() );
+   }
+   addPendingAttrDel( attribute );
+}
+
+void MrpSm::addAttrToDeletePending( MrpAttribute const & attribute ) {
+   MrpAttrDatabase const * const committed = mrpGetAttrFromDatabase(
+      attribute.intfId(), attribute.attributeType(), attribute.attributeVal(), false );
+   if ( !committed ) {
+      if ( addPendingAttr_.isMember( attribute ) ) {
+         removeAttrFromAddPending( attribute ); // it never reached the tree
+      }
+      return;
+   }
+   // The mark comes first, and with it the look-up in removeAttrFromAddPending finds nothing: an
+   // attribute that has a pending copy too leaves the index here and not at the commit.
+   deletePendingAttrIs( attribute, true );
+   removeAttrFromAddPending( attribute );
+   mrpDatabaseDeleteSm_->doUpdateReviewTimer();
+}
+
+void MrpSm::addPendingAttrIs( MrpAttribute const & attribute, Korv::Ptr< MrpAttrDatabase > copy ) {
+   ++pendingChanges_;
+   addPendingAttr_.insertOrAssign( attribute, std::move( copy ) );
+}
+
+void MrpSm::addPendingAttrDel( MrpAttribute const & attribute ) {
+   ++pendingChanges_;
+   addPendingAttr_.erase( attribute );
+}
+
+bool MrpSm::isDeletePending( MrpAttribute const & attribute ) const {
+   if ( deletePendingAttr_.empty() ) {
+      return false;
+   }
+   bool const * const mark = deletePendingAttr_.find( attribute );
+   return mark && *mark;
+}
+
+void MrpSm::deletePendingAttrIs( MrpAttribute const & attribute, bool v ) {
+   ++pendingChanges_;
+   deletePendingAttr_.insertOrAssign( attribute, v );
+}
+
+void MrpSm::deletePendingAttrDel( MrpAttribute const & attribute ) {
+   ++pendingChanges_;
+   deletePendingAttr_.erase( attribute );
+}
+
+} // namespace Mrp

@@ -1,0 +1,354 @@
+// One participant: one MRP application, MSRP or MVRP, on all interfaces of the switch.
+//
+// The agent makes the entities and a MrpLib, calls mrpSmFactory and keeps the result; from then on
+// all work arrives as notifications on the one event loop: a frame is readable, a timer has fired,
+// a watched attribute has changed, the application has called a primitive. Every run is
+// synchronous to its end; there are no locks.
+//
+// Owns: every machine, the parser's working state, the queues between parser and machines, the
+// pending sets, the index, the timer wheel and the packet access objects. Shares with the agent:
+// the configuration and status entities. Points to, without owning: MrpLib.
+//
+//  1. In standby only the packet access objects exist; the counters, the parse context, the wheel
+//     and all machines are null, and frames stay in their sockets. The way out of standby is one
+//     way.
+//  2. The machines work on the attribute that the parse context names, with the value in the Rx
+//     and Tx fields of MrpLib. To post an event: load the context and the fields, store the event,
+//     call the handler. The applicant runs before the registrar in every pair.
+//  3. Between frames mrpRxLeaveAll, mrpParsedAttribute and both key queues are empty.
+//  4. An attribute is in addPendingAttr, or in the tree, or in both (the copy then wins); one in
+//     deletePendingAttr stands in the tree and exists for nobody.
+//  5. mrpAttrIter names every attribute of invariant 4, by interface and type.
+//
+// The sections below are named after the files that hold the bodies. Read them in the order of
+// receive, machines, database, transmit.
+#pragma once
+
+#include "mrp/database/MrpAttrIter.h"
+#include "mrp/database/MrpStatus.h"
+#include "mrp/frame/MrpLib.h"
+#include "mrp/platform/bridging/Bridging.h"
+#include "mrp/platform/dovr/TimerWheel.h"
+#include "mrp/platform/interface/AllEthPhyIntfStatusDir.h"
+#include "mrp/platform/interface/AllIntfStatusDir.h"
+#include "mrp/platform/interface/EthDevPamManager.h"
+#include "mrp/platform/interface/NetNsIntfStatusManagerRoot.h"
+#include "mrp/platform/korv/Clock.h"
+#include "mrp/platform/korv/HashMap.h"
+#include "mrp/platform/korv/OrderedMap.h"
+#include "mrp/platform/korv/Queue.h"
+#include "mrp/platform/mirel/EntityManager.h"
+#include "mrp/platform/stp/Stp.h"
+#include "mrp/receive/MrpCounters.h"
+#include "mrp/receive/MrpParseContext.h"
+#include "mrp/receive/MrpParsedAttribute.h"
+#include "mrp/topology/MrpConfig.h"
+
+namespace Mrp {
+
+class MrpApplicantSm;
+class MrpAttrLogSm;
+class MrpDatabaseAddSm;
+class MrpDatabaseDeleteSm;
+class MrpLeaveAllSm;
+class MrpPamSm;
+class MrpRegistrarSm;
+
+class MrpSm : public Korv::PtrInterface {
+ public:
+   using AddPending = Korv::OrderedMap< MrpAttribute, Korv::Ptr< MrpAttrDatabase > >;
+   using DeletePending = Korv::OrderedMap< MrpAttribute, bool >;
+   using AttrIters = Korv::HashMap< MrpAttrIter::Key, Korv::Ptr< MrpAttrIter > >;
+   using ParsedKeys = Korv::Queue< MrpParsedAttributeKey >;
+   using RxLeaveAll = Korv::OrderedMap< U8, bool >;
+
+   // The arguments of mrpSmFactory, which does nothing but construct.
+   MrpSm( Korv::Ptr< Bridging::Config const > brConfig, MrpLib * mrpLib,
+          Korv::Ptr< MrpConfig const > mrpConfig, Korv::Ptr< MrpStatus > mrpStatus,
+          Korv::Ptr< Stp::Status const > stpStatus,
+          Korv::Ptr< Bridging::Topology::Config const > brTopoConfig,
+          Korv::Ptr< Interface::AllEthPhyIntfStatusDir const > ethPhyIntfStatusDir,
+          Korv::Ptr< Mirel::EntityManager > em, bool standbyMode );
+   ~MrpSm() override;
+
+   // ---- frame/MrpSm.cpp: the participant's life -----------------------------------------------
+   Korv::Ptr< Bridging::Config const > const & brConfig() const { return brConfig_; }
+   MrpLib * mrpLib() const { return mrpLib_; }
+   Korv::Ptr< MrpConfig const > const & mrpConfig() const { return mrpConfig_; }
+   Korv::Ptr< MrpStatus > const & mrpStatus() const { return mrpStatus_; }
+   Korv::Ptr< Bridging::Topology::Config const > const & brTopoConfig() const {
+      return brTopoConfig_;
+   }
+   Korv::Ptr< Interface::AllEthPhyIntfStatusDir const > const & ethPhyIntfStatusDir() const {
+      return ethPhyIntfStatusDir_;
+   }
+   Korv::Ptr< Mirel::EntityManager > const & em() const { return em_; }
+
+   // The agent ends standby by standbyModeIs( false ) and then handleStandbyMode(); nothing
+   // watches the attribute.
+   bool standbyMode() const { return standbyMode_; }
+   void standbyModeIs( bool v ) { standbyMode_ = v; }
+   void handleStandbyMode();
+   bool initialized() const { return initialized_; }
+
+   // Makes the counters if needed and sets all ten to 0.
+   void doInitializeCounters();
+
+   // The MRPDU version sent and understood.
+   static constexpr U8 protocolVersion = 0;
+   // Number of attribute types of the application: MSRP 4, MVRP 1, any other 0; 0 in standby.
+   U8 maxAttrTypes() const { return maxAttrTypes_; }
+
+   Korv::Ptr< MrpCounters > const & mrpCounters() const { return mrpCounters_; }
+   Korv::Ptr< MrpParseContext > const & parseContext() const { return parseContext_; }
+   Korv::Ptr< Dovr::TimerWheel > const & timerWheel() const { return timerWheel_; }
+   Korv::Ptr< MrpApplicantSm > const & applicantSm() const { return applicantSm_; }
+   Korv::Ptr< MrpRegistrarSm > const & registrarSm() const { return registrarSm_; }
+   Korv::Ptr< MrpLeaveAllSm > const & leaveAllSm() const { return leaveAllSm_; }
+   Korv::Ptr< MrpDatabaseAddSm > const & mrpDatabaseAddSm() const { return mrpDatabaseAddSm_; }
+   Korv::Ptr< MrpDatabaseDeleteSm > const & mrpDatabaseDeleteSm() const {
+      return mrpDatabaseDeleteSm_;
+   }
+   Korv::Ptr< MrpAttrLogSm > const & mrpAttrLogSm() const { return mrpAttrLogSm_; }
+
+   // ---- frame/PamAccess.cpp: packet access ----------------------------------------------------
+   Korv::Ptr< Interface::AllIntfStatusDir > const & allIntfStatusDir() const {
+      return allIntfStatusDir_;
+   }
+   Korv::Ptr< Interface::AllIntfStatusLocalDir > const & allIntfStatusLocalDir() const {
+      return allIntfStatusLocalDir_;
+   }
+   Korv::Ptr< Interface::PamDesiredIntfDir > const & desiredIntfDir() const {
+      return desiredIntfDir_;
+   }
+   Korv::Ptr< Interface::EthDevPamCollection > const & pamCollection() const {
+      return pamCollection_;
+   }
+   Korv::Ptr< MrpPamSm > const & mrpPamSm() const { return mrpPamSm_; }
+   // The interface's packet access, or null.
+   Pelk::Pam * pam( Pelk::IntfId intfId ) const;
+   // The source address of frames that leave there: the port's, or the bridge's for a port without
+   // one.
+   Pelk::EthAddr sourceAddress( Pelk::IntfId intfId ) const;
+
+   // ---- receive/MrpduParser.cpp: frame to vectors ---------------------------------------------
+   // All read at the packet's front and consume what they read; nothing is put back. The reads are
+   // not bounded by the frame: behind its data the receive buffer holds zeros.
+   void parseMrpdu( Korv::Ptr< Pelk::Pkt > const & pkt );
+   MrpParseStatus parseMessage( Korv::Ptr< Pelk::Pkt > const & pkt );
+   MrpParseStatus parseAttributeList( Korv::Ptr< Pelk::Pkt > const & pkt );
+   void skipMessageDueToFutureProtocolVersion( Korv::Ptr< Pelk::Pkt > const & pkt );
+
+   // While true the parser walks a frame and records nothing of it. The library only resets it, at
+   // the end of each MRPDU.
+   bool recycledPkt() const { return recycledPkt_; }
+   void recycledPktIs( bool v ) { recycledPkt_ = v; }
+
+   // ---- receive/VectorDecoder.cpp: vectors to parsed attributes -------------------------------
+   MrpParseStatus parseVectorAttribute( Korv::Ptr< Pelk::Pkt > const & pkt );
+   MrpParseStatus parseMsrpVector( Korv::Ptr< Pelk::Pkt > const & pkt );
+   MrpParseStatus parseMvrpVector( Korv::Ptr< Pelk::Pkt > const & pkt );
+   MrpParseStatus parseThreePackedEvents( Korv::Ptr< Pelk::Pkt > const & pkt );
+   MrpParseStatus parseThreeFourPackedEvents( Korv::Ptr< Pelk::Pkt > const & pkt );
+   void processThreeAndFourPacked( Korv::Ptr< Pelk::Pkt > const & pkt, U8 event, U16 eventNum,
+                                   U16 fourPackedPtr );
+   void processMrpEvent( U8 event, U16 eventNum );
+   U64 mrpGetRxAttributeKey() const;
+   U64 msrpGetRxAttributeKey() const;
+   U64 mvrpGetRxAttributeKey() const;
+   void saveParsedMrpAttribute();
+   void saveParsedMrpAttributeValue( MrpParsedAttribute & attribute ) const;
+   void saveParsedMsrpAttributeValue( MrpParsedAttribute & attribute ) const;
+   void saveParsedMvrpAttributeValue( MrpParsedAttribute & attribute ) const;
+
+   // What the frame said: types with a LeaveAll, each attribute's last event and value, and the
+   // keys in their order of arrival, MSRP domains apart.
+   RxLeaveAll const & mrpRxLeaveAll() const { return mrpRxLeaveAll_; }
+   void mrpRxLeaveAllIs( U8 attributeType, bool v ) {
+      mrpRxLeaveAll_.insertOrAssign( attributeType, v );
+   }
+   void mrpRxLeaveAllDel( U8 attributeType ) { mrpRxLeaveAll_.erase( attributeType ); }
+   MrpParsedAttributes const & mrpParsedAttribute() const { return mrpParsedAttribute_; }
+   MrpParsedAttribute * mrpParsedAttributeIs( MrpParsedAttributeKey const & key ) {
+      return mrpParsedAttribute_.findOrMake( key );
+   }
+   void mrpParsedAttributeDel( MrpParsedAttributeKey const & key ) {
+      mrpParsedAttribute_.erase( key );
+   }
+   void mrpParsedAttributeDelAll() { mrpParsedAttribute_.clear(); }
+   ParsedKeys const & mrpParsedAttributeKey() const { return mrpParsedAttributeKey_; }
+   void mrpParsedAttributeKeyEnq( MrpParsedAttributeKey const & key ) {
+      mrpParsedAttributeKey_.enq( key );
+   }
+   MrpParsedAttributeKey mrpParsedAttributeKeyDeq() { return mrpParsedAttributeKey_.deq(); }
+   ParsedKeys const & msrpParsedDomainKey() const { return msrpParsedDomainKey_; }
+   void msrpParsedDomainKeyEnq( MrpParsedAttributeKey const & key ) {
+      msrpParsedDomainKey_.enq( key );
+   }
+   MrpParsedAttributeKey msrpParsedDomainKeyDeq() { return msrpParsedDomainKey_.deq(); }
+
+   // ---- receive/ParsedAttributes.cpp: the frame as a whole to the machines --------------------
+   void processParsedAttributes( Pelk::IntfId intfId );
+   void processParsedAttribute( MrpParsedAttributeKey const & key, Pelk::IntfId intfId );
+   void fillMrpLibFromSavedValue( Pelk::IntfId intfId, MrpParsedAttribute const & attribute );
+   void fillMsrpLibFromSavedValue( Pelk::IntfId intfId, MrpParsedAttribute const & attribute );
+   void fillMvrpLibFromSavedValue( Pelk::IntfId intfId, MrpParsedAttribute const & attribute );
+   void mrpProcessRxLeaveAll( Pelk::IntfId intfId, U8 attributeType );
+
+   // ---- database/DatabaseAccess.cpp: attributes by name ---------------------------------------
+   // Null if there is none. With useLocalCopy what the machines believe: pending additions
+   // included; without it the committed tree alone. What is marked for deletion is gone in both.
+   MrpAttrDatabase * mrpGetAttrFromDatabase( Pelk::IntfId intfId, U8 attributeType,
+                                             U64 attributeKey, bool useLocalCopy ) const;
+   MrpAttrDatabase * createEntryInDatabase( Pelk::IntfId intfId, U8 attributeType,
+                                            U64 attributeKey );
+   MrpAttrDatabase * mrpAddAttrToDatabase( Pelk::IntfId intfId, U8 attributeType, U64 attributeKey,
+                                           bool txAttribute );
+   // The attribute that the parse context names. One call of an indication or a review may end it:
+   // hold it by a Ptr across such a call.
+   MrpAttrDatabase * mrpGetAttribute( bool addIfNotFound );
+   void mrpDeleteAttrFromDatabase();
+   // Writes the Tx or the Rx record of the parse context's type into the attribute's value.
+   void mrpPopulateValueInDatabase( MrpAttrDatabase & mrpAttribute, bool txAttribute );
+   void mrpPopulateMsrpValueInDatabase( MrpAttrDatabase & mrpAttribute, bool txAttribute );
+   void mrpPopulateMvrpValueInDatabase( MrpAttrDatabase & mrpAttribute, bool txAttribute );
+   // Names the attribute in the parse context and loads its stored value into both records; an
+   // attribute that is not found leaves both all zero.
+   void mrpFillContextFromDatabase( MrpAttribute const & mrpAttribute );
+   void mrpFillMsrpContextFromDatabase( MrpAttribute const & mrpAttribute );
+   void mrpFillMvrpContextFromDatabase( MrpAttribute const & mrpAttribute );
+   // Whether the value just received is the stored one.
+   bool mrpRxVectorSameAsDatabaseAttr();
+   bool msrpRxVectorSameAsDatabaseAttr();
+   bool mvrpRxVectorSameAsDatabaseAttr() const;
+
+   AttrIters const & mrpAttrIter() const { return mrpAttrIter_; }
+   MrpAttrIter * mrpAttrIter( MrpAttrIter::Key const & key ) const;
+   MrpAttrIter * mrpAttrIterIs( MrpAttrIter::Key const & key );
+   MrpAttrIter * newMrpAttrIter( MrpAttrIter::Key const & key ) { return mrpAttrIterIs( key ); }
+   void mrpAttrIterDel( MrpAttrIter::Key const & key ) { mrpAttrIter_.erase( key ); }
+   void mrpAttrIterDelAll();
+   void addToAttrIter( Pelk::IntfId intfId, U8 attributeType, U64 attributeKey );
+   void removeFromAttrIter( Pelk::IntfId intfId, U8 attributeType, U64 attributeKey );
+
+   // ---- database/PendingAttributes.cpp: deferred add and delete -------------------------------
+   // The attribute to work on: the committed one, or a fresh pending copy.
+   MrpAttrDatabase * addAttrToAddPending( MrpAttribute const & attribute );
+   void removeAttrFromAddPending( MrpAttribute const & attribute );
+   void addAttrToDeletePending( MrpAttribute const & attribute );
+
+   AddPending const & addPendingAttr() const { return addPendingAttr_; }
+   void addPendingAttrIs( MrpAttribute const & attribute, Korv::Ptr< MrpAttrDatabase > copy );
+   void addPendingAttrDel( MrpAttribute const & attribute );
+   DeletePending const & deletePendingAttr() const { return deletePendingAttr_; }
+   bool isDeletePending( MrpAttribute const & attribute ) const;
+   void deletePendingAttrIs( MrpAttribute const & attribute, bool v );
+   void deletePendingAttrDel( MrpAttribute const & attribute );
+
+   // ---- transmit/FrameTransmission.cpp: closing frames ----------------------------------------
+   void mrpTransmitTxPacket( Pelk::IntfId intfId, bool secondPktContext );
+   // Both frames of the interface.
+   void mrpTransmitTxAttributes( Pelk::IntfId intfId );
+   // Every interface that has a first frame open.
+   void mrpTransmitTxAttributes();
+
+   // ---- transmit/VectorEncoding.cpp: keys of the Tx fields ------------------------------------
+   U64 mrpGetTxAttributeKey() const;
+   U64 msrpGetTxAttributeKey() const;
+   U64 mvrpGetTxAttributeKey() const;
+
+   // ---- topology/MrpConfig.cpp: times ---------------------------------------------------------
+   // The interface's leave time in seconds: its override, unless that is 0, or the system's.
+   Korv::Seconds mrpGetLeaveTime( Pelk::IntfId intfId ) const;
+
+ private:
+   // Where the parse context's attribute was found, good until membership changes anywhere.
+   struct FoundAttribute {
+      MrpAttrDatabase * attribute = nullptr;
+      Pelk::IntfId intfId;
+      U64 attributeKey = 0;
+      U64 membership = 0;
+      U8 attributeType = 0;
+   };
+   struct FoundType {
+      MrpIntfTypeApplicant * type = nullptr;
+      Pelk::IntfId intfId;
+      U64 membership = 0;
+      U8 attributeType = 0;
+   };
+
+   void handleInitialized();
+   void doInitializePamMan();
+   MrpApplicationDatabase * applicationDatabase() const;
+   void rebuildAttrIter();
+   U64 membership() const;
+   MrpIntfTypeApplicant * findType( Pelk::IntfId intfId, U8 attributeType ) const;
+
+   // given
+   Korv::Ptr< Bridging::Config const > brConfig_;
+   MrpLib * mrpLib_;
+   Korv::Ptr< MrpConfig const > mrpConfig_;
+   Korv::Ptr< MrpStatus > mrpStatus_;
+   Korv::Ptr< Stp::Status const > stpStatus_;
+   Korv::Ptr< Bridging::Topology::Config const > brTopoConfig_;
+   Korv::Ptr< Interface::AllEthPhyIntfStatusDir const > ethPhyIntfStatusDir_;
+   Korv::Ptr< Mirel::EntityManager > em_;
+   bool standbyMode_;
+
+   // packet access
+   Korv::Ptr< Interface::AllIntfStatusDir > allIntfStatusDir_;
+   Korv::Ptr< Interface::AllIntfStatusLocalDir > allIntfStatusLocalDir_;
+   Korv::Ptr< Interface::DeviceIntfStatusDir > deviceIntfStatusDir_;
+   Korv::Ptr< Interface::NetNsIntfStatusManagerRoot > intfStatusManagerRoot_;
+   Korv::Ptr< Interface::PamDesiredIntfDir > desiredIntfDir_;
+   Korv::Ptr< Interface::EthDevPamCollection > pamCollection_;
+   Korv::Ptr< Interface::EthDevPamManager > pamMan_;
+   Korv::Ptr< MrpPamSm > mrpPamSm_;
+
+   // machines
+   Korv::Ptr< Dovr::TimerWheel > timerWheel_;
+   Korv::Ptr< MrpApplicantSm > applicantSm_;
+   Korv::Ptr< MrpRegistrarSm > registrarSm_;
+   Korv::Ptr< MrpLeaveAllSm > leaveAllSm_;
+   Korv::Ptr< MrpParseContext > parseContext_;
+   Korv::Ptr< MrpCounters > mrpCounters_;
+   U8 maxAttrTypes_ = 0;
+
+   // parser to machines
+   bool recycledPkt_ = false;
+   RxLeaveAll mrpRxLeaveAll_;
+   ParsedKeys mrpParsedAttributeKey_;
+   MrpParsedAttributes mrpParsedAttribute_;
+   ParsedKeys msrpParsedDomainKey_;
+
+   // database
+   Korv::Ptr< MrpAttrLogSm > mrpAttrLogSm_;
+   AttrIters mrpAttrIter_;
+   DeletePending deletePendingAttr_;
+   AddPending addPendingAttr_;
+   Korv::Ptr< MrpDatabaseDeleteSm > mrpDatabaseDeleteSm_;
+   Korv::Ptr< MrpDatabaseAddSm > mrpDatabaseAddSm_;
+   U64 pendingChanges_ = 0; // of the two pending sets
+   mutable FoundAttribute found_;
+   mutable FoundType foundType_;
+
+   bool initialized_ = false;
+};
+
+// The participant, fully initialised: when this returns it is live and may already be
+// transmitting. application, applicationMacAddr and applicationEtype of mrpLib must be set before.
+// Needs an installed Korv::ActivityManager. stpStatus may be null. Throws RangeException for a
+// namespace name that is too long.
+Korv::Ptr< MrpSm >
+mrpSmFactory( Korv::Ptr< Bridging::Config const > brConfig, MrpLib * mrpLib,
+              Korv::Ptr< MrpConfig const > mrpConfig, Korv::Ptr< MrpStatus > mrpStatus,
+              Korv::Ptr< Stp::Status const > stpStatus,
+              Korv::Ptr< Bridging::Topology::Config const > brTopoConfig,
+              Korv::Ptr< Interface::AllEthPhyIntfStatusDir const > ethPhyIntfStatusDir,
+              Korv::Ptr< Mirel::EntityManager > em, bool standbyMode );
+
+// The LeaveAll time of an interface in seconds, stretched at random by up to a half unless
+// DISABLE_LEAVE_ALL_RANDOMIZATION is in the environment. Each call draws afresh.
+Korv::Seconds getLeaveAllTime( MrpSm const & mrpSm, Pelk::IntfId intfId );
+
+} // namespace Mrp

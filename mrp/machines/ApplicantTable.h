@@ -1,0 +1,128 @@
+// The applicant's table: what each state does on each event.
+//
+// A cell names what is sent, then the state entered; one without a state stays. What is sent goes
+// out before the state changes.
+//
+//    nb New both        jb Join both       on the first and then on the second packet context
+//    no New once        jo Join once       on the first
+//    rg Registered once                    In or Mt, on the first
+//    rj Registered once, then Join on the second
+//    lv Leave                              on the first
+//
+// The states, in the order of their numbers:
+//
+//    VO VeryAnxiousObserver  VP VeryAnxiousPassive  VN VeryAnxiousNew   AN AnxiousNew
+//    AA AnxiousActive        QA QuietActive         LA LeavingActive    AO AnxiousObserver
+//    QO QuietObserver        AP AnxiousPassive      QP QuietPassive     LO LeavingObserver
+//
+// No transition enters VP, VN, AN, AA, LA, AP or LO; a restored record can hold them.
+//
+// What differs from the table of IEEE 802.1Q (10.7.7), and is meant to:
+//    - The sending is done in the transition, so that a second transmission of a Join or a New is
+//      the same message in the interface's second frame.
+//    - appFlush and rxNew do nothing: a flush acts on the registrar alone.
+//    - appNew and appJoin in QA send again on both, each time they are posted.
+//    - appJoin sends twice from VO, once from AO and not at all from QO.
+//    - txLvAll differs from rxLvAll only where a Join would go out: there it is once, not both.
+#pragma once
+
+#include "mrp/vocabulary/MrpEnums.h"
+
+#include <array>
+
+namespace Mrp {
+
+enum class ApplicantSends : U8 {
+   nothing,
+   newBoth,
+   newOnce,
+   joinBoth,
+   joinOnce,
+   registeredOnce,
+   registeredThenJoinSecond,
+   leave
+};
+
+struct ApplicantCell {
+   ApplicantSends sends;
+   bool moves;
+   MrpApplicantState next; // if it moves
+};
+
+struct ApplicantRow {
+   MrpApplicantEvent event;
+   std::array< ApplicantCell, 12 > cells;
+};
+
+namespace ApplicantCells {
+
+constexpr ApplicantCell stay( ApplicantSends sends ) {
+   return { sends, false, mrpVeryAnxiousObserver };
+}
+constexpr ApplicantCell to( MrpApplicantState next,
+                            ApplicantSends sends = ApplicantSends::nothing ) {
+   return { sends, true, next };
+}
+// A row has one cell a state, or it does not compile.
+template < class... Cell >
+requires( sizeof...( Cell ) == 12 ) constexpr ApplicantRow
+   row( MrpApplicantEvent event, Cell... cell ) {
+   return { event, { cell... } };
+}
+
+using enum ApplicantSends;
+
+inline constexpr auto ____ = stay( nothing );
+inline constexpr auto nb__ = stay( newBoth );
+inline constexpr auto jb__ = stay( joinBoth );
+inline constexpr auto jo__ = stay( joinOnce );
+inline constexpr auto rg__ = stay( registeredOnce );
+
+inline constexpr auto __VO = to( mrpVeryAnxiousObserver );
+inline constexpr auto __AO = to( mrpAnxiousObserver );
+inline constexpr auto __QO = to( mrpQuietObserver );
+inline constexpr auto __QP = to( mrpQuietPassive );
+inline constexpr auto __QA = to( mrpQuietActive );
+inline constexpr auto nbQA = to( mrpQuietActive, newBoth );
+inline constexpr auto noQA = to( mrpQuietActive, newOnce );
+inline constexpr auto jbQA = to( mrpQuietActive, joinBoth );
+inline constexpr auto joQA = to( mrpQuietActive, joinOnce );
+inline constexpr auto rjQA = to( mrpQuietActive, registeredThenJoinSecond );
+inline constexpr auto rgVO = to( mrpVeryAnxiousObserver, registeredOnce );
+inline constexpr auto lvVO = to( mrpVeryAnxiousObserver, leave );
+
+// clang-format off
+inline constexpr std::array< ApplicantRow, 13 > table{
+   //                  VO    VP    VN    AN    AA    QA    LA    AO    QO    AP    QP    LO
+   row( appNew,       nbQA, nbQA, ____, ____, nbQA, nb__, nbQA, nbQA, nbQA, nbQA, nbQA, nbQA ),
+   row( appJoin,      jbQA, ____, ____, ____, ____, jb__, joQA, joQA, __QP, ____, ____, jbQA ),
+   row( appLv,        ____, __VO, lvVO, lvVO, lvVO, lvVO, ____, ____, ____, __AO, __QO, ____ ),
+   row( appRedeclare, rg__, ____, ____, nbQA, jbQA, jb__, ____, rgVO, rgVO, jbQA, jbQA, ____ ),
+   row( appFlush,     ____, ____, ____, ____, ____, ____, ____, ____, ____, ____, ____, ____ ),
+   //                  VO    VP    VN    AN    AA    QA    LA    AO    QO    AP    QP    LO
+   row( rxNew,        ____, ____, ____, ____, ____, ____, ____, ____, ____, ____, ____, ____ ),
+   row( rxJoinIn,     __AO, joQA, ____, ____, __QA, ____, ____, __QO, ____, __QP, ____, ____ ),
+   row( rxIn,         ____, ____, ____, ____, __QA, ____, ____, ____, ____, ____, ____, ____ ),
+   row( rxJoinMt,     ____, ____, ____, ____, ____, jo__, ____, ____, __AO, ____, joQA, __VO ),
+   row( rxMt,         ____, ____, ____, ____, ____, jo__, ____, ____, __AO, ____, joQA, __VO ),
+   //                  VO    VP    VN    AN    AA    QA    LA    AO    QO    AP    QP    LO
+   row( rxLv,         rg__, ____, ____, nbQA, jbQA, jb__, ____, rgVO, rgVO, jbQA, jbQA, ____ ),
+   row( rxLvAll,      rg__, ____, ____, nbQA, jbQA, jb__, ____, rgVO, rgVO, jbQA, jbQA, ____ ),
+   row( txLvAll,      rg__, rjQA, nbQA, noQA, ____, jo__, rgVO, rgVO, rgVO, joQA, joQA, ____ ),
+};
+// clang-format on
+
+constexpr bool rowsStandAtTheirEvents() {
+   for ( U32 i = 0; i < table.size(); ++i ) {
+      if ( table[i].event != i ) {
+         return false;
+      }
+   }
+   return true;
+}
+static_assert( rowsStandAtTheirEvents() );
+static_assert( mrpLeavingObserver == 11 && invalidApplicantEvent == table.size() );
+
+} // namespace ApplicantCells
+
+} // namespace Mrp

@@ -1,0 +1,103 @@
+// The registrar's table: what each state does on each event, as steps in their order.
+//
+// What differs from the table of IEEE 802.1Q (10.7.8), and is meant to:
+//    - regNew indicates in every state, with no comparison; in Mt and for regNew the stored value
+//      is not touched.
+//    - In In, a join with an unchanged value counts and does not indicate; in Lv, a join indicates
+//      on a changed value only and never counts.
+//    - regFlush in In is silent; regFlush in Lv is what indicates, and leaves the attribute in the
+//      leave pending sets, where its timer later finds Mt and does nothing.
+//    - regRedeclare acts like a leave.
+#pragma once
+
+#include "mrp/vocabulary/MrpEnums.h"
+
+#include <array>
+
+namespace Mrp {
+
+enum class RegistrarStep : U8 {
+   end, // of the steps of a cell
+   logJoin,
+   logLeave,
+   toIn,
+   toLv,
+   toMt,
+   pend,   // into the leave pending sets
+   unpend, // out of them
+   traceJoinBlank,
+   traceJoin,
+   traceJoinInLv,
+   traceLeave,
+   indicateJoin,
+   checkJoin, // indicates if the value has changed
+   indicateLeave,
+   countJoin,
+   countLeave
+};
+
+struct RegistrarCell {
+   std::array< RegistrarStep, 7 > steps; // the rest is `end`
+};
+
+struct RegistrarRow {
+   MrpRegistrarEvent event;
+   std::array< RegistrarCell, 3 > cells;
+};
+
+namespace RegistrarCells {
+
+using enum RegistrarStep;
+
+template < class... Step >
+requires( sizeof...( Step ) < 7 ) constexpr RegistrarCell does( Step... step ) {
+   return { { step... } };
+}
+constexpr RegistrarRow row( MrpRegistrarEvent event, RegistrarCell in, RegistrarCell lv,
+                            RegistrarCell mt ) {
+   return { event, { in, lv, mt } };
+}
+
+inline constexpr auto ____ = does();
+
+inline constexpr auto newInIn = does( logJoin, indicateJoin, countJoin );
+inline constexpr auto newInLv = does( unpend, toIn, traceJoinInLv, indicateJoin, countJoin );
+inline constexpr auto newInMt = does( logJoin, toIn, traceJoinBlank, indicateJoin, countJoin );
+inline constexpr auto joinInIn = does( checkJoin, countJoin );
+inline constexpr auto joinInLv = does( toIn, unpend, traceJoinInLv, checkJoin );
+inline constexpr auto joinInMt = does( logJoin, toIn, traceJoin, indicateJoin, countJoin );
+inline constexpr auto leave___ = does( pend, toLv );
+inline constexpr auto silentMt = does( toMt );
+inline constexpr auto flushed_ = does( logLeave, toMt, traceLeave, indicateLeave, countLeave );
+inline constexpr auto expired_ =
+   does( logLeave, toMt, traceLeave, indicateLeave, countLeave, unpend );
+
+// clang-format off
+inline constexpr std::array< RegistrarRow, 9 > table{
+   //                  In        Lv        Mt
+   row( regNew,       newInIn,  newInLv,  newInMt  ),
+   row( regJoinIn,    joinInIn, joinInLv, joinInMt ),
+   row( regJoinMt,    joinInIn, joinInLv, joinInMt ),
+   row( regLv,        leave___, leave___, ____     ),
+   row( regLvAll,     leave___, leave___, ____     ),
+   row( regTxLvAll,   leave___, leave___, ____     ),
+   row( regRedeclare, leave___, leave___, ____     ),
+   row( regFlush,     silentMt, flushed_, ____     ),
+   row( regLeaveTimer, ____,    expired_, ____     ),
+};
+// clang-format on
+
+constexpr bool rowsStandAtTheirEvents() {
+   for ( U32 i = 0; i < table.size(); ++i ) {
+      if ( table[i].event != i ) {
+         return false;
+      }
+   }
+   return true;
+}
+static_assert( rowsStandAtTheirEvents() );
+static_assert( mrpIn == 0 && mrpLv == 1 && mrpMt == 2 && invalidRegistrarEvent == table.size() );
+
+} // namespace RegistrarCells
+
+} // namespace Mrp

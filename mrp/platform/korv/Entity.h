@@ -1,0 +1,102 @@
+// A named, published object with attributes that can be watched and mirrored.
+#pragma once
+
+#include "mrp/platform/korv/Notifier.h"
+#include "mrp/platform/korv/String8.h"
+
+#include <type_traits>
+
+namespace Korv {
+
+// Raised by each change of membership among all children of that class in the process: whoever
+// remembers a place in a tree of entities compares.
+template < class Child >
+inline U64 membershipChanges = 0;
+
+// The generic attributes of a published entity are name, fullName, parent, parentAttrName and
+// entity (the object itself). A root entity has a name and stores it; a child is identified by its
+// key and its place in the parent, has the empty name and stores only the parent.
+class Entity : public Notifier {
+ public:
+   virtual String8 name() const { return {}; }
+   // From the root down: "MrpStatus/application/MVRP/attrDatabase/Ethernet1/...".
+   virtual String8 fullName() const;
+   Entity const * entity() const { return this; }
+
+   // Set when the entity is attached to its parent's collection, null while it stands free. The
+   // parent owns the child; this pointer owns nothing.
+   Entity * parent() const { return parent_; }
+   void parentIs( Entity * parent ) { parent_ = parent; }
+   // The parent's attribute that holds this entity.
+   virtual String8 parentAttrName() const { return {}; }
+
+ protected:
+   // The key's text, for fullName.
+   virtual String8 keyText() const { return {}; }
+
+   // The family of operations on a keyed collection of owned children, a map from the key to
+   // Ptr< Child >. A child is made from its key, and may outlive its place here in a reader's hand.
+   template < class Map, class K >
+   static auto * childAt( Map const & children, K const & key ) {
+      auto const * const found = children.find( key );
+      return found ? found->ptr() : nullptr;
+   }
+   // Finds or makes and attaches, without announcing.
+   template < class Map, class K >
+   auto * newChild( Map & children, K const & key ) {
+      using Child = std::remove_reference_t< decltype( **children.find( key ) ) >;
+      return children
+         .findOrMake( key,
+                      [&] {
+                         ++membershipChanges< Child >;
+                         Ptr< Child > child( new Child( key ) );
+                         child->parentIs( this );
+                         return child;
+                      } )
+         .ptr();
+   }
+   template < class Map, class K, class On >
+   auto * childIs( Map & children, K const & key, On on ) {
+      if ( auto * const found = childAt( children, key ) ) {
+         return found;
+      }
+      auto * const made = newChild( children, key );
+      notify( on, key );
+      return made;
+   }
+   template < class Map, class K, class On >
+   void childDel( Map & children, K const & key, On on ) {
+      auto * const found = children.find( key );
+      if ( !found ) {
+         return;
+      }
+      using Child = std::remove_reference_t< decltype( **found ) >;
+      Ptr< Child > const child = *found;
+      ++membershipChanges< Child >;
+      children.erase( key );
+      child->parentIs( nullptr );
+      notify( on, key );
+   }
+   template < class Map, class On >
+   void childDelAll( Map & children, On on ) {
+      for ( auto child = children.walk(); child; ++child ) {
+         auto const key = child.key();
+         childDel( children, key, on );
+      }
+   }
+
+ private:
+   Entity * parent_ = nullptr;
+};
+
+// A root of a tree of entities, or an entity that stands alone.
+class NamedEntity : public Entity {
+ public:
+   explicit NamedEntity( Name name ) : name_( std::move( name ) ) {}
+   String8 name() const override { return name_; }
+
+ private:
+   Name name_;
+};
+
+} // namespace Korv

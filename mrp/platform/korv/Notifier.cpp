@@ -1,0 +1,76 @@
+#include "mrp/platform/korv/Notifier.h"
+
+#include <algorithm>
+
+namespace Korv {
+
+Notifier::~Notifier() {
+   if ( watchers_ ) {
+      for ( auto *& watcher : watchers_->list ) {
+         if ( watcher ) {
+            watcher->notifier_ = nullptr;
+            watcher = nullptr;
+         }
+      }
+   }
+}
+
+void Notifier::watcherAdd( ReactorBase * watcher ) const {
+   if ( !watchers_ ) {
+      watchers_ = new Watchers;
+   }
+   watchers_->list.push_back( watcher );
+}
+
+void Notifier::watcherDel( ReactorBase * watcher ) const {
+   auto & list = watchers_->list;
+   auto const found = std::find( list.begin(), list.end(), watcher );
+   if ( found == list.end() ) {
+      return;
+   }
+   *found = nullptr;
+   if ( watchers_->running == 0 ) {
+      compact( *watchers_ );
+   }
+}
+
+void Notifier::compact( Watchers & watchers ) const {
+   auto & list = watchers.list;
+   list.erase( std::remove( list.begin(), list.end(), nullptr ), list.end() );
+   // Called at the end of a notification, when this notifier may be gone: then the list is empty
+   // and held by the notification alone, and nothing of the notifier may be touched.
+   if ( list.empty() && watchers.references() > 1 && watchers_ == Ptr< Watchers >( &watchers ) ) {
+      watchers_ = nullptr;
+   }
+}
+
+ReactorBase::~ReactorBase() { watchedIs( nullptr ); }
+
+void ReactorBase::isRegisteredNotifieeIs( bool registered ) {
+   if ( registered == registered_ ) {
+      return;
+   }
+   registered_ = registered;
+   if ( notifier_ ) {
+      if ( registered ) {
+         notifier_->watcherAdd( this );
+      } else {
+         notifier_->watcherDel( this );
+      }
+   }
+}
+
+void ReactorBase::watchedIs( Notifier const * notifier ) {
+   if ( notifier == notifier_ ) {
+      return;
+   }
+   if ( notifier_ && registered_ ) {
+      notifier_->watcherDel( this );
+   }
+   notifier_ = notifier;
+   if ( notifier_ && registered_ ) {
+      notifier_->watcherAdd( this );
+   }
+}
+
+} // namespace Korv

@@ -1,0 +1,245 @@
+// An ordered map for keys that come and are walked in runs: sorted rows of up to 64 members, with
+// the lowest key of each row on top. A member costs its key and its value and nothing else; rows
+// that grow at their end are filled to the brim; and the neighbour of the member found last is
+// found in one step, which is what frames and walks ask for.
+//
+//  1. No row is empty; keys ascend within a row and from row to row; lowest_[ r ] is the first key
+//     of rows_[ r ].
+//  2. A walk survives any change of the map: it finds its next member by key.
+//
+// A pointer to a value is good until the next change of the map.
+#pragma once
+
+#include "mrp/platform/korv/Types.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace Korv {
+
+template < class K, class V >
+class OrderedMap {
+   // A vector of bool would pack bits and give no addresses.
+   struct Cell {
+      V value;
+   };
+   struct Row {
+      std::vector< K > keys;
+      std::vector< Cell > cells;
+   };
+   struct Place {
+      std::size_t row = 0;
+      std::size_t at = 0;
+   };
+
+ public:
+   std::size_t size() const { return size_; }
+   bool empty() const { return size_ == 0; }
+   bool isMember( K const & key ) const { return find( key ) != nullptr; }
+
+   V * find( K const & key ) {
+      return const_cast< V * >( static_cast< OrderedMap const * >( this )->find( key ) );
+   }
+   V const * find( K const & key ) const {
+      if ( size_ == 0 ) {
+         return nullptr;
+      }
+      if ( !isAt( last_, key ) ) {
+         stepForward( last_ );
+         if ( !isAt( last_, key ) ) {
+            last_ = lowerBound( key );
+            if ( !isAt( last_, key ) ) {
+               return nullptr;
+            }
+         }
+      }
+      return &rows_[last_.row].cells[last_.at].value;
+   }
+
+   // The value under the key, made by `make()` if there is none yet.
+   template < class Make >
+   V & findOrMake( K const & key, Make && make ) {
+      Place place = placeOf( key );
+      if ( !isAt( place, key ) ) {
+         V fresh = make();
+         place = insertAt( placeOf( key ), key, std::move( fresh ) );
+      }
+      last_ = place;
+      return rows_[place.row].cells[place.at].value;
+   }
+
+   // True if the key was not there before.
+   bool insertOrAssign( K const & key, V value ) {
+      bool made = false;
+      V & held = findOrMake( key, [&] {
+         made = true;
+         return std::move( value );
+      } );
+      if ( !made ) {
+         held = std::move( value );
+      }
+      return made;
+   }
+
+   // Takes the member out; true if it was there. The value lives until it has left the map, so
+   // that its end may come back here.
+   bool erase( K const & key ) {
+      if ( !find( key ) ) {
+         return false;
+      }
+      Place const place = last_;
+      Row & row = rows_[place.row];
+      [[maybe_unused]] V const leaving = std::move( row.cells[place.at].value );
+      auto const offset = static_cast< std::ptrdiff_t >( place.at );
+      row.keys.erase( row.keys.begin() + offset );
+      row.cells.erase( row.cells.begin() + offset );
+      auto const rowOffset = static_cast< std::ptrdiff_t >( place.row );
+      if ( row.keys.empty() ) {
+         rows_.erase( rows_.begin() + rowOffset );
+         lowest_.erase( lowest_.begin() + rowOffset );
+      } else {
+         lowest_[place.row] = row.keys.front();
+      }
+      --size_;
+      ++changes_;
+      return true;
+   }
+
+   void clear() {
+      while ( !empty() ) {
+         erase( rows_.back().keys.back() );
+      }
+   }
+
+   // Walk, by ascending key: `for ( auto w = map.walk(); w; ++w ) use( w.key(), w.value() );`
+   class Walk {
+    public:
+      explicit operator bool() const { return valid_; }
+      Walk & operator++() {
+         if ( changes_ == map_->changes_ ) {
+            map_->stepForward( place_ );
+         } else {
+            place_ = map_->upperBound( key_ );
+         }
+         settle();
+         return *this;
+      }
+      // A copy: the key is good also when its member has gone.
+      K const & key() const { return key_; }
+      // The member's value; the member must still be there.
+      V const & value() const { return *map_->find( key_ ); }
+
+    private:
+      friend class OrderedMap;
+      explicit Walk( OrderedMap const * map ) : map_( map ) { settle(); }
+      void settle() {
+         changes_ = map_->changes_;
+         valid_ = map_->isPlace( place_ );
+         if ( valid_ ) {
+            key_ = map_->rows_[place_.row].keys[place_.at];
+         }
+      }
+      OrderedMap const * map_;
+      Place place_;
+      U64 changes_ = 0;
+      K key_{};
+      bool valid_ = false;
+   };
+   Walk walk() const { return Walk( this ); }
+
+ private:
+   static constexpr std::size_t rowSize = 64;
+
+   bool isPlace( Place const & place ) const {
+      return place.row < rows_.size() && place.at < rows_[place.row].keys.size();
+   }
+   bool isAt( Place const & place, K const & key ) const {
+      return isPlace( place ) && rows_[place.row].keys[place.at] == key;
+   }
+   void stepForward( Place & place ) const {
+      if ( place.row < rows_.size() && ++place.at >= rows_[place.row].keys.size() ) {
+         ++place.row;
+         place.at = 0;
+      }
+   }
+
+   // The row that holds or would take the key: the last whose lowest key is not above it.
+   std::size_t rowOf( K const & key ) const {
+      auto const above = std::upper_bound( lowest_.begin(), lowest_.end(), key );
+      return above == lowest_.begin() ? 0
+                                      : static_cast< std::size_t >( above - lowest_.begin() ) - 1;
+   }
+   Place lowerBound( K const & key ) const {
+      std::size_t const row = rowOf( key );
+      auto const & keys = rows_[row].keys;
+      auto const at = std::lower_bound( keys.begin(), keys.end(), key );
+      return { row, static_cast< std::size_t >( at - keys.begin() ) };
+   }
+   Place upperBound( K const & key ) const {
+      if ( size_ == 0 ) {
+         return {};
+      }
+      Place place = lowerBound( key );
+      if ( isAt( place, key ) || !isPlace( place ) ) {
+         if ( !isPlace( place ) ) {
+            return { place.row + 1, 0 };
+         }
+         stepForward( place );
+      }
+      return place;
+   }
+   // As lowerBound, but quick for a key above all, the usual one when runs are put in.
+   Place placeOf( K const & key ) const {
+      if ( size_ == 0 ) {
+         return {};
+      }
+      if ( rows_.back().keys.back() < key ) {
+         return { rows_.size() - 1, rows_.back().keys.size() };
+      }
+      return lowerBound( key );
+   }
+
+   Place insertAt( Place place, K const & key, V && value ) {
+      if ( rows_.empty() ) {
+         rows_.emplace_back();
+         lowest_.push_back( key );
+      } else if ( rows_[place.row].keys.size() >= rowSize ) {
+         place = splitAt( place );
+      }
+      Row & row = rows_[place.row];
+      auto const offset = static_cast< std::ptrdiff_t >( place.at );
+      row.keys.insert( row.keys.begin() + offset, key );
+      row.cells.insert( row.cells.begin() + offset, Cell{ std::move( value ) } );
+      lowest_[place.row] = row.keys.front();
+      ++size_;
+      ++changes_;
+      return place;
+   }
+
+   // A full row in two: at its middle, or, when the newcomer goes to its very end, right there, so
+   // that keys which come in ascending order fill their rows.
+   Place splitAt( Place place ) {
+      Row & row = rows_[place.row];
+      std::size_t const keep = place.at == row.keys.size() ? row.keys.size() : row.keys.size() / 2;
+      auto const offset = static_cast< std::ptrdiff_t >( keep );
+      Row upper;
+      upper.keys.assign( row.keys.begin() + offset, row.keys.end() );
+      upper.cells.assign( std::make_move_iterator( row.cells.begin() + offset ),
+                          std::make_move_iterator( row.cells.end() ) );
+      row.keys.erase( row.keys.begin() + offset, row.keys.end() );
+      row.cells.erase( row.cells.begin() + offset, row.cells.end() );
+      auto const next = static_cast< std::ptrdiff_t >( place.row ) + 1;
+      lowest_.insert( lowest_.begin() + next, upper.keys.empty() ? K{} : upper.keys.front() );
+      rows_.insert( rows_.begin() + next, std::move( upper ) );
+      return place.at > keep || keep == rowSize ? Place{ place.row + 1, place.at - keep } : place;
+   }
+
+   std::vector< Row > rows_;
+   std::vector< K > lowest_;
+   std::size_t size_ = 0;
+   U64 changes_ = 0;
+   mutable Place last_; // of the latest find
+};
+
+} // namespace Korv

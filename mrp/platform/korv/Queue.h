@@ -1,0 +1,126 @@
+// A first-in first-out queue whose entries have a U32 position, one past the last entry's for each
+// newcomer, so that an entry can be named. It keeps its room: a queue that is filled and emptied
+// again and again allocates nothing.
+#pragma once
+
+#include "mrp/platform/korv/Types.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace Korv {
+
+template < class T >
+class Queue {
+   struct Entry {
+      U32 position;
+      T value;
+   };
+
+ public:
+   std::size_t size() const { return entries_.size() - head_; }
+   bool empty() const { return head_ == entries_.size(); }
+   T const & front() const { return entries_[head_].value; }
+   U32 frontPosition() const { return entries_[head_].position; }
+
+   T const * find( U32 position ) const {
+      auto const found = lowerBound( position );
+      return found != entries_.end() && found->position == position ? &found->value : nullptr;
+   }
+
+   // Walk, from the oldest: `for ( auto w = queue.walk(); w; ++w ) use( w.position(), w.value() );`
+   // It finds its next entry by position, so that the queue may change meanwhile.
+   class Walk {
+    public:
+      explicit operator bool() const { return entry() != nullptr; }
+      Walk & operator++() {
+         auto const next = queue_->lowerBound( position_ + 1 );
+         position_ = next == queue_->entries_.end() ? position_ + 1 : next->position;
+         return *this;
+      }
+      U32 position() const { return position_; }
+      T const & value() const { return *entry(); }
+
+    private:
+      friend class Queue;
+      explicit Walk( Queue const * queue ) : queue_( queue ) {
+         position_ = queue->empty() ? 0 : queue->frontPosition();
+      }
+      T const * entry() const { return queue_->find( position_ ); }
+      Queue const * queue_;
+      U32 position_;
+   };
+   Walk walk() const { return Walk( this ); }
+
+   // The position given: the queue's next number, or the last entry's plus 1 where that is higher.
+   U32 enq( T const & value ) {
+      if ( !empty() ) {
+         next_ = std::max( next_, entries_.back().position + 1 );
+      }
+      entries_.push_back( { next_, value } );
+      return next_++;
+   }
+
+   // The oldest entry, or an empty value.
+   T deq() {
+      if ( empty() ) {
+         return T{};
+      }
+      T const value = entries_[head_++].value;
+      tidy();
+      return value;
+   }
+
+   // Writes the entry at a position, which is made if it is missing; true if that changed
+   // something.
+   bool put( U32 position, T const & value ) {
+      auto const found = lowerBound( position );
+      if ( found != entries_.end() && found->position == position ) {
+         auto & held = entries_[static_cast< std::size_t >( found - entries_.begin() )].value;
+         if ( held == value ) {
+            return false;
+         }
+         held = value;
+      } else {
+         entries_.insert( found, { position, value } );
+      }
+      return true;
+   }
+
+   bool del( U32 position ) {
+      auto const found = lowerBound( position );
+      if ( found == entries_.end() || found->position != position ) {
+         return false;
+      }
+      if ( found - entries_.begin() == static_cast< std::ptrdiff_t >( head_ ) ) {
+         ++head_;
+      } else {
+         entries_.erase( found );
+      }
+      tidy();
+      return true;
+   }
+
+ private:
+   typename std::vector< Entry >::const_iterator lowerBound( U32 position ) const {
+      return std::lower_bound( entries_.begin() + static_cast< std::ptrdiff_t >( head_ ),
+                               entries_.end(), position,
+                               []( Entry const & e, U32 p ) { return e.position < p; } );
+   }
+   void tidy() {
+      if ( head_ == entries_.size() ) {
+         entries_.clear();
+         head_ = 0;
+      } else if ( head_ > 64 && head_ > entries_.size() / 2 ) {
+         entries_.erase( entries_.begin(),
+                         entries_.begin() + static_cast< std::ptrdiff_t >( head_ ) );
+         head_ = 0;
+      }
+   }
+
+   std::vector< Entry > entries_;
+   std::size_t head_ = 0;
+   U32 next_ = 0;
+};
+
+} // namespace Korv

@@ -1,0 +1,61 @@
+#include "mrp/platform/memory/Pam.h"
+
+#include "mrp/platform/memory/Device.h"
+#include "mrp/platform/pelk/ReceivePool.h"
+
+namespace Memory {
+
+Pam::Pam( Korv::Ptr<Device> device, KernelNetInfo::PamSettings const & settings )
+   : device_( std::move( device ) ), settings_( settings ) {
+   device_->pamAdd( this );
+}
+
+Pam::~Pam() { device_->pamDel( this ); }
+
+Korv::Ptr<Pelk::Pkt> Pam::rxPkt() {
+   if ( waiting_.empty() ) {
+      return nullptr;
+   }
+   FrameBytes const frame = waiting_.deq();
+   handleTaken();
+   return Pelk::receivePool().newPkt( frame.data(), frame.size() );
+}
+
+void Pam::txPkt( Korv::Ptr<Pelk::Pkt> pkt ) {
+   auto const iovecs = pkt->iovecs();
+   if ( iovecs.size() == 1 ) {
+      device_->transmit( { iovecs[0].data, iovecs[0].bytes } );
+      return;
+   }
+   Frame frame;
+   for ( auto const & iovec : iovecs ) {
+      frame.insert( frame.end(), iovec.data, iovec.data + iovec.bytes );
+   }
+   device_->transmit( frame );
+}
+
+bool Pam::deliver( FrameBytes frame ) {
+   if ( !settings_.filterProgram.accepts( frame.data(), frame.size() ) ) {
+      ++heldBack_;
+      return false;
+   }
+   return deliverPastFilter( frame );
+}
+
+bool Pam::deliverPastFilter( FrameBytes frame ) {
+   if ( frame.size() < Pelk::ReceivePool::frameBytesMin ) {
+      ++heldBack_;
+      return false;
+   }
+   if ( settings_.rxQueueFrames != 0 && waiting_.size() >= settings_.rxQueueFrames ) {
+      ++overrun_;
+      return false;
+   }
+   waiting_.enq( frame );
+   // Whoever reads may close this Pam.
+   Korv::Ptr<Pam> const self( this );
+   handleArrival();
+   return true;
+}
+
+} // namespace Memory

@@ -1,0 +1,86 @@
+// The way in: one frame from an interface's packet access, checked, parsed, applied, answered.
+#include "mrp/frame/MrpIntfPamSm.h"
+#include "mrp/frame/MrpPamSm.h"
+#include "mrp/frame/MrpSm.h"
+#include "mrp/observability/RingSites.h"
+#include "mrp/observability/Trace.h"
+#include "mrp/platform/korv/Assert.h"
+#include "mrp/platform/pelk/EthHdr.h"
+#include "mrp/platform/pelk/PktManager.h"
+#include "mrp/receive/FutureProtocolVersion.h"
+
+namespace Mrp {
+
+namespace {
+
+constexpr U16 vlanTagType = 0x8100;
+constexpr std::size_t vlanTagBytes = 4;
+
+// A copy of the frame from the cursor on: of a tagged frame, the frame less its first four bytes.
+Korv::Ptr< Pelk::Pkt > copyFromCursor( Pelk::Pkt const & pkt ) {
+   Korv::Ptr< Pelk::Pkt > copy = Pelk::globalPktManager().newPkt();
+   if ( copy ) {
+      copy->newSharedHeadData( pkt.frontBytes() );
+      std::memcpy( copy->frontData(), pkt.frontData(), pkt.frontBytes() );
+   }
+   return copy;
+}
+
+} // namespace
+
+void MrpIntfPamSm::handleMrpdu() {
+   if ( standbyMode_ ) {
+      return;
+   }
+   Korv::assertThat( initialized(), "initialized()" );
+   Korv::Ptr< Pelk::Pkt > const pkt = pam_->rxPkt();
+   if ( !pkt ) {
+      return;
+   }
+   Sornlog::log( Ring::intfPamHandleMrpdu, intfId_ );
+   trace( 8, "Received frame on interface ", intfId_, " (length=", pkt->bytes() );
+   Korv::assertThat( pkt->bytes() >= sizeof( Pelk::EthHdr ),
+                     "pkt->bytes() >= sizeof( Pelk::EthHdr )" );
+
+   MrpSm & sm = mrpSm();
+   MrpLib & lib = *sm.mrpLib();
+   MrpCounters & counters = *sm.mrpCounters();
+   if ( Pelk::EthHdr::at( pkt->frontData() ).dst() != lib.applicationMacAddr() ) {
+      trace( 2, "Received frame with incorrect DMAC -- ignoring" );
+      Sornlog::log( Ring::incorrectDmac );
+      counters.numOfIncorrectDmacInc( 1 );
+      counters.numOfPktsProcessedInc( 1 );
+      return;
+   }
+   U16 type = Pelk::EthHdr::at( pkt->frontData() ).typeOrLen();
+   if ( type == vlanTagType ) {
+      trace( 6, "Received 802.1Q-tagged frame with VLAN ID ",
+             Korv::networkU16At( pkt->frontData() + 14 ) & 0x0FFF );
+      type = Korv::networkU16At( pkt->frontData() + 16 );
+      // The tag is not cut out: with the 14 bytes below the cursor lands behind it.
+      pkt->delSharedHeadData( vlanTagBytes );
+   }
+   if ( type != lib.applicationEtype() ) {
+      trace( 4, "Received frame with incorrect EtherType -- ignoring" );
+      Sornlog::log( Ring::incorrectEtherType );
+      counters.numOfIncorrectEtypeInc( 1 );
+      counters.numOfPktsProcessedInc( 1 );
+      return;
+   }
+   if ( sm.mrpConfig()->mrpFlooding() ) {
+      // At the packet limit there is no copy, and the frame is not flooded.
+      if ( auto const copy = copyFromCursor( *pkt ) ) {
+         mrpPamSm_->floodMsrpdu( intfId_, copy );
+      }
+   }
+   pkt->delSharedHeadData( sizeof( Pelk::EthHdr ) );
+   sm.parseContext()->intfIdIs( intfId_ );
+   sm.parseMrpdu( pkt );
+   // Also after a malformed frame: what was saved before the failure counts.
+   sm.processParsedAttributes( intfId_ );
+   counters.numOfPktsProcessedInc( 1 );
+   sm.mrpTransmitTxAttributes();
+   futureProtocolVersion = false;
+}
+
+} // namespace Mrp

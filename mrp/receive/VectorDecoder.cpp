@@ -1,0 +1,304 @@
+// From one VectorAttribute, the cursor on its VectorHeader, to one MrpParsedAttribute per value.
+//
+// The FirstValue goes into the Rx field of its kind; each event steps that field on by one value,
+// derives the key and saves event and value under it. No machine runs here: ParsedAttributes.cpp
+// applies the frame as a whole.
+#include "mrp/frame/AttributeKinds.h"
+#include "mrp/frame/MrpSm.h"
+#include "mrp/observability/Logs.h"
+#include "mrp/observability/RingSites.h"
+#include "mrp/observability/Trace.h"
+#include "mrp/platform/korv/Format.h"
+#include "mrp/vocabulary/VectorFormat.h"
+
+namespace Mrp {
+
+namespace {
+
+// Reads the record at the cursor and consumes it, whether or not the frame holds that much.
+template < class FirstValue >
+FirstValue takeFirstValue( Pelk::Pkt & pkt ) {
+   FirstValue value;
+   std::memcpy( &value, pkt.frontData(), sizeof value );
+   pkt.delSharedHeadData( sizeof value );
+   return value;
+}
+
+template < class Kind >
+void loadFirstValue( MrpLib & lib, Pelk::Pkt & pkt ) {
+   ( lib.*Kind::rxIs )( Kind::received( takeFirstValue< typename Kind::FirstValue >( pkt ) ) );
+}
+
+template < class Kind >
+void stepRx( MrpLib & lib ) {
+   ( lib.*Kind::rxIs )( Kind::next( ( lib.*Kind::rx )() ) );
+}
+
+template < class Kind >
+U64 rxKey( MrpLib const & lib ) {
+   return Kind::key( ( lib.*Kind::rx )() );
+}
+
+} // namespace
+
+MrpParseStatus MrpSm::parseVectorAttribute( Korv::Ptr< Pelk::Pkt > const & pkt ) {
+   MrpParseContext & context = *parseContext_;
+   U16 const header = Korv::networkU16At( pkt->frontData() );
+   U16 const values = header & numberOfValuesMask;
+   if ( ( header & leaveAllBit ) != 0 ) {
+      trace( 8, " leaveAllEvent is True" );
+      Sornlog::log( Ring::leaveAllEventIsTrue, context.intfId() );
+      context.leaveAllIs( leaveAll );
+      if ( !recycledPkt_ ) {
+         mrpRxLeaveAllIs( context.attributeType(), true );
+      }
+   } else if ( values == 0 ) {
+      context.attributeListBytesLeftIs( 0 );
+      mrpCounters_->numOfMalformedPktsInc( 1 );
+      return parseMalformedPkt;
+   } else {
+      context.leaveAllIs( nullLeaveAll );
+   }
+   context.numberOfValuesIs( values );
+   pkt->delSharedHeadData( 2 );
+
+   switch ( mrpLib_->application() ) {
+   case MSRP: return parseMsrpVector( pkt );
+   case MVRP: return parseMvrpVector( pkt );
+   default:
+      trace( 4, "Application ", mrpLib_->application(), " not supported" );
+      Sornlog::log( Ring::applicationNotSupported, static_cast< U32 >( mrpLib_->application() ) );
+      mrpCounters_->numOfUnknownApplicationInc( 1 );
+      return parseOk;
+   }
+}
+
+namespace {
+
+// Reached only with an AttributeLength of 0. The vector's body stays where it is, and what follows
+// decides what becomes of the list.
+MrpParseStatus unidentifiedType( MrpSm & mrpSm ) {
+   U8 const type = mrpSm.parseContext()->attributeType();
+   trace( 4, " ######## Unidentified attribute type = ", type );
+   Sornlog::log( Ring::unidentifiedAttributeType, type );
+   mrpSm.mrpCounters()->numOfUnknownAttributeTypeInc( 1 );
+   if ( MRP_ERROR.okToLog() ) {
+      MRP_ERROR.log( Korv::format( "Unidentified attribute type %d received on %s", type,
+                                   mrpSm.parseContext()->intfId().stringValue().c_str() ) );
+   }
+   return parseOk;
+}
+
+} // namespace
+
+MrpParseStatus MrpSm::parseMsrpVector( Korv::Ptr< Pelk::Pkt > const & pkt ) {
+   MrpParseStatus status = parseOk;
+   bool const known = withAttributeKind( MSRP, parseContext_->attributeType(), [&]( auto kind ) {
+      using Kind = decltype( kind );
+      loadFirstValue< Kind >( *mrpLib_, *pkt );
+      status = Kind::fourPacked ? parseThreeFourPackedEvents( pkt ) : parseThreePackedEvents( pkt );
+   } );
+   return known ? status : unidentifiedType( *this );
+}
+
+MrpParseStatus MrpSm::parseMvrpVector( Korv::Ptr< Pelk::Pkt > const & pkt ) {
+   if ( parseContext_->attributeType() != vlanVector ) {
+      return unidentifiedType( *this );
+   }
+   auto const first = takeFirstValue< MvrpVlanAttribute >( *pkt );
+   trace( 8, "VlanVector vlanId = ", first.vlanId() );
+   mrpLib_->mvrpVlanVectorRxIs( first );
+   return parseThreePackedEvents( pkt );
+}
+
+namespace {
+
+// A vector of no values carries a LeaveAll alone. It makes no parsed attribute, and leaves the
+// context with the event 2.
+void noteLeaveAllOnlyVector( MrpParseContext & context ) {
+   context.attributeKeyIs( 0 );
+   if ( context.leaveAll() == leaveAll ) {
+      context.attributeEventIs( lvAllEvent );
+      context.eventsCounterInc( 1 );
+      context.attributeEventIs( inEvent );
+   }
+}
+
+// The one bound of NumberOfValues: its events must fit in what is left of the frame.
+MrpParseStatus eventsDoNotFit( MrpSm & mrpSm, U32 eventBytes, std::size_t bytesLeft ) {
+   mrpSm.parseContext()->attributeListBytesLeftIs( 0 );
+   mrpSm.mrpCounters()->numOfMalformedPktsInc( 1 );
+   if ( MRP_ERROR.okToLog() ) {
+      MRP_ERROR.log(
+         Korv::format( "Number of values %d does not match with the packet bytes %d received on %s",
+                       static_cast< int >( eventBytes ), static_cast< int >( bytesLeft ),
+                       mrpSm.parseContext()->intfId().stringValue().c_str() ) );
+   }
+   return parseMalformedPkt;
+}
+
+// Walks the ThreePackedEvents at the cursor, which stays where it is: onEvent( event, eventNum )
+// for each of the n values. What is left over in the last byte is not read.
+template < class OnEvent >
+void walkThreePacked( U8 const * bytes, U16 n, OnEvent onEvent ) {
+   U16 eventNum = 0;
+   while ( eventNum < n ) {
+      U8 const byte = *bytes++;
+      U8 const events[3] = { static_cast< U8 >( byte / 36 ), static_cast< U8 >( byte / 6 % 6 ),
+                             static_cast< U8 >( byte % 6 ) };
+      for ( U8 const event : events ) {
+         if ( eventNum == n ) {
+            return;
+         }
+         onEvent( event, eventNum++ );
+      }
+   }
+}
+
+} // namespace
+
+MrpParseStatus MrpSm::parseThreePackedEvents( Korv::Ptr< Pelk::Pkt > const & pkt ) {
+   MrpParseContext & context = *parseContext_;
+   U16 const n = context.numberOfValues();
+   U32 const packed = packedBytes( n, eventsPerThreePackedByte );
+   if ( n == 0 ) {
+      noteLeaveAllOnlyVector( context );
+   }
+   if ( packed > pkt->bytes() ) {
+      return eventsDoNotFit( *this, packed, pkt->bytes() );
+   }
+   walkThreePacked( pkt->frontData(), n,
+                    [this]( U8 event, U16 eventNum ) { processMrpEvent( event, eventNum ); } );
+   context.attributeListBytesLeftDec( packed + context.attributeLength() + 2u );
+   pkt->delSharedHeadData( packed );
+   return parseOk;
+}
+
+MrpParseStatus MrpSm::parseThreeFourPackedEvents( Korv::Ptr< Pelk::Pkt > const & pkt ) {
+   MrpParseContext & context = *parseContext_;
+   U16 const n = context.numberOfValues();
+   U32 const three = packedBytes( n, eventsPerThreePackedByte );
+   U32 const total = three + packedBytes( n, eventsPerFourPackedByte );
+   if ( n == 0 ) {
+      noteLeaveAllOnlyVector( context );
+      context.attributeListBytesLeftDec( context.attributeLength() + 2u );
+      return parseOk;
+   }
+   if ( total > pkt->bytes() ) {
+      return eventsDoNotFit( *this, total, pkt->bytes() );
+   }
+   walkThreePacked( pkt->frontData(), n, [&]( U8 event, U16 eventNum ) {
+      processThreeAndFourPacked( pkt, event, eventNum, static_cast< U16 >( three ) );
+   } );
+   context.attributeListBytesLeftDec( total + context.attributeLength() + 2u );
+   pkt->delSharedHeadData( total );
+   return parseOk;
+}
+
+void MrpSm::processThreeAndFourPacked( Korv::Ptr< Pelk::Pkt > const & pkt, U8 event, U16 eventNum,
+                                       U16 fourPackedPtr ) {
+   U8 const byte = pkt->frontData()[fourPackedPtr + eventNum / 4];
+   U32 const field = ( byte >> ( 6 - 2 * ( eventNum % 4 ) ) ) & 3u;
+   mrpLib_->msrpListenerVectorRxIs( MsrpListenerAttribute(
+      mrpLib_->msrpListenerVectorRx().streamId(), static_cast< MsrpListenerEvent >( field ) ) );
+   processMrpEvent( event, eventNum );
+}
+
+// The one place where a value is produced: value i is FirstValue plus i only because the events
+// are walked in order, each once.
+void MrpSm::processMrpEvent( U8 event, U16 eventNum ) {
+   mrpLib_->mrpValueFromFirstValue( eventNum );
+   parseContext_->attributeKeyIs( mrpGetRxAttributeKey() );
+   parseContext_->attributeEventIs( event );
+   parseContext_->eventsCounterInc( 1 );
+   if ( !recycledPkt_ && !mrpConfig_->mrpFlooding() ) {
+      saveParsedMrpAttribute();
+   } else {
+      trace( 8, "Recycled Pkt. Returning after parsing" );
+   }
+}
+
+U64 MrpSm::mrpGetRxAttributeKey() const {
+   switch ( mrpLib_->application() ) {
+   case MSRP: return msrpGetRxAttributeKey();
+   case MVRP: return mvrpGetRxAttributeKey();
+   default: return 0;
+   }
+}
+
+U64 MrpSm::msrpGetRxAttributeKey() const {
+   U64 key = 0;
+   withAttributeKind( MSRP, parseContext_->attributeType(),
+                      [&]( auto kind ) { key = rxKey< decltype( kind ) >( *mrpLib_ ); } );
+   return key;
+}
+
+U64 MrpSm::mvrpGetRxAttributeKey() const {
+   return parseContext_->attributeType() == vlanVector ? rxKey< VlanKind >( *mrpLib_ ) : 0;
+}
+
+void MrpSm::saveParsedMrpAttribute() {
+   MrpParsedAttributeKey const key( parseContext_->attributeType(), parseContext_->attributeKey() );
+   MrpParsedAttribute * const attribute = mrpParsedAttributeIs( key );
+   attribute->attributeEventIs( parseContext_->attributeEvent() );
+   saveParsedMrpAttributeValue( *attribute );
+   if ( mrpLib_->application() == MSRP && key.attributeType() == domainVector ) {
+      msrpParsedDomainKeyEnq( key );
+   } else {
+      mrpParsedAttributeKeyEnq( key );
+   }
+}
+
+namespace {
+
+void saveRx( MrpLib const & lib, MrpApplication application, U8 attributeType,
+             MrpParsedAttribute & attribute ) {
+   withAttributeKind( application, attributeType, [&]( auto kind ) {
+      using Kind = decltype( kind );
+      typename Kind::Value const & value = ( lib.*Kind::rx )();
+      attribute.attributeValueAllIs( &value, sizeof value );
+   } );
+}
+
+} // namespace
+
+void MrpSm::saveParsedMrpAttributeValue( MrpParsedAttribute & attribute ) const {
+   switch ( mrpLib_->application() ) {
+   case MSRP: saveParsedMsrpAttributeValue( attribute ); break;
+   case MVRP: saveParsedMvrpAttributeValue( attribute ); break;
+   default: break;
+   }
+}
+void MrpSm::saveParsedMsrpAttributeValue( MrpParsedAttribute & attribute ) const {
+   saveRx( *mrpLib_, MSRP, parseContext_->attributeType(), attribute );
+}
+void MrpSm::saveParsedMvrpAttributeValue( MrpParsedAttribute & attribute ) const {
+   saveRx( *mrpLib_, MVRP, parseContext_->attributeType(), attribute );
+}
+
+void MrpLib::mrpValueFromFirstValue( U16 eventNum ) {
+   if ( eventNum == 0 ) {
+      return;
+   }
+   switch ( application_ ) {
+   case MSRP: mrpMsrpValueFromFirstValue(); break;
+   case MVRP: mrpMvrpValueFromFirstValue(); break;
+   default: break;
+   }
+}
+void MrpLib::mrpMsrpValueFromFirstValue() {
+   withAttributeKind( MSRP, mrpSm_->parseContext()->attributeType(),
+                      [this]( auto kind ) { stepRx< decltype( kind ) >( *this ); } );
+}
+void MrpLib::mrpMvrpValueFromFirstValue() {
+   if ( mrpSm_->parseContext()->attributeType() == vlanVector ) {
+      mrpIncrementVlanVector();
+   }
+}
+void MrpLib::mrpIncrementTalkerAdvertise() { stepRx< TalkerAdvertiseKind >( *this ); }
+void MrpLib::mrpIncrementTalkerFailed() { stepRx< TalkerFailedKind >( *this ); }
+void MrpLib::mrpIncrementListenerVector() { stepRx< ListenerKind >( *this ); }
+void MrpLib::mrpIncrementDomainVector() { stepRx< DomainKind >( *this ); }
+void MrpLib::mrpIncrementVlanVector() { stepRx< VlanKind >( *this ); }
+
+} // namespace Mrp

@@ -1,0 +1,35 @@
+#!/usr/bin/env bash
+# Installs a build into a prefix of its own, builds the agent against it with
+# find_package( mrp ) and with pkg-config, and runs both; then the installed command.
+# Environment: CMAKE, BUILD (the build folder), CXX and CXXFLAGS (those of that build).
+set -euo pipefail
+
+here=$(cd "$(dirname "$0")" && pwd)
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+# Not the prefix that the build was configured for: the installed tree may be moved.
+prefix=$work/prefix
+
+"$CMAKE" --install "$BUILD" --prefix "$prefix" > "$work/install.log" || {
+   cat "$work/install.log"
+   exit 1
+}
+libdir=$(dirname "$(find "$prefix" -name 'libmrp.*' -print -quit)")
+export LD_LIBRARY_PATH=$libdir
+
+echo "by find_package"
+"$CMAKE" -S "$here" -B "$work/agent" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
+   -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_CXX_FLAGS="$CXXFLAGS"
+"$CMAKE" --build "$work/agent"
+"$work/agent/agent"
+
+echo "by pkg-config"
+flags=$(PKG_CONFIG_PATH=$libdir/pkgconfig pkg-config --cflags --libs mrp)
+# shellcheck disable=SC2086
+"$CXX" -std=c++20 $CXXFLAGS "$here/agent.cpp" $flags -o "$work/agent-pc"
+"$work/agent-pc"
+
+if [ -e "$BUILD/bin/mrp" ]; then
+   echo "the command"
+   "$prefix/bin/mrp" -h > /dev/null
+fi

@@ -1,0 +1,148 @@
+#include "mrp/platform/pelk/Pkt.h"
+
+#include "mrp/platform/pelk/PktManager.h"
+#include "mrp/platform/pelk/ReceivePool.h"
+
+#include <gtest/gtest.h>
+
+#include <numeric>
+#include <string>
+#include <vector>
+
+namespace Pelk {
+namespace {
+
+constexpr std::size_t frameBytes = 60;
+
+// Over a received frame of bytes 1, 2, 3 ...: data at the front of the buffer, no room before it.
+Korv::Ptr<Pkt> countingPkt() {
+   std::vector<U8> frame( frameBytes );
+   std::iota( frame.begin(), frame.end(), U8{ 1 } );
+   return receivePool().newPkt( frame.data(), frame.size() );
+}
+
+TEST( Pkt, frontMovesOverWhatHasBeenRead ) {
+   auto const pkt = countingPkt();
+   U8 * const front = pkt->frontData();
+
+   pkt->delSharedHeadData( 14 );
+   EXPECT_EQ( pkt->frontData(), front + 14 );
+   EXPECT_EQ( *pkt->frontData(), 15 );
+   EXPECT_EQ( pkt->bytes(), frameBytes - 14 );
+
+   pkt->delSharedHeadData( pkt->bytes() );
+   EXPECT_EQ( pkt->bytes(), 0u );
+   EXPECT_EQ( pkt->frontBytes(), 0u );
+   EXPECT_EQ( pkt->frontData(), front + frameBytes );
+}
+
+TEST( Pkt, readingBeyondTheDataWrapsItsLengthAndGoesOnInTheBuffer ) {
+   auto const pkt = countingPkt();
+   pkt->delSharedHeadData( frameBytes + 3 );
+   EXPECT_EQ( pkt->bytes(), static_cast<std::size_t>( -3 ) );
+   EXPECT_EQ( pkt->frontBytes(), static_cast<std::size_t>( -3 ) );
+   EXPECT_EQ( *pkt->frontData(), 0 );
+
+   pkt->delSharedHeadData( 65'535 ); // still 8,192 - 3 bytes before the end
+   EXPECT_EQ( *pkt->frontData(), 0 );
+   std::size_t const left = pkt->sharedBuffer()->size() - pkt->sharedBuffer()->room();
+   pkt->delSharedHeadData( left ); // the end itself counts as within
+   EXPECT_EQ( pkt->sharedBuffer()->room(), pkt->sharedBuffer()->size() );
+   EXPECT_DEATH( pkt->delSharedHeadData( 1 ), "ptrWithinRegion\\( data_, buffer_, size_ \\)" );
+}
+
+TEST( Pkt, newHeadTakesTheRoomBeforeTheData ) {
+   auto const pkt = globalPktManager().newPkt();
+   pkt->newSharedHeadData( 1500 );
+   U8 * const body = pkt->frontData();
+   body[ 0 ] = 7;
+
+   pkt->newSharedHeadData( 15 );
+   EXPECT_EQ( pkt->frontData() + 15, body );
+   EXPECT_EQ( pkt->frontBytes(), 1515u );
+   EXPECT_EQ( pkt->frontData()[ 15 ], 7 );
+}
+
+TEST( Pkt, newHeadWithoutRoomMovesTheDataToTheEndOfALargerBuffer ) {
+   auto const pkt = countingPkt();
+   std::size_t const size = pkt->sharedBuffer()->size();
+   pkt->delSharedHeadData( 2 );
+   pkt->newSharedHeadData( 2 ); // just the room there is
+   EXPECT_EQ( pkt->sharedBuffer()->size(), size );
+   EXPECT_EQ( *pkt->frontData(), 1 );
+
+   pkt->newSharedHeadData( 5 );
+   auto const & buffer = *pkt->sharedBuffer();
+   EXPECT_EQ( buffer.size(), size + 5 );
+   EXPECT_EQ( buffer.room() + buffer.dataBytes(), buffer.size() );
+   std::vector<U8> expected( frameBytes + 5 );
+   std::iota( expected.begin() + 5, expected.end(), U8{ 1 } );
+   EXPECT_EQ( std::vector<U8>( pkt->frontData(), pkt->frontData() + pkt->bytes() ), expected );
+}
+
+TEST( Pkt, tailIsCut ) {
+   auto const pkt = countingPkt();
+   pkt->delSharedTailData( 40 );
+   EXPECT_EQ( pkt->frontBytes(), 20u );
+   EXPECT_EQ( pkt->frontData()[ 19 ], 20 );
+   pkt->delSharedTailData( 20 );
+   EXPECT_EQ( pkt->bytes(), 0u );
+   EXPECT_DEATH( pkt->delSharedTailData( 1 ),
+                 "ptrWithinRegion\\( data_ \\+ dataBytes_, buffer_, size_ \\)" );
+}
+
+TEST( Pkt, withoutBufferHasNoBytesAndNoSharedPart ) {
+   Korv::Ptr<Pkt> const pkt = new Pkt;
+   EXPECT_EQ( pkt->bytes(), 0u );
+   EXPECT_EQ( pkt->frontBytes(), 0u );
+   EXPECT_EQ( pkt->frontData(), nullptr );
+   EXPECT_DEATH( pkt->delSharedHeadData( 0 ), "sharedBuffer_ != 0" );
+   EXPECT_DEATH( pkt->newSharedHeadData( 0 ), "sharedBuffer_ != 0" );
+   EXPECT_DEATH( pkt->delSharedTailData( 0 ), "sharedBuffer_ != 0" );
+   EXPECT_DEATH( pkt->updateSharedIovec(), "firstIoVec_ != maxIovecs_" );
+}
+
+TEST( Pkt, privateHeadGoesAheadOfTheSharedPart ) {
+   auto const pkt = countingPkt();
+   U8 head[ 4 ] = { 9, 9, 9, 9 };
+   pkt->privateHeadIs( head, sizeof head );
+   EXPECT_EQ( pkt->frontData(), head );
+   EXPECT_EQ( pkt->frontBytes(), 4u );
+   pkt->delSharedHeadData( 10 );
+   EXPECT_EQ( pkt->bytes(), 4u + frameBytes - 10 );
+   EXPECT_EQ( pkt->iovecs().size(), 2u );
+   EXPECT_EQ( *pkt->iovecs()[ 1 ].data, 11 );
+}
+
+TEST( PktManager, limitsThePacketsThatLive ) {
+   PktManager manager;
+   manager.maxPktsIs( 2 );
+   auto first = manager.newPkt();
+   auto const second = manager.newPkt();
+   EXPECT_TRUE( first && second );
+   EXPECT_FALSE( manager.newPkt() );
+
+   auto const received = countingPkt(); // not the manager's
+   EXPECT_TRUE( received );
+   EXPECT_EQ( manager.pkts(), 2u );
+
+   first->newSharedHeadData( 9000 ); // beyond its first buffer
+   first = nullptr;
+   EXPECT_TRUE( manager.newPkt() );
+}
+
+TEST( PktManager, newPacketIsEmptyOverZerosWhateverTheLastOneHeld ) {
+   PktManager manager;
+   for ( int round = 0; round < 2; ++round ) {
+      auto const pkt = manager.newPkt();
+      EXPECT_EQ( pkt->bytes(), 0u );
+      pkt->newSharedHeadData( 1515 );
+      EXPECT_EQ( pkt->sharedBuffer()->size(), 1515u );
+      EXPECT_EQ( std::accumulate( pkt->frontData(), pkt->frontData() + 1515, 0 ), 0 );
+      std::fill( pkt->frontData(), pkt->frontData() + 1515, U8{ 0xff } );
+      pkt->delSharedTailData( 1000 );
+   }
+}
+
+} // namespace
+} // namespace Pelk

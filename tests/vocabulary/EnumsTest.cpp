@@ -1,0 +1,85 @@
+#include "mrp/platform/korv/RangeException.h"
+#include "mrp/vocabulary/Mrp.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <utility>
+
+namespace Mrp {
+namespace {
+
+// What the compiler calls the enumerator: "... V = Mrp::mrpMt]".
+template < auto V >
+std::string compilerName() {
+   std::string const function = __PRETTY_FUNCTION__;
+   auto const begin = function.find( "V = " );
+   auto const name = function.substr( begin, function.find_first_of( ";]", begin ) - begin );
+   return name.substr( name.rfind( ':' ) + 1 );
+}
+
+template < class E, std::size_t... number >
+void expectNamesOfCompiler( std::index_sequence< number... > ) {
+   Korv::EnumInstance< E > const instance;
+   auto check = [&]( E value, std::string const & name ) {
+      EXPECT_EQ( stringValue( value ), name );
+      EXPECT_EQ( instance( name ), value );
+      EXPECT_EQ( instance( static_cast< U64 >( value ) ), value );
+      EXPECT_EQ( Korv::fromText< E >( name ), value );
+   };
+   ( check( static_cast< E >( number ), compilerName< static_cast< E >( number ) >() ), ... );
+}
+
+template < class E >
+class EnumTest : public testing::Test {};
+using AllEnums =
+   testing::Types< MrpApplication, MrpApplicantState, MrpApplicantEvent, MrpRegistrarState,
+                   MrpRegistrarEvent, MrpThreePackedEvent, MrpLeaveAllEvent, MrpParseStatus,
+                   MsrpAttrType, MvrpAttrType, MsrpListenerEvent >;
+TYPED_TEST_SUITE( EnumTest, AllEnums );
+
+TYPED_TEST( EnumTest, textIsTheNameOfTheEnumerator ) {
+   constexpr std::size_t count = Korv::EnumNames< TypeParam >::names.size();
+   expectNamesOfCompiler< TypeParam >( std::make_index_sequence< count >() );
+}
+
+TYPED_TEST( EnumTest, refusesNumbersAndNamesThatAreNone ) {
+   Korv::EnumInstance< TypeParam > const instance;
+   EXPECT_THROW( instance( Korv::EnumNames< TypeParam >::names.size() ), Korv::RangeException );
+   EXPECT_THROW( instance( U64{ 1 } << 32 ), Korv::RangeException );
+   EXPECT_THROW( instance( "" ), Korv::RangeException );
+   EXPECT_THROW( instance( "mrpmt" ), Korv::RangeException );
+}
+
+TYPED_TEST( EnumTest, isStoredIn32Bits ) { EXPECT_EQ( sizeof( TypeParam ), 4u ); }
+
+TEST( Enums, instancesAreNamedAfterTheirEnumeration ) {
+   EXPECT_EQ( MrpRegistrarStateInstance( "mrpMt" ), 2u );
+   EXPECT_EQ( MrpApplicationInstance( 2 ), MVRP );
+   EXPECT_EQ( MsrpAttrTypeInstance( "domainVector" ), 4u );
+}
+
+TEST( Enums, printTheirNamesInAStream ) {
+   std::ostringstream out;
+   out << mrpLeavingObserver << ' ' << static_cast< MrpParseStatus >( 7 ) << ' ' << mrpMaxTxDataSz;
+   EXPECT_EQ( out.str(), "mrpLeavingObserver 7 mrpMaxTxDataSz" );
+}
+
+TEST( Constants, convertByNumberAndNameThoughTheyDoNotRunFrom0 ) {
+   EXPECT_EQ( MrpConstantsInstance( "mrpMaxTxDataSz" ), 1500u );
+   EXPECT_EQ( MrpConstantsInstance( 0 ), endOfMark );
+   EXPECT_EQ( stringValue( endOfMark ), "endOfMark" );
+   EXPECT_THROW( MrpConstantsInstance( 1 ), Korv::RangeException );
+   EXPECT_THROW( MrpConstantsInstance( "endOfMar" ), Korv::RangeException );
+}
+
+TEST( Constants, ofTheTimersHaveNoValueOfTheirOwn ) {
+   EXPECT_EQ( MrpTimerConstants(), MrpTimerConstants() );
+   EXPECT_EQ( stringValue( MrpTimerConstants() ), "" );
+   EXPECT_EQ( Korv::fromText< MrpTimerConstants >( "" ), MrpTimerConstants() );
+   EXPECT_LE( MrpTimerConstants::minLeaveTime, MrpTimerConstants::defaultLeaveTime );
+   EXPECT_LT( MrpTimerConstants::minLeaveAllTime, MrpTimerConstants::defaultLeaveAllTime );
+}
+
+} // namespace
+} // namespace Mrp

@@ -1,0 +1,83 @@
+// The two values of the network that stand in keys and records.
+#include "mrp/platform/korv/RangeException.h"
+#include "mrp/platform/pelk/EthAddr.h"
+#include "mrp/platform/pelk/IntfId.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <sstream>
+
+namespace Pelk {
+namespace {
+
+TEST( IntfId, isItsName ) {
+   IntfId const a( "Ethernet1/1" );
+   EXPECT_EQ( a, IntfId( std::string( "Ethernet1/" ) + "1" ) );
+   EXPECT_NE( a, IntfId( "Ethernet1/10" ) );
+   EXPECT_EQ( a.stringValue(), "Ethernet1/1" );
+   EXPECT_EQ( Korv::fromText< IntfId >( "Ethernet1/1" ), a );
+   std::ostringstream out;
+   out << a;
+   EXPECT_EQ( out.str(), "Ethernet1/1" );
+}
+
+TEST( IntfId, emptyIsTheDefaultAndComesFirst ) {
+   EXPECT_EQ( IntfId(), IntfId( "" ) );
+   EXPECT_TRUE( IntfId( "" ).empty() );
+   EXPECT_EQ( IntfId().stringValue(), "" );
+   EXPECT_LT( IntfId(), IntfId( "a" ) );
+}
+
+TEST( IntfId, orderIsThatOfFirstMention ) {
+   IntfId const z( "z-first" );
+   IntfId const a( "a-second" );
+   EXPECT_LT( z, a );
+   EXPECT_LT( IntfId( "z-first" ), a );
+}
+
+TEST( IntfId, nameStaysWhereItIsAsTheTableGrows ) {
+   std::string const & name = IntfId( "stays" ).stringValue();
+   char const * const text = name.c_str();
+   for ( int i = 0; i < 5000; ++i ) {
+      IntfId const other( "grows" + std::to_string( i ) );
+      ASSERT_EQ( other.stringValue(), "grows" + std::to_string( i ) );
+   }
+   EXPECT_EQ( name, "stays" );
+   EXPECT_EQ( IntfId( "stays" ).stringValue().c_str(), text );
+}
+
+TEST( EthAddr, readsAndPrintsItsTextForm ) {
+   EthAddr const addr( 0x01, 0x80, 0xC2, 0x00, 0x00, 0x0E );
+   EXPECT_EQ( addr.stringValue(), "01:80:c2:00:00:0e" );
+   EXPECT_EQ( EthAddr( "01:80:c2:00:00:0e" ), addr );
+   EXPECT_EQ( EthAddr( "01:80:C2:00:00:0E" ), addr );
+   EXPECT_EQ( Korv::fromText< EthAddr >( "01:80:c2:00:00:0e" ), addr );
+   EXPECT_THROW( Korv::fromText< EthAddr >( "01:80:C2:00:00:0e" ), Korv::RangeException );
+   for ( char const * text :
+         { "", "01:80:c2:00:00:0", "01:80:c2:00:00:0e:", "01-80-c2-00-00-0e", "01:80:c2:00:00:0g",
+           "0g:80:c2:00:00:0e", "01:80:c2:00:000:e", " 1:80:c2:00:00:0e", "0180c200000e" } ) {
+      EXPECT_THROW( EthAddr{ std::string_view( text ) }, Korv::RangeException ) << text;
+   }
+}
+
+TEST( EthAddr, isA48BitNumberFirstByteHighest ) {
+   EthAddr const addr( 0x12, 0x34, 0x56, 0x78, 0x9A, 0xFF );
+   EXPECT_EQ( addr.number(), 0x123456789AFFu );
+   EXPECT_EQ( EthAddr::fromNumber( addr.number() + 1 ),
+              EthAddr( 0x12, 0x34, 0x56, 0x78, 0x9B, 0x00 ) );
+   EXPECT_TRUE( EthAddr::fromNumber( EthAddr( "ff:ff:ff:ff:ff:ff" ).number() + 1 ).isZero() );
+   EXPECT_EQ( EthAddr::fromNumber( 0xABCD000000000001 ), EthAddr( 0, 0, 0, 0, 0, 1 ) );
+}
+
+TEST( EthAddr, comparesAsThatNumber ) {
+   std::array< Korv::U8, 6 > const bytes{ 0x80, 0, 0, 0, 0, 0 };
+   EthAddr const high( bytes );
+   EXPECT_GT( high, EthAddr( 0x7F, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF ) );
+   EXPECT_FALSE( high.isZero() );
+   EXPECT_TRUE( EthAddr().isZero() );
+   EXPECT_EQ( high.bytes()[0], 0x80 );
+}
+
+} // namespace
+} // namespace Pelk
