@@ -12,43 +12,35 @@ MrpApplicationDatabase * MrpSm::applicationDatabase() const {
    return mrpStatus_->application( mrpLib_->application() );
 }
 
-// Rises with each change of membership that could change what a look-up of an attribute finds.
-U64 MrpSm::membership() const {
-   return pendingChanges_ + Korv::membershipChanges< MrpAttrDatabase > +
-          Korv::membershipChanges< MrpIntfTypeApplicant > +
-          Korv::membershipChanges< MrpIntfApplicant > +
-          Korv::membershipChanges< MrpApplicationDatabase >;
-}
-
-// The node of the type, remembered until one of these levels changes anywhere.
-MrpIntfTypeApplicant * MrpSm::findType( Pelk::IntfId intfId, U8 attributeType ) const {
-   U64 const levels = Korv::membershipChanges< MrpIntfTypeApplicant > +
-                      Korv::membershipChanges< MrpIntfApplicant > +
-                      Korv::membershipChanges< MrpApplicationDatabase >;
-   FoundType & found = foundType_;
-   if ( found.type && found.intfId == intfId && found.attributeType == attributeType &&
-        found.membership == levels ) {
-      return found.type;
-   }
+MrpIntfTypeApplicant * MrpSm::searchType( Pelk::IntfId intfId, U8 attributeType ) const {
    MrpApplicationDatabase const * const database = applicationDatabase();
    MrpIntfApplicant const * const intf = database ? database->attrDatabase( intfId ) : nullptr;
    MrpIntfTypeApplicant * const type = intf ? intf->intfTypeApplicant( attributeType ) : nullptr;
-   found = { type, intfId, levels, attributeType };
+   foundType_ = { type, intfId, Korv::membershipChanges< Korv::Entity >, attributeType };
    return type;
 }
 
-MrpAttrDatabase * MrpSm::mrpGetAttrFromDatabase( Pelk::IntfId intfId, U8 attributeType,
-                                                 U64 attributeKey, bool useLocalCopy ) const {
-   MrpAttribute const attribute( intfId, attributeType, attributeKey );
+inline MrpAttrDatabase * MrpSm::lookUp( Pelk::IntfId intfId, U8 attributeType, U64 attributeKey,
+                                        bool useLocalCopy ) const {
    if ( useLocalCopy && !addPendingAttr_.empty() ) {
-      auto const * const copy = addPendingAttr_.find( attribute );
+      auto const * const copy =
+         addPendingAttr_.find( MrpAttribute( intfId, attributeType, attributeKey ) );
       if ( copy && *copy ) {
          return copy->ptr();
       }
    }
    MrpIntfTypeApplicant const * const type = findType( intfId, attributeType );
    MrpAttrDatabase * const found = type ? type->mrpAttribute( attributeKey ) : nullptr;
-   return found && isDeletePending( attribute ) ? nullptr : found;
+   if ( found && !deletePendingAttr_.empty() &&
+        isDeletePending( MrpAttribute( intfId, attributeType, attributeKey ) ) ) {
+      return nullptr;
+   }
+   return found;
+}
+
+MrpAttrDatabase * MrpSm::mrpGetAttrFromDatabase( Pelk::IntfId intfId, U8 attributeType,
+                                                 U64 attributeKey, bool useLocalCopy ) const {
+   return lookUp( intfId, attributeType, attributeKey, useLocalCopy );
 }
 
 MrpAttrDatabase * MrpSm::createEntryInDatabase( Pelk::IntfId intfId, U8 attributeType,
@@ -69,13 +61,9 @@ MrpAttrDatabase * MrpSm::mrpAddAttrToDatabase( Pelk::IntfId intfId, U8 attribute
    return attribute;
 }
 
-MrpAttrDatabase * MrpSm::mrpGetAttribute( bool addIfNotFound ) {
+// The slow half of mrpGetAttribute: looks the attribute up, and remembers it.
+MrpAttrDatabase * MrpSm::mrpFindAttribute( bool addIfNotFound ) {
    MrpParseContext const & context = *parseContext_;
-   if ( found_.attribute && found_.attributeKey == context.attributeKey() &&
-        found_.intfId == context.intfId() && found_.attributeType == context.attributeType() &&
-        found_.membership == membership() ) [[likely]] {
-      return found_.attribute;
-   }
    MrpAttrDatabase * attribute = mrpGetAttrFromDatabase( context.intfId(), context.attributeType(),
                                                          context.attributeKey(), true );
    if ( !attribute && addIfNotFound ) {
@@ -99,7 +87,7 @@ void populate( MrpLib const & lib, MrpApplication application, U8 attributeType,
    withAttributeKind( application, attributeType, [&]( auto kind ) {
       using Kind = decltype( kind );
       typename Kind::Value const & value = txAttribute ? ( lib.*Kind::tx )() : ( lib.*Kind::rx )();
-      attribute.attributeValueAllIs( &value, sizeof value );
+      attribute.attributeValueAllIs( value );
    } );
 }
 

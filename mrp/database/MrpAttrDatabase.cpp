@@ -3,7 +3,7 @@
 namespace Mrp {
 
 Korv::Ptr< MrpAttrDatabase > MrpAttrDatabaseIs( U64 mrpAttributeKey ) {
-   return new MrpAttrDatabase( mrpAttributeKey );
+   return Korv::newValidPtr< MrpAttrDatabase >( mrpAttributeKey );
 }
 
 void MrpAttrDatabase::attributeValueIs( U32 index, U8 byte ) {
@@ -12,10 +12,7 @@ void MrpAttrDatabase::attributeValueIs( U32 index, U8 byte ) {
    }
 }
 
-void MrpAttrDatabase::attributeValueAllIs( void const * bytes, U32 size ) {
-   if ( !isWatched() && attributeValue_.putAll( bytes, size ) ) {
-      return;
-   }
+void MrpAttrDatabase::putEach( void const * bytes, U32 size ) {
    for ( U32 index = 0; index < size; ++index ) {
       attributeValueIs( index, static_cast< U8 const * >( bytes )[index] );
    }

@@ -21,6 +21,7 @@ class MrpAttrDatabase : public Korv::Entity {
       virtual void onAttributeValue( U32 /* index */ ) {}
       virtual void onAttributeValueMetadata() {}
    };
+   using MembershipLevel = MrpAttrDatabase;
    // All values but a talker's (25 and 34 bytes) fit inside.
    using AttributeValue = Korv::ByteQueue< 14 >;
 
@@ -52,8 +53,13 @@ class MrpAttrDatabase : public Korv::Entity {
    void attributeValueDel( U32 index );
    void attributeValueDelAll();
    void attributeValueMetadataIs( Korv::ByteQueueMetadata span );
-   // attributeValueIs for indices 0 to size - 1.
-   void attributeValueAllIs( void const * bytes, U32 size );
+   // attributeValueIs for the bytes of a record, from index 0.
+   template < class Record >
+   void attributeValueAllIs( Record const & record ) {
+      if ( isWatched() || !attributeValue_.putAll( &record, sizeof record ) ) {
+         putEach( &record, sizeof record );
+      }
+   }
 
    static constexpr auto attributes() {
       using C = MrpAttrDatabase;
@@ -72,6 +78,8 @@ class MrpAttrDatabase : public Korv::Entity {
    Korv::String8 keyText() const override { return std::to_string( mrpAttributeKey_ ); }
 
  private:
+   void putEach( void const * bytes, U32 size );
+
    U64 mrpAttributeKey_;
    MrpApplicantState applicantState_ = mrpVeryAnxiousObserver;
    MrpRegistrarState registrarState_ = mrpIn;

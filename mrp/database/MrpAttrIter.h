@@ -1,5 +1,5 @@
 // The index beside the tree: the keys of all attributes of one interface and one type, those that
-// exist only as pending copies included. It exists only while it has keys.
+// exist only as pending copies included. It goes when it loses its last key.
 #pragma once
 
 #include "mrp/platform/korv/Notifier.h"

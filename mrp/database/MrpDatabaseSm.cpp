@@ -4,6 +4,7 @@
 #include "mrp/observability/MrpAttrLogSm.h"
 #include "mrp/observability/RingSites.h"
 #include "mrp/observability/Trace.h"
+#include "mrp/platform/korv/Assert.h"
 
 namespace Mrp {
 
@@ -25,6 +26,7 @@ MrpDatabaseSm::~MrpDatabaseSm() = default;
 
 void MrpDatabaseSm::handleInitialized() {
    reviewTimer_ = new Dovr::ReviewTimer( clock_, fillInterval, maxCredits, minDelay, maxDelay );
+   Korv::assertThat( !initialized(), "!initialized()" );
    initialized_ = true;
    doUpdateReviewTimer();
 }
@@ -55,7 +57,7 @@ MrpDatabaseAddSm::MrpDatabaseAddSm( MrpSm * sm, Korv::Ptr< MrpAttrLogSm > mrpAtt
                                     Korv::Ptr< Korv::Clock > const & clock )
    : MrpDatabaseSm( sm, std::move( mrpAttrLogSm ), clock ) {
    Sornlog::log( Ring::databaseAddInitialized );
-   trace( 7, "void Mrp::MrpDatabaseAddSm::handleInitialized()" );
+   trace( 8, "void Mrp::MrpDatabaseAddSm::handleInitialized()" );
    entityCopy_ = new Cli::Session::EntityCopy;
    handleInitialized();
 }
@@ -78,7 +80,7 @@ MrpDatabaseDeleteSm::MrpDatabaseDeleteSm( MrpSm * sm, Korv::Ptr< MrpAttrLogSm > 
                                           Korv::Ptr< Korv::Clock > const & clock )
    : MrpDatabaseSm( sm, std::move( mrpAttrLogSm ), clock ) {
    Sornlog::log( Ring::databaseDeleteInitialized );
-   trace( 7, "void Mrp::MrpDatabaseDeleteSm::handleInitialized()" );
+   trace( 8, "void Mrp::MrpDatabaseDeleteSm::handleInitialized()" );
    handleInitialized();
 }
 

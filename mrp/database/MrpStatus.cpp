@@ -2,6 +2,8 @@
 
 namespace Mrp {
 
-Korv::Ptr< MrpStatus > mrpStatusFactory( Korv::Name const & name ) { return new MrpStatus( name ); }
+Korv::Ptr< MrpStatus > mrpStatusFactory( Korv::Name const & name ) {
+   return Korv::newValidPtr< MrpStatus >( name );
+}
 
 } // namespace Mrp

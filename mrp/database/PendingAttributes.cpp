@@ -58,6 +58,11 @@ void MrpSm::addPendingAttrDel( MrpAttribute const & attribute ) {
    addPendingAttr_.erase( attribute );
 }
 
+void MrpSm::addPendingAttrDelAll() {
+   ++pendingChanges_;
+   addPendingAttr_.clear();
+}
+
 bool MrpSm::isDeletePending( MrpAttribute const & attribute ) const {
    if ( deletePendingAttr_.empty() ) {
       return false;
@@ -74,6 +79,11 @@ void MrpSm::deletePendingAttrIs( MrpAttribute const & attribute, bool v ) {
 void MrpSm::deletePendingAttrDel( MrpAttribute const & attribute ) {
    ++pendingChanges_;
    deletePendingAttr_.erase( attribute );
+}
+
+void MrpSm::deletePendingAttrDelAll() {
+   ++pendingChanges_;
+   deletePendingAttr_.clear();
 }
 
 } // namespace Mrp

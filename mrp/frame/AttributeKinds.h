@@ -163,4 +163,14 @@ inline bool withAttributeKind( MrpApplication application, U8 attributeType, F &
       AttributeKinds{} );
 }
 
+// Stands for a type that the application does not have.
+struct NoKind {};
+
+template < class F >
+inline void withAttributeKindOrNone( MrpApplication application, U8 attributeType, F && f ) {
+   if ( !withAttributeKind( application, attributeType, f ) ) {
+      f( NoKind{} );
+   }
+}
+
 } // namespace Mrp

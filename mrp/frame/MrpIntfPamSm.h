@@ -24,6 +24,9 @@ class MrpIntfPamSm : public Korv::PtrInterface {
    Korv::Ptr< Pelk::Pam > const & pam() const { return pam_; }
    // Moves to another Pam, and reads one frame of it if it is a different one.
    void pamIs( Korv::Ptr< Pelk::Pam > pam );
+   // The first thing and the last: called by the constructor and by the destructor.
+   void handleInitialized();
+   void doClose();
    bool initialized() const { return initialized_; }
 
    // A plain store; the caller then calls handleStandbyMode.
@@ -55,9 +58,6 @@ class MrpIntfPamSm : public Korv::PtrInterface {
    };
 
    MrpSm & mrpSm() const;
-   void handleInitialized();
-   void doClose();
-
    Pelk::IntfId intfId_;
    Korv::Ptr< Pelk::Pam > pam_;
    KorvPam korvPam_{ *this };

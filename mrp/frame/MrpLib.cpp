@@ -2,9 +2,13 @@
 
 namespace Mrp {
 
-Korv::Ptr< MrpLib > mrpLibFactory() { return new MrpLib; }
+Korv::Ptr< MrpLib > mrpLibFactory() { return Korv::newValidPtr< MrpLib >(); }
 
-MrpLib::~MrpLib() = default;
+MrpLib::~MrpLib() {
+   MrpLib::mrpTxPacketContextDelAll();
+   MrpLib::mrpTxSecondPacketContextDelAll();
+   MrpLib::mrpOutIntfQueueDelAll();
+}
 
 bool MrpLib::mrpJoinIndication( MrpParameters const & ) { return false; }
 void MrpLib::mrpLeaveIndication( MrpParameters const & ) {}
@@ -31,11 +35,17 @@ MrpTxPacketContext * contextAt( MrpLib::TxPacketContexts const & contexts, Pelk:
    return found ? found->ptr() : nullptr;
 }
 
-MrpTxPacketContext * newContext( MrpLib::TxPacketContexts & contexts, Pelk::IntfId intfId,
-                                 Korv::Ptr< Pelk::Pkt > pkt ) {
-   Korv::Ptr< MrpTxPacketContext > const made( new MrpTxPacketContext( intfId, std::move( pkt ) ) );
-   contexts.insertOrAssign( intfId, made );
-   return made.ptr();
+// Calls made() if the context is new.
+template < class Made >
+MrpTxPacketContext * findOrMake( MrpLib::TxPacketContexts & contexts, Pelk::IntfId intfId,
+                                 Korv::Ptr< Pelk::Pkt > const & pkt, Made made ) {
+   if ( MrpTxPacketContext * const found = contextAt( contexts, intfId ) ) {
+      return found;
+   }
+   Korv::Ptr< MrpTxPacketContext > const context( new MrpTxPacketContext( intfId, pkt ) );
+   contexts.insertOrAssign( intfId, context );
+   made();
+   return context.ptr();
 }
 
 } // namespace
@@ -45,9 +55,8 @@ MrpTxPacketContext * MrpLib::mrpTxPacketContext( Pelk::IntfId intfId ) const {
 }
 MrpTxPacketContext * MrpLib::mrpTxPacketContextIs( Pelk::IntfId intfId,
                                                    Korv::Ptr< Pelk::Pkt > pkt ) {
-   auto * const made = newContext( mrpTxPacketContext_, intfId, std::move( pkt ) );
-   mrpTxPacketContextNotify( intfId );
-   return made;
+   return findOrMake( mrpTxPacketContext_, intfId, pkt,
+                      [&] { mrpTxPacketContextNotify( intfId ); } );
 }
 void MrpLib::mrpTxPacketContextDel( Pelk::IntfId intfId ) {
    if ( mrpTxPacketContext_.erase( intfId ) ) {
@@ -56,6 +65,11 @@ void MrpLib::mrpTxPacketContextDel( Pelk::IntfId intfId ) {
 }
 void MrpLib::mrpTxPacketContextDel( TxPacketContexts::Walk const & member ) {
    mrpTxPacketContextDel( Pelk::IntfId( member.key() ) );
+}
+void MrpLib::mrpTxPacketContextDelAll() {
+   for ( auto member = mrpTxPacketContext_.walk(); member; ++member ) {
+      mrpTxPacketContextDel( member );
+   }
 }
 void MrpLib::mrpTxPacketContextNotify( Pelk::IntfId intfId ) {
    notify( &Reactor::onMrpTxPacketContext, intfId );
@@ -66,9 +80,8 @@ MrpTxPacketContext * MrpLib::mrpTxSecondPacketContext( Pelk::IntfId intfId ) con
 }
 MrpTxPacketContext * MrpLib::mrpTxSecondPacketContextIs( Pelk::IntfId intfId,
                                                          Korv::Ptr< Pelk::Pkt > pkt ) {
-   auto * const made = newContext( mrpTxSecondPacketContext_, intfId, std::move( pkt ) );
-   mrpTxSecondPacketContextNotify( intfId );
-   return made;
+   return findOrMake( mrpTxSecondPacketContext_, intfId, pkt,
+                      [&] { mrpTxSecondPacketContextNotify( intfId ); } );
 }
 void MrpLib::mrpTxSecondPacketContextDel( Pelk::IntfId intfId ) {
    if ( mrpTxSecondPacketContext_.erase( intfId ) ) {
@@ -77,6 +90,11 @@ void MrpLib::mrpTxSecondPacketContextDel( Pelk::IntfId intfId ) {
 }
 void MrpLib::mrpTxSecondPacketContextDel( TxPacketContexts::Walk const & member ) {
    mrpTxSecondPacketContextDel( Pelk::IntfId( member.key() ) );
+}
+void MrpLib::mrpTxSecondPacketContextDelAll() {
+   for ( auto member = mrpTxSecondPacketContext_.walk(); member; ++member ) {
+      mrpTxSecondPacketContextDel( member );
+   }
 }
 void MrpLib::mrpTxSecondPacketContextNotify( Pelk::IntfId intfId ) {
    notify( &Reactor::onMrpTxSecondPacketContext, intfId );

@@ -2,8 +2,9 @@
 // the machines.
 //
 // The agent makes one per participant, usually of a subclass that takes the indications; sets
-// application, applicationMacAddr and applicationEtype; and hands it to mrpSmFactory. It owns the
-// frames under construction. `mrpSm` points back and owns nothing.
+// application, applicationMacAddr and applicationEtype, which then stay as they are; and hands it
+// to mrpSmFactory. It must outlive the MrpSm. It owns the frames under construction; `mrpSm` points
+// back, owns nothing, and is of no use once the MrpSm has gone.
 //
 // Values travel in fields. The value of an attribute is never an argument of a machine, a send
 // operation or a database operation: whoever calls first names the attribute in the parse context
@@ -76,7 +77,7 @@ class MrpLib : public Korv::Notifier {
    virtual void mrpTxPacketContextDel( Pelk::IntfId intfId );
    virtual void mrpTxPacketContextDel( TxPacketContexts::Walk const & member );
    virtual void mrpTxPacketContextNotify( Pelk::IntfId intfId );
-   // A new context over the packet, in place of any that is there.
+   // The context that is there, or a new one over the packet.
    virtual MrpTxPacketContext * mrpTxPacketContextIs( Pelk::IntfId intfId,
                                                       Korv::Ptr< Pelk::Pkt > pkt );
    virtual void mrpOutIntfQueueDel( U32 position );
@@ -106,11 +107,14 @@ class MrpLib : public Korv::Notifier {
    MsrpListenerAttribute const & msrpListenerVectorTx() const { return listenerTx_; }
    MsrpDomainAttribute const & msrpDomainVectorTx() const { return domainTx_; }
    MvrpVlanAttribute const & mvrpVlanVectorTx() const { return vlanTx_; }
-   // The first and the second frame under construction, per interface.
+   // The first and the second frame under construction, per interface; a context is good until its
+   // frame leaves.
    TxPacketContexts const & mrpTxPacketContext() const { return mrpTxPacketContext_; }
    MrpTxPacketContext * mrpTxPacketContext( Pelk::IntfId intfId ) const;
    TxPacketContexts const & mrpTxSecondPacketContext() const { return mrpTxSecondPacketContext_; }
    MrpTxPacketContext * mrpTxSecondPacketContext( Pelk::IntfId intfId ) const;
+   void mrpTxPacketContextDelAll();
+   void mrpTxSecondPacketContextDelAll();
    // The interfaces for the next mrpSendAttribute; an unknown position reads as the empty IntfId.
    OutIntfQueue const & mrpOutIntfQueue() const { return mrpOutIntfQueue_; }
    Pelk::IntfId mrpOutIntfQueue( U32 position ) const;
@@ -143,7 +147,8 @@ class MrpLib : public Korv::Notifier {
    void mrpSendLeaveAll( U8 attributeType, Pelk::IntfId intfId );
 
    // ---- transmit/VectorEncoding.cpp -----------------------------------------------------------
-   // Called from mrpSendAttributeIntf, with the context at hand.
+   // Called from mrpSendAttributeIntf, with the context at hand. The room in the frame is the
+   // caller's care.
    void mrpSendTalkerAdvertise( U8 event, Pelk::IntfId intfId, bool secondPktContext );
    void mrpSendTalkerFailed( U8 event, Pelk::IntfId intfId, bool secondPktContext );
    void mrpSendListenerVector( U8 event, Pelk::IntfId intfId, bool secondPktContext );

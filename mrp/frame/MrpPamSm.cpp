@@ -56,6 +56,12 @@ MrpIntfPamSm * MrpPamSm::mrpIntfPamSmIs( Pelk::IntfId intfId, Korv::Ptr< Pelk::P
 
 void MrpPamSm::mrpIntfPamSmDel( Pelk::IntfId intfId ) { mrpIntfPamSm_.erase( intfId ); }
 
+void MrpPamSm::mrpIntfPamSmDelAll() {
+   for ( auto intf = mrpIntfPamSm_.walk(); intf; ++intf ) {
+      mrpIntfPamSmDel( Pelk::IntfId( intf.key() ) );
+   }
+}
+
 void MrpPamSm::handlePam( Pelk::IntfId intfId ) {
    Sornlog::log( Ring::pamHandlePam, intfId );
    trace( 8, "MrpPamSm::handlePam( ", intfId, " )" );
@@ -76,7 +82,7 @@ void MrpPamSm::floodMsrpdu( Pelk::IntfId intfId, Korv::Ptr< Pelk::Pkt > const & 
    Korv::assertThat( initialized(), "initialized()" );
    Pelk::EthHdr::at( pkt->frontData() ).srcIs( mrpSm_->sourceAddress( intfId ) );
    for ( auto intf = mrpIntfPamSm_.walk(); intf; ++intf ) {
-      if ( intf.key() != intfId ) {
+      if ( intf.key() != intfId && intf.value()->pam() ) {
          trace( 8, "Msrp Tx on ", intf.key() );
          intf.value()->pam()->txPkt( pkt );
       }

@@ -21,6 +21,7 @@ class MrpPamSm : public Korv::PtrInterface {
    Korv::Ptr< Interface::EthDevPamCollection > const & pamCollection() const {
       return pamCollection_;
    }
+   void handleInitialized();
    bool initialized() const { return initialized_; }
 
    IntfPamSms const & mrpIntfPamSm() const { return mrpIntfPamSm_; }
@@ -28,6 +29,7 @@ class MrpPamSm : public Korv::PtrInterface {
    MrpIntfPamSm * mrpIntfPamSmIs( Pelk::IntfId intfId, Korv::Ptr< Pelk::Pam > pam,
                                   bool standbyMode );
    void mrpIntfPamSmDel( Pelk::IntfId intfId );
+   void mrpIntfPamSmDelAll();
 
    bool standbyMode() const { return standbyMode_; }
    void standbyModeIs( bool v ) { standbyMode_ = v; }
@@ -54,8 +56,6 @@ class MrpPamSm : public Korv::PtrInterface {
     private:
       MrpPamSm & sm_;
    };
-
-   void handleInitialized();
 
    Korv::Ptr< Interface::EthDevPamCollection > pamCollection_;
    bool standbyMode_;

@@ -10,6 +10,7 @@
 #include "mrp/observability/RingSites.h"
 #include "mrp/observability/Trace.h"
 #include "mrp/platform/korv/Assert.h"
+#include "mrp/platform/korv/NboAttrLog.h"
 #include "mrp/vocabulary/VectorFormat.h"
 
 namespace Mrp {
@@ -29,13 +30,14 @@ mrpSmFactory( Korv::Ptr< Bridging::Config const > brConfig, MrpLib * mrpLib,
               Korv::Ptr< Bridging::Topology::Config const > brTopoConfig,
               Korv::Ptr< Interface::AllEthPhyIntfStatusDir const > ethPhyIntfStatusDir,
               Korv::Ptr< Mirel::EntityManager > em, bool standbyMode ) {
-   return new MrpSm( std::move( brConfig ), mrpLib, std::move( mrpConfig ), std::move( mrpStatus ),
-                     std::move( stpStatus ), std::move( brTopoConfig ),
-                     std::move( ethPhyIntfStatusDir ), std::move( em ), standbyMode );
+   return Korv::newValidPtr< MrpSm >( std::move( brConfig ), mrpLib, std::move( mrpConfig ),
+                                      std::move( mrpStatus ), std::move( stpStatus ),
+                                      std::move( brTopoConfig ), std::move( ethPhyIntfStatusDir ),
+                                      std::move( em ), standbyMode );
 }
 
 Korv::Ptr< MrpParseContext > mrpParseContextFactory( Korv::Name const & name ) {
-   return new MrpParseContext( name );
+   return Korv::newValidPtr< MrpParseContext >( name );
 }
 
 MrpSm::MrpSm( Korv::Ptr< Bridging::Config const > brConfig, MrpLib * mrpLib,
@@ -93,7 +95,8 @@ void MrpSm::handleStandbyMode() {
    parseContext_->eventsCounterIs( 0 );
    timerWheel_ =
       new Dovr::TimerWheel( nullptr, clock, tickMsecs, initialMaxTicks, true, defaultBucketSize );
-   mrpAttrLogSm_ = nullptr;
+   mrpAttrLogSm_ =
+      new MrpAttrLogSm( Korv::NboAttrLog::top().socketOutSm( em_ ? em_->name() : Korv::Name() ) );
    mrpDatabaseDeleteSm_ = new MrpDatabaseDeleteSm( this, mrpAttrLogSm_, clock );
    mrpDatabaseAddSm_ = new MrpDatabaseAddSm( this, mrpAttrLogSm_, clock );
    applicantSm_ = new MrpApplicantSm( this, mrpConfig_ );

@@ -34,9 +34,9 @@
 #include "mrp/platform/interface/EthDevPamManager.h"
 #include "mrp/platform/interface/NetNsIntfStatusManagerRoot.h"
 #include "mrp/platform/korv/Clock.h"
+#include "mrp/platform/korv/Fifo.h"
 #include "mrp/platform/korv/HashMap.h"
 #include "mrp/platform/korv/OrderedMap.h"
-#include "mrp/platform/korv/Queue.h"
 #include "mrp/platform/mirel/EntityManager.h"
 #include "mrp/platform/stp/Stp.h"
 #include "mrp/receive/MrpCounters.h"
@@ -59,7 +59,7 @@ class MrpSm : public Korv::PtrInterface {
    using AddPending = Korv::OrderedMap< MrpAttribute, Korv::Ptr< MrpAttrDatabase > >;
    using DeletePending = Korv::OrderedMap< MrpAttribute, bool >;
    using AttrIters = Korv::HashMap< MrpAttrIter::Key, Korv::Ptr< MrpAttrIter > >;
-   using ParsedKeys = Korv::Queue< MrpParsedAttributeKey >;
+   using ParsedKeys = Korv::Fifo< MrpParsedAttributeKey >;
    using RxLeaveAll = Korv::OrderedMap< U8, bool >;
 
    // The arguments of mrpSmFactory, which does nothing but construct.
@@ -83,19 +83,22 @@ class MrpSm : public Korv::PtrInterface {
       return ethPhyIntfStatusDir_;
    }
    Korv::Ptr< Mirel::EntityManager > const & em() const { return em_; }
+   Korv::Ptr< Stp::Status const > const & stpStatus() const { return stpStatus_; }
 
    // The agent ends standby by standbyModeIs( false ) and then handleStandbyMode(); nothing
    // watches the attribute.
    bool standbyMode() const { return standbyMode_; }
    void standbyModeIs( bool v ) { standbyMode_ = v; }
    void handleStandbyMode();
+   // Runs at the end of construction, once.
+   void handleInitialized();
    bool initialized() const { return initialized_; }
 
    // Makes the counters if needed and sets all ten to 0.
    void doInitializeCounters();
 
    // The MRPDU version sent and understood.
-   static constexpr U8 protocolVersion = 0;
+   static constexpr U8 protocolVersion() { return 0; }
    // Number of attribute types of the application: MSRP 4, MVRP 1, any other 0; 0 in standby.
    U8 maxAttrTypes() const { return maxAttrTypes_; }
 
@@ -112,12 +115,23 @@ class MrpSm : public Korv::PtrInterface {
    Korv::Ptr< MrpAttrLogSm > const & mrpAttrLogSm() const { return mrpAttrLogSm_; }
 
    // ---- frame/PamAccess.cpp: packet access ----------------------------------------------------
+   // Called by handleInitialized, in standby too. Finds in `em` the directories at
+   // "interface/status/all" and, in this unit's cell, "interface/status/local", and the network of
+   // the namespace at "kni/ns/<name>/status".
+   void doInitializePamMan();
    Korv::Ptr< Interface::AllIntfStatusDir > const & allIntfStatusDir() const {
       return allIntfStatusDir_;
    }
    Korv::Ptr< Interface::AllIntfStatusLocalDir > const & allIntfStatusLocalDir() const {
       return allIntfStatusLocalDir_;
    }
+   Korv::Ptr< Interface::DeviceIntfStatusDir > const & deviceIntfStatusDir() const {
+      return deviceIntfStatusDir_;
+   }
+   Korv::Ptr< Interface::NetNsIntfStatusManagerRoot > const & intfStatusManagerRoot() const {
+      return intfStatusManagerRoot_;
+   }
+   Korv::Ptr< Interface::EthDevPamManager > const & pamMan() const { return pamMan_; }
    Korv::Ptr< Interface::PamDesiredIntfDir > const & desiredIntfDir() const {
       return desiredIntfDir_;
    }
@@ -168,6 +182,7 @@ class MrpSm : public Korv::PtrInterface {
       mrpRxLeaveAll_.insertOrAssign( attributeType, v );
    }
    void mrpRxLeaveAllDel( U8 attributeType ) { mrpRxLeaveAll_.erase( attributeType ); }
+   void mrpRxLeaveAllDelAll() { mrpRxLeaveAll_.clear(); }
    MrpParsedAttributes const & mrpParsedAttribute() const { return mrpParsedAttribute_; }
    MrpParsedAttribute * mrpParsedAttributeIs( MrpParsedAttributeKey const & key ) {
       return mrpParsedAttribute_.findOrMake( key );
@@ -206,7 +221,14 @@ class MrpSm : public Korv::PtrInterface {
                                            bool txAttribute );
    // The attribute that the parse context names. One call of an indication or a review may end it:
    // hold it by a Ptr across such a call.
-   MrpAttrDatabase * mrpGetAttribute( bool addIfNotFound );
+   MrpAttrDatabase * mrpGetAttribute( bool addIfNotFound ) {
+      MrpParseContext const & context = *parseContext_;
+      bool const isRemembered = found_.attribute && found_.attributeKey == context.attributeKey() &&
+                                found_.intfId == context.intfId() &&
+                                found_.attributeType == context.attributeType() &&
+                                found_.membership == membership();
+      return isRemembered ? found_.attribute : mrpFindAttribute( addIfNotFound );
+   }
    void mrpDeleteAttrFromDatabase();
    // Writes the Tx or the Rx record of the parse context's type into the attribute's value.
    void mrpPopulateValueInDatabase( MrpAttrDatabase & mrpAttribute, bool txAttribute );
@@ -240,10 +262,12 @@ class MrpSm : public Korv::PtrInterface {
    AddPending const & addPendingAttr() const { return addPendingAttr_; }
    void addPendingAttrIs( MrpAttribute const & attribute, Korv::Ptr< MrpAttrDatabase > copy );
    void addPendingAttrDel( MrpAttribute const & attribute );
+   void addPendingAttrDelAll();
    DeletePending const & deletePendingAttr() const { return deletePendingAttr_; }
    bool isDeletePending( MrpAttribute const & attribute ) const;
    void deletePendingAttrIs( MrpAttribute const & attribute, bool v );
    void deletePendingAttrDel( MrpAttribute const & attribute );
+   void deletePendingAttrDelAll();
 
    // ---- transmit/FrameTransmission.cpp: closing frames ----------------------------------------
    void mrpTransmitTxPacket( Pelk::IntfId intfId, bool secondPktContext );
@@ -277,12 +301,31 @@ class MrpSm : public Korv::PtrInterface {
       U8 attributeType = 0;
    };
 
-   void handleInitialized();
-   void doInitializePamMan();
    MrpApplicationDatabase * applicationDatabase() const;
    void rebuildAttrIter();
-   U64 membership() const;
-   MrpIntfTypeApplicant * findType( Pelk::IntfId intfId, U8 attributeType ) const;
+   // Rises with each change of membership that could change what a look-up of an attribute finds.
+   U64 membership() const {
+      return pendingChanges_ + Korv::membershipChanges< MrpAttrDatabase > +
+             Korv::membershipChanges< Korv::Entity >;
+   }
+   [[gnu::always_inline]] MrpAttrDatabase * lookUp( Pelk::IntfId intfId, U8 attributeType,
+                                                    U64 attributeKey, bool useLocalCopy ) const;
+   MrpAttrDatabase * mrpFindAttribute( bool addIfNotFound );
+   // The node of the type, remembered until one of the levels down to it changes anywhere.
+   MrpIntfTypeApplicant * findType( Pelk::IntfId intfId, U8 attributeType ) const {
+      FoundType const & found = foundType_;
+      bool const isRemembered = found.type && found.intfId == intfId &&
+                                found.attributeType == attributeType &&
+                                found.membership == Korv::membershipChanges< Korv::Entity >;
+      return isRemembered ? found.type : searchType( intfId, attributeType );
+   }
+   MrpIntfTypeApplicant * searchType( Pelk::IntfId intfId, U8 attributeType ) const;
+
+   // The decoder's work on one value, its kind known.
+   template < class Kind >
+   void processValue( U8 event, U16 eventNum );
+   template < class Kind >
+   void saveValue();
 
    // given
    Korv::Ptr< Bridging::Config const > brConfig_;
@@ -335,10 +378,13 @@ class MrpSm : public Korv::PtrInterface {
    bool initialized_ = false;
 };
 
-// The participant, fully initialised: when this returns it is live and may already be
-// transmitting. application, applicationMacAddr and applicationEtype of mrpLib must be set before.
-// Needs an installed Korv::ActivityManager. stpStatus may be null. Throws RangeException for a
-// namespace name that is too long.
+// The participant, fully initialised: when this returns it is live and may already be transmitting.
+//
+// application, applicationMacAddr and applicationEtype of mrpLib must be set before; mrpLib is not
+// owned and must outlive the participant. stpStatus may be null. Needs an installed
+// Korv::ActivityManager. The first participant of a process fixes the packet filter for all of
+// them: one application a process. Throws RangeException for a namespace name that is too long, or
+// when there is no memory.
 Korv::Ptr< MrpSm >
 mrpSmFactory( Korv::Ptr< Bridging::Config const > brConfig, MrpLib * mrpLib,
               Korv::Ptr< MrpConfig const > mrpConfig, Korv::Ptr< MrpStatus > mrpStatus,

@@ -46,7 +46,11 @@ enum class ApplicantSends : U8 {
 struct ApplicantCell {
    ApplicantSends sends;
    bool moves;
-   MrpApplicantState next; // if it moves
+   U8 nextNumber; // of the state entered, if it moves
+
+   constexpr MrpApplicantState next() const {
+      return static_cast< MrpApplicantState >( nextNumber );
+   }
 };
 
 struct ApplicantRow {
@@ -56,12 +60,10 @@ struct ApplicantRow {
 
 namespace ApplicantCells {
 
-constexpr ApplicantCell stay( ApplicantSends sends ) {
-   return { sends, false, mrpVeryAnxiousObserver };
-}
+constexpr ApplicantCell stay( ApplicantSends sends ) { return { sends, false, 0 }; }
 constexpr ApplicantCell to( MrpApplicantState next,
                             ApplicantSends sends = ApplicantSends::nothing ) {
-   return { sends, true, next };
+   return { sends, true, static_cast< U8 >( next ) };
 }
 // A row has one cell a state, or it does not compile.
 template < class... Cell >

@@ -46,7 +46,16 @@ void MrpApplicantSm::transition( MrpApplicantState state, MrpApplicantEvent even
       return;
    }
    ApplicantCell const & cell = ApplicantCells::table[event].cells[state];
-   switch ( cell.sends ) {
+   if ( cell.sends != ApplicantSends::nothing ) {
+      doSend( cell.sends );
+   }
+   if ( cell.moves ) {
+      mrpSetApplicantState( cell.next() );
+   }
+}
+
+void MrpApplicantSm::doSend( ApplicantSends sends ) {
+   switch ( sends ) {
    case ApplicantSends::nothing: break;
    case ApplicantSends::newBoth:
       mrpApplicantSendNew( false );
@@ -64,9 +73,6 @@ void MrpApplicantSm::transition( MrpApplicantState state, MrpApplicantEvent even
       mrpApplicantSendJoin( true );
       break;
    case ApplicantSends::leave: mrpApplicantSendLeave(); break;
-   }
-   if ( cell.moves ) {
-      mrpSetApplicantState( cell.next );
    }
 }
 
@@ -111,12 +117,6 @@ void MrpApplicantSm::mrpSetApplicantState( MrpApplicantState state ) {
    if ( MrpAttrDatabase * const attribute = mrpSm_->mrpGetAttribute( false ) ) {
       attribute->applicantStateIs( state );
    }
-}
-
-MrpApplicantEvent MrpApplicantSm::mrpMapRxApplicantEvent( U8 rxEvent ) const {
-   static constexpr std::array< MrpApplicantEvent, 6 > events{ rxNew,    rxJoinIn, rxIn,
-                                                               rxJoinMt, rxMt,     rxLv };
-   return rxEvent < events.size() ? events[rxEvent] : invalidApplicantEvent;
 }
 
 void MrpApplicantSm::mrpApplicantSendNew( bool secondPktContext ) {

@@ -11,14 +11,18 @@
 #include "mrp/topology/MrpConfig.h"
 #include "mrp/vocabulary/Mrp.h"
 
+#include <array>
+
 namespace Mrp {
 
 class MrpSm;
+enum class ApplicantSends : U8;
 
 class MrpApplicantSm : public Korv::PtrInterface {
  public:
    MrpApplicantSm( MrpSm * mrpSm, Korv::Ptr< MrpConfig const > mrpConfig );
 
+   void handleInitialized();
    bool initialized() const { return initialized_; }
 
    // To post an event: name the attribute in the parse context, store the event, call the handler.
@@ -43,7 +47,11 @@ class MrpApplicantSm : public Korv::PtrInterface {
 
    void mrpSetApplicantState( MrpApplicantState state );
    // The event of a MrpThreePackedEvent number from the wire.
-   MrpApplicantEvent mrpMapRxApplicantEvent( U8 rxEvent ) const;
+   MrpApplicantEvent mrpMapRxApplicantEvent( U8 rxEvent ) const {
+      constexpr std::array< MrpApplicantEvent, 6 > events{ rxNew,    rxJoinIn, rxIn,
+                                                           rxJoinMt, rxMt,     rxLv };
+      return rxEvent < events.size() ? events[rxEvent] : invalidApplicantEvent;
+   }
 
    // The four senders. Join and registered state choose their event by the registrar's state, and
    // send nothing for an attribute that does not exist.
@@ -53,8 +61,8 @@ class MrpApplicantSm : public Korv::PtrInterface {
    void mrpApplicantSendLeave();
 
  private:
-   void handleInitialized();
    void transition( MrpApplicantState state, MrpApplicantEvent event );
+   void doSend( ApplicantSends sends );
    void send( MrpThreePackedEvent attributeEvent, bool secondPktContext );
 
    MrpSm * mrpSm_; // the owner

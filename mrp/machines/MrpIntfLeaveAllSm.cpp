@@ -3,6 +3,7 @@
 #include "mrp/frame/MrpSm.h"
 #include "mrp/machines/MrpLeaveAllSm.h"
 #include "mrp/observability/Trace.h"
+#include "mrp/platform/korv/Assert.h"
 
 #include <algorithm>
 
@@ -21,6 +22,7 @@ MrpIntfLeaveAllSm::MrpIntfLeaveAllSm( Pelk::IntfId intfId, MrpSm * mrpSm,
 }
 
 void MrpIntfLeaveAllSm::handleInitialized() {
+   Korv::assertThat( !initialized(), "!initialized()" );
    initialized_ = true;
    leaveAllTimer_.timeMinIs( Korv::never );
 }

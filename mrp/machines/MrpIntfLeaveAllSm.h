@@ -38,6 +38,7 @@ class MrpIntfLeaveAllSm : public Korv::PtrInterface {
                       Korv::Ptr< Dovr::TimerWheel > timerWheel );
 
    Pelk::IntfId intfId() const { return intfId_; }
+   void handleInitialized();
    bool initialized() const { return initialized_; }
 
    // The types under LeaveAll, by ascending type.
@@ -67,8 +68,6 @@ class MrpIntfLeaveAllSm : public Korv::PtrInterface {
     private:
       MrpIntfLeaveAllSm & sm_;
    };
-
-   void handleInitialized();
 
    Pelk::IntfId intfId_;
    MrpSm * mrpSm_; // the owner's owner

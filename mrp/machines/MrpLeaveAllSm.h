@@ -18,6 +18,7 @@ class MrpLeaveAllSm : public Korv::PtrInterface {
    MrpLeaveAllSm( MrpSm * mrpSm, Korv::Ptr< MrpConfig const > mrpConfig,
                   Korv::Ptr< Dovr::TimerWheel > timerWheel );
 
+   void handleInitialized();
    bool initialized() const { return initialized_; }
    IntfLeaveAllSms const & intfLeaveAllSm() const { return intfLeaveAllSm_; }
    MrpIntfLeaveAllSm * intfLeaveAllSm( Pelk::IntfId intfId ) const;
@@ -58,8 +59,6 @@ class MrpLeaveAllSm : public Korv::PtrInterface {
     private:
       MrpLeaveAllSm & sm_;
    };
-
-   void handleInitialized();
 
    MrpSm * mrpSm_; // the owner
    Korv::Ptr< MrpConfig const > mrpConfig_;

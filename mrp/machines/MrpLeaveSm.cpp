@@ -4,6 +4,7 @@
 #include "mrp/frame/MrpSm.h"
 #include "mrp/machines/MrpRegistrarSm.h"
 #include "mrp/observability/Trace.h"
+#include "mrp/platform/korv/Assert.h"
 
 namespace Mrp {
 
@@ -16,6 +17,7 @@ MrpLeaveSm::MrpLeaveSm( MrpAttribute const & key, MrpSm * mrpSm,
 // The system-wide time: whoever made the machine replaces the schedule right away.
 void MrpLeaveSm::handleInitialized() {
    trace( 8, "void Mrp::MrpLeaveSm::handleInitialized()" );
+   Korv::assertThat( !initialized(), "!initialized()" );
    initialized_ = true;
    doScheduleLeaveTimer( mrpSm_->mrpConfig()->leaveTime() );
 }

@@ -24,6 +24,7 @@ class MrpLeaveSm : public Korv::PtrInterface {
    MrpLeaveSm( MrpAttribute const & key, MrpSm * mrpSm, Korv::Ptr< Dovr::TimerWheel > timerWheel );
 
    MrpAttribute const & key() const { return key_; }
+   void handleInitialized();
    bool initialized() const { return initialized_; }
    Korv::Seconds leaveTimeMin() const { return leaveTimer_.timeMin(); }
 
@@ -57,7 +58,6 @@ class MrpLeaveSm : public Korv::PtrInterface {
       MrpLeaveSm & sm_;
    };
 
-   void handleInitialized();
    void doReceiveWaitingFrame();
 
    MrpAttribute key_;

@@ -77,37 +77,55 @@ bool MrpRegistrarSm::transition( MrpRegistrarState state, MrpRegistrarEvent even
    if ( event >= invalidRegistrarEvent ) {
       return false;
    }
-   MrpLib & lib = *mrpSm_->mrpLib();
+   RegistrarAction const action = RegistrarCells::table[event].actions[state];
+   return action && action( *this, state, event );
+}
+
+template < RegistrarStep... steps >
+bool runSteps( MrpRegistrarSm & sm, MrpRegistrarState state, MrpRegistrarEvent event ) {
    bool discarded = false;
-   for ( RegistrarStep const step : RegistrarCells::table[event].cells[state].steps ) {
-      switch ( step ) {
-      case RegistrarStep::end: return discarded;
-      case RegistrarStep::logJoin:
-         if ( MRP_JOIN.okToLog() ) {
-            MrpParseContext const & context = *mrpSm_->parseContext();
-            mrpLog( MRP_JOIN, context.intfId().stringValue(),
-                    std::to_string( context.attributeType() ), hexStr( context.attributeKey() ),
-                    stringValue( state ), stringValue( event ) );
-         }
-         break;
-      case RegistrarStep::logLeave: logLeave( "notified", state, event ); break;
-      case RegistrarStep::toIn: mrpSetRegistrarState( mrpIn ); break;
-      case RegistrarStep::toLv: mrpSetRegistrarState( mrpLv ); break;
-      case RegistrarStep::toMt: mrpSetRegistrarState( mrpMt ); break;
-      case RegistrarStep::pend: mrpAddAttrToLeavePending(); break;
-      case RegistrarStep::unpend: mrpDeleteAttrFromLeavePending(); break;
-      case RegistrarStep::traceJoinBlank: trace( 8, "Join Indication called " ); break;
-      case RegistrarStep::traceJoin: trace( 8, "Join Indication called" ); break;
-      case RegistrarStep::traceJoinInLv: trace( 8, "JoinIndication called" ); break;
-      case RegistrarStep::traceLeave: trace( 8, "LeaveIndication called" ); break;
-      case RegistrarStep::indicateJoin: discarded = lib.mrpJoinIndication( indication() ); break;
-      case RegistrarStep::checkJoin: discarded = checkJoin(); break;
-      case RegistrarStep::indicateLeave: lib.mrpLeaveIndication( indication() ); break;
-      case RegistrarStep::countJoin: mrpSm_->mrpCounters()->numOfJoinIndicationsInc( 1 ); break;
-      case RegistrarStep::countLeave: mrpSm_->mrpCounters()->numOfLeaveIndicationsInc( 1 ); break;
-      }
-   }
+   ( sm.doStep< steps >( state, event, discarded ), ... );
    return discarded;
+}
+
+template < RegistrarStep step >
+inline void MrpRegistrarSm::doStep( MrpRegistrarState state, MrpRegistrarEvent event,
+                                    bool & discarded ) {
+   using S = RegistrarStep;
+   if constexpr ( step == S::logJoin ) {
+      logJoin( state, event );
+   } else if constexpr ( step == S::logLeave ) {
+      logLeave( "notified", state, event );
+   } else if constexpr ( step == S::toIn ) {
+      mrpSetRegistrarState( mrpIn );
+   } else if constexpr ( step == S::toLv ) {
+      mrpSetRegistrarState( mrpLv );
+   } else if constexpr ( step == S::toMt ) {
+      mrpSetRegistrarState( mrpMt );
+   } else if constexpr ( step == S::pend ) {
+      mrpAddAttrToLeavePending();
+   } else if constexpr ( step == S::unpend ) {
+      mrpDeleteAttrFromLeavePending();
+   } else if constexpr ( step == S::traceJoinBlank ) {
+      trace( 8, "Join Indication called " );
+   } else if constexpr ( step == S::traceJoin ) {
+      trace( 8, "Join Indication called" );
+   } else if constexpr ( step == S::traceJoinInLv ) {
+      trace( 8, "JoinIndication called" );
+   } else if constexpr ( step == S::traceLeave ) {
+      trace( 8, "LeaveIndication called" );
+   } else if constexpr ( step == S::indicateJoin ) {
+      discarded = mrpSm_->mrpLib()->mrpJoinIndication( indication() );
+   } else if constexpr ( step == S::checkJoin ) {
+      discarded = checkJoin();
+   } else if constexpr ( step == S::indicateLeave ) {
+      mrpSm_->mrpLib()->mrpLeaveIndication( indication() );
+   } else if constexpr ( step == S::countJoin ) {
+      mrpSm_->mrpCounters()->numOfJoinIndicationsInc( 1 );
+   } else {
+      static_assert( step == S::countLeave );
+      mrpSm_->mrpCounters()->numOfLeaveIndicationsInc( 1 );
+   }
 }
 
 // A join of an attribute that was registered already: indicated only if its value has changed. A
@@ -131,6 +149,14 @@ bool MrpRegistrarSm::checkJoin() {
 MrpParameters MrpRegistrarSm::indication() const {
    MrpParseContext const & context = *mrpSm_->parseContext();
    return MrpParameters( context.intfId(), context.attributeType(), context.attributeEvent() );
+}
+
+void MrpRegistrarSm::logJoin( MrpRegistrarState state, MrpRegistrarEvent event ) const {
+   if ( MRP_JOIN.okToLog() ) {
+      MrpParseContext const & context = *mrpSm_->parseContext();
+      mrpLog( MRP_JOIN, context.intfId().stringValue(), std::to_string( context.attributeType() ),
+              hexStr( context.attributeKey() ), stringValue( state ), stringValue( event ) );
+   }
 }
 
 void MrpRegistrarSm::logLeave( char const * what, MrpRegistrarState state,
@@ -174,12 +200,6 @@ void MrpRegistrarSm::mrpSetRegistrarState( MrpRegistrarState state ) {
    if ( MrpAttrDatabase * const attribute = mrpSm_->mrpGetAttribute( false ) ) {
       attribute->registrarStateIs( state );
    }
-}
-
-MrpRegistrarEvent MrpRegistrarSm::mrpMapRxRegistrarEvent( U8 rxEvent ) const {
-   static constexpr std::array< MrpRegistrarEvent, 6 > events{
-      regNew, regJoinIn, invalidRegistrarEvent, regJoinMt, invalidRegistrarEvent, regLv };
-   return rxEvent < events.size() ? events[rxEvent] : invalidRegistrarEvent;
 }
 
 } // namespace Mrp

@@ -13,8 +13,11 @@
 #include "mrp/topology/MrpConfig.h"
 #include "mrp/vocabulary/Mrp.h"
 
+#include <array>
+
 namespace Mrp {
 
+enum class RegistrarStep : U8;
 class MrpAttrDatabase;
 class MrpSm;
 
@@ -27,6 +30,7 @@ class MrpRegistrarSm : public Korv::PtrInterface {
                    Korv::Ptr< Dovr::TimerWheel > timerWheel );
    ~MrpRegistrarSm() override;
 
+   void handleInitialized();
    bool initialized() const { return initialized_; }
 
    // To post an event: name the attribute in the parse context, store the event, call the handler.
@@ -42,7 +46,11 @@ class MrpRegistrarSm : public Korv::PtrInterface {
 
    void mrpSetRegistrarState( MrpRegistrarState state );
    // The event of a MrpThreePackedEvent number from the wire.
-   MrpRegistrarEvent mrpMapRxRegistrarEvent( U8 rxEvent ) const;
+   MrpRegistrarEvent mrpMapRxRegistrarEvent( U8 rxEvent ) const {
+      constexpr std::array< MrpRegistrarEvent, 6 > events{
+         regNew, regJoinIn, invalidRegistrarEvent, regJoinMt, invalidRegistrarEvent, regLv };
+      return rxEvent < events.size() ? events[rxEvent] : invalidRegistrarEvent;
+   }
 
    // ---- machines/LeavePending.cpp -------------------------------------------------------------
    // Both on the attribute that the parse context names.
@@ -84,12 +92,18 @@ class MrpRegistrarSm : public Korv::PtrInterface {
       MrpRegistrarSm & sm_;
    };
 
-   void handleInitialized();
+   template < RegistrarStep... steps >
+   friend bool runSteps( MrpRegistrarSm & sm, MrpRegistrarState state, MrpRegistrarEvent event );
+   template < RegistrarStep step >
+   void doStep( MrpRegistrarState state, MrpRegistrarEvent event, bool & discarded );
    bool transition( MrpRegistrarState state, MrpRegistrarEvent event );
    bool checkJoin();
    MrpParameters indication() const;
-   void logLeave( char const * what, MrpRegistrarState state, MrpRegistrarEvent event ) const;
-   void handleDiscardedJoin();
+   // Out of line and out of the way of what is done for every refresh.
+   [[gnu::noinline]] void logJoin( MrpRegistrarState state, MrpRegistrarEvent event ) const;
+   [[gnu::noinline]] void logLeave( char const * what, MrpRegistrarState state,
+                                    MrpRegistrarEvent event ) const;
+   [[gnu::noinline]] void handleDiscardedJoin();
    MrpLeaveSm * findOrMake( LeaveSms & machines, MrpAttribute const & key );
 
    MrpSm * mrpSm_; // the owner

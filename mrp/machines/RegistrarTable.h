@@ -16,8 +16,9 @@
 
 namespace Mrp {
 
+class MrpRegistrarSm;
+
 enum class RegistrarStep : U8 {
-   end, // of the steps of a cell
    logJoin,
    logLeave,
    toIn,
@@ -36,41 +37,39 @@ enum class RegistrarStep : U8 {
    countLeave
 };
 
-struct RegistrarCell {
-   std::array< RegistrarStep, 7 > steps; // the rest is `end`
-};
+// Runs the steps of a cell in their order; true if the application refused a join. Defined, and
+// the table used, in MrpRegistrarSm.cpp alone.
+using RegistrarAction = bool ( * )( MrpRegistrarSm & sm, MrpRegistrarState state,
+                                    MrpRegistrarEvent event );
+template < RegistrarStep... steps >
+bool runSteps( MrpRegistrarSm & sm, MrpRegistrarState state, MrpRegistrarEvent event );
 
 struct RegistrarRow {
    MrpRegistrarEvent event;
-   std::array< RegistrarCell, 3 > cells;
+   std::array< RegistrarAction, 3 > actions; // by state; null: nothing happens
 };
 
 namespace RegistrarCells {
 
 using enum RegistrarStep;
 
-template < class... Step >
-requires( sizeof...( Step ) < 7 ) constexpr RegistrarCell does( Step... step ) {
-   return { { step... } };
-}
-constexpr RegistrarRow row( MrpRegistrarEvent event, RegistrarCell in, RegistrarCell lv,
-                            RegistrarCell mt ) {
+constexpr RegistrarRow row( MrpRegistrarEvent event, RegistrarAction in, RegistrarAction lv,
+                            RegistrarAction mt ) {
    return { event, { in, lv, mt } };
 }
 
-inline constexpr auto ____ = does();
-
-inline constexpr auto newInIn = does( logJoin, indicateJoin, countJoin );
-inline constexpr auto newInLv = does( unpend, toIn, traceJoinInLv, indicateJoin, countJoin );
-inline constexpr auto newInMt = does( logJoin, toIn, traceJoinBlank, indicateJoin, countJoin );
-inline constexpr auto joinInIn = does( checkJoin, countJoin );
-inline constexpr auto joinInLv = does( toIn, unpend, traceJoinInLv, checkJoin );
-inline constexpr auto joinInMt = does( logJoin, toIn, traceJoin, indicateJoin, countJoin );
-inline constexpr auto leave___ = does( pend, toLv );
-inline constexpr auto silentMt = does( toMt );
-inline constexpr auto flushed_ = does( logLeave, toMt, traceLeave, indicateLeave, countLeave );
+inline constexpr RegistrarAction ____ = nullptr;
+inline constexpr auto newInIn = runSteps< logJoin, indicateJoin, countJoin >;
+inline constexpr auto newInLv = runSteps< unpend, toIn, traceJoinInLv, indicateJoin, countJoin >;
+inline constexpr auto newInMt = runSteps< logJoin, toIn, traceJoinBlank, indicateJoin, countJoin >;
+inline constexpr auto joinInIn = runSteps< checkJoin, countJoin >;
+inline constexpr auto joinInLv = runSteps< toIn, unpend, traceJoinInLv, checkJoin >;
+inline constexpr auto joinInMt = runSteps< logJoin, toIn, traceJoin, indicateJoin, countJoin >;
+inline constexpr auto leave___ = runSteps< pend, toLv >;
+inline constexpr auto silentMt = runSteps< toMt >;
+inline constexpr auto flushed_ = runSteps< logLeave, toMt, traceLeave, indicateLeave, countLeave >;
 inline constexpr auto expired_ =
-   does( logLeave, toMt, traceLeave, indicateLeave, countLeave, unpend );
+   runSteps< logLeave, toMt, traceLeave, indicateLeave, countLeave, unpend >;
 
 // clang-format off
 inline constexpr std::array< RegistrarRow, 9 > table{

@@ -8,14 +8,39 @@
 //     nothing is ever clogged.
 #pragma once
 
-#include "mrp/platform/korv/Ptr.h"
-#include "mrp/platform/korv/Types.h"
+#include "mrp/platform/korv/NboAttrLog.h"
 
 namespace Mrp {
 
 class MrpAttrLogSm : public Korv::PtrInterface {
  public:
-   bool isAttrLogOutClogged() { return false; }
+   // The stream's socket writer, or null.
+   explicit MrpAttrLogSm( Korv::Ptr< Korv::NboAttrLog::SocketOutSm > nboAttrLogOutSm );
+
+   void handleInitialized();
+   bool initialized() const { return initialized_; }
+
+   // More than half of the send buffer is unsent. With no stream false.
+   bool isAttrLogOutClogged();
+   // The unsent bytes in the send queue; negative if that is not known.
+   Korv::S32 getAttrLogKernTxBufferUsage() const;
+
+   Korv::S32 attrLogSockFd() const { return attrLogSockFd_; }
+   void attrLogSockFdIs( Korv::S32 fd );
+   // Reads the size of the socket's send buffer.
+   void handleAttrLogSockFd();
+   Korv::S32 attrLogKernTxBufferSize() const { return size_; }
+   Korv::S32 attrLogKernTxBufferThreshold() const { return threshold_; }
+   // When last read.
+   Korv::S32 attrLogKernTxBufferUsage() const { return usage_; }
+
+ private:
+   Korv::Ptr< Korv::NboAttrLog::SocketOutSm > nboAttrLogOutSm_;
+   Korv::S32 attrLogSockFd_ = -1;
+   Korv::S32 size_ = -1;
+   Korv::S32 threshold_ = -1;
+   Korv::S32 usage_ = -1;
+   bool initialized_ = false;
 };
 
 } // namespace Mrp

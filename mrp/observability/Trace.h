@@ -19,7 +19,8 @@ inline bool traceIsOn( Korv::U32 level ) { return mrpTrace.isOn( level ); }
 template < class... P >
 inline void trace( Korv::TraceLevel level, P const &... parts ) {
    if ( traceIsOn( level.level ) ) [[unlikely]] {
-      Korv::traceCompose( mrpTrace, level, parts... );
+      Korv::traceCompose< Korv::TracePass< P >... >( mrpTrace, level.level, level.at.file,
+                                                     level.at.line, parts... );
    }
 }
 

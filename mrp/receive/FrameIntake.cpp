@@ -9,12 +9,16 @@
 #include "mrp/platform/pelk/PktManager.h"
 #include "mrp/receive/FutureProtocolVersion.h"
 
+#include <cstring>
+
 namespace Mrp {
 
 namespace {
 
 constexpr U16 vlanTagType = 0x8100;
 constexpr std::size_t vlanTagBytes = 4;
+constexpr std::size_t tagControlAt = 14;
+constexpr std::size_t typeBehindTagAt = 16;
 
 // A copy of the frame from the cursor on: of a tagged frame, the frame less its first four bytes.
 Korv::Ptr< Pelk::Pkt > copyFromCursor( Pelk::Pkt const & pkt ) {
@@ -33,7 +37,7 @@ void MrpIntfPamSm::handleMrpdu() {
       return;
    }
    Korv::assertThat( initialized(), "initialized()" );
-   Korv::Ptr< Pelk::Pkt > const pkt = pam_->rxPkt();
+   Korv::Ptr< Pelk::Pkt > const pkt = pam_ ? pam_->rxPkt() : nullptr;
    if ( !pkt ) {
       return;
    }
@@ -55,8 +59,8 @@ void MrpIntfPamSm::handleMrpdu() {
    U16 type = Pelk::EthHdr::at( pkt->frontData() ).typeOrLen();
    if ( type == vlanTagType ) {
       trace( 6, "Received 802.1Q-tagged frame with VLAN ID ",
-             Korv::networkU16At( pkt->frontData() + 14 ) & 0x0FFF );
-      type = Korv::networkU16At( pkt->frontData() + 16 );
+             Korv::networkU16At( pkt->frontData() + tagControlAt ) & 0x0FFF );
+      type = Korv::networkU16At( pkt->frontData() + typeBehindTagAt );
       // The tag is not cut out: with the 14 bytes below the cursor lands behind it.
       pkt->delSharedHeadData( vlanTagBytes );
    }

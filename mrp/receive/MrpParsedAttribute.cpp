@@ -6,31 +6,41 @@
 
 namespace Mrp {
 
-void MrpParsedAttribute::attributeValueAllIs( void const * bytes, U32 size ) {
-   if ( attributeValue_.putAll( bytes, size ) ) {
-      return;
-   }
+void MrpParsedAttribute::putEach( void const * bytes, U32 size ) {
    for ( U32 index = 0; index < size; ++index ) {
       attributeValueIs( index, static_cast< U8 const * >( bytes )[index] );
    }
 }
 
-MrpParsedAttribute * MrpParsedAttributes::find( MrpParsedAttributeKey const & key ) const {
+// A record that somebody else still holds is left to them.
+void MrpParsedAttributes::replaceRecord( MrpParsedAttributeKey const & key ) {
+   if ( size_ == records_.size() ) {
+      records_.emplace_back();
+   }
+   records_[size_] = new MrpParsedAttribute( key );
+}
+
+MrpParsedAttribute * MrpParsedAttributes::search( MrpParsedAttributeKey const & key ) const {
    std::size_t const at = locate( key );
-   return at == nowhere ? nullptr : records_[at].ptr();
+   if ( at == nowhere ) {
+      return nullptr;
+   }
+   last_ = at;
+   return records_[at].ptr();
 }
 
 std::size_t MrpParsedAttributes::locate( MrpParsedAttributeKey const & key ) const {
-   for ( std::size_t const near : { last_ + 1, last_ } ) {
-      if ( near < size_ && records_[near]->key() == key ) {
-         return last_ = near;
-      }
+   if ( !isSorted_ ) {
+      U32 const found = index_[slotOf( key )];
+      return found == 0 ? nowhere : found - 1;
    }
-   if ( size_ == 0 ) {
-      return nowhere;
-   }
-   U32 const found = index_[slotOf( key )];
-   return found == 0 ? nowhere : last_ = found - 1;
+   auto const end = records_.begin() + static_cast< std::ptrdiff_t >( size_ );
+   auto const found =
+      std::lower_bound( records_.begin(), end, key,
+                        []( auto const & record, auto const & k ) { return record->key() < k; } );
+   return found != end && ( *found )->key() == key
+             ? static_cast< std::size_t >( found - records_.begin() )
+             : nowhere;
 }
 
 // The index slot that holds the key, or the free one where it would go.
@@ -43,32 +53,20 @@ std::size_t MrpParsedAttributes::slotOf( MrpParsedAttributeKey const & key ) con
    return slot;
 }
 
-MrpParsedAttribute * MrpParsedAttributes::findOrMake( MrpParsedAttributeKey const & key ) {
-   if ( 2 * ( size_ + 1 ) > index_.size() ) {
-      rebuildIndex( std::max< std::size_t >( 64, 2 * index_.size() ) );
+// A key that does not come behind all before it.
+MrpParsedAttribute * MrpParsedAttributes::findOrInsert( MrpParsedAttributeKey const & key ) {
+   std::size_t const at = locate( key );
+   if ( at != nowhere ) {
+      return records_[at].ptr();
    }
-   std::size_t const slot = slotOf( key );
-   if ( index_[slot] != 0 ) {
-      return records_[index_[slot] - 1].ptr();
+   MrpParsedAttribute * const record = append( key );
+   if ( isSorted_ || 2 * size_ > index_.size() ) {
+      isSorted_ = false;
+      rebuildIndex();
+   } else {
+      index_[slotOf( key )] = static_cast< U32 >( size_ );
    }
-   MrpParsedAttribute * const record = freshRecord( key );
-   index_[slot] = static_cast< U32 >( ++size_ );
    return record;
-}
-
-// The next waiting record, made new; one that somebody else still holds is left to them.
-MrpParsedAttribute * MrpParsedAttributes::freshRecord( MrpParsedAttributeKey const & key ) {
-   if ( size_ == records_.size() ) {
-      records_.emplace_back( new MrpParsedAttribute( key ) );
-   }
-   auto & record = records_[size_];
-   if ( record->references() > 1 ) {
-      record = new MrpParsedAttribute( key );
-   }
-   record->key_ = key;
-   record->attributeEvent_ = 0;
-   record->attributeValue_.clear();
-   return record.ptr();
 }
 
 void MrpParsedAttributes::erase( MrpParsedAttributeKey const & key ) {
@@ -79,19 +77,23 @@ void MrpParsedAttributes::erase( MrpParsedAttributeKey const & key ) {
    auto const place = records_.begin() + static_cast< std::ptrdiff_t >( at );
    std::rotate( place, place + 1, records_.begin() + static_cast< std::ptrdiff_t >( size_ ) );
    --size_;
-   last_ = 0;
-   rebuildIndex( index_.size() );
+   last_ = nowhere;
+   if ( !isSorted_ ) {
+      rebuildIndex();
+   }
 }
 
 void MrpParsedAttributes::clear() {
-   if ( size_ != 0 ) {
-      std::fill( index_.begin(), index_.end(), 0u );
-   }
    size_ = 0;
-   last_ = 0;
+   isSorted_ = true;
+   last_ = nowhere;
 }
 
-void MrpParsedAttributes::rebuildIndex( std::size_t slots ) {
+void MrpParsedAttributes::rebuildIndex() {
+   std::size_t slots = std::max< std::size_t >( 64, index_.size() );
+   while ( slots < 4 * size_ ) {
+      slots *= 2;
+   }
    index_.assign( slots, 0u );
    for ( std::size_t at = 0; at < size_; ++at ) {
       index_[slotOf( records_[at]->key() )] = static_cast< U32 >( at + 1 );

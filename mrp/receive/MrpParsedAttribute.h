@@ -13,7 +13,7 @@ namespace Mrp {
 // them, byte i in slot i.
 class MrpParsedAttribute : public Korv::PtrInterface {
  public:
-   // Every kind's value fits inside.
+   // Every kind's value fits inside; with its two bytes of bookkeeping it fills 64.
    using AttributeValue = Korv::ByteQueue< 62 >;
 
    explicit MrpParsedAttribute( MrpParsedAttributeKey const & key ) : key_( key ) {}
@@ -28,8 +28,13 @@ class MrpParsedAttribute : public Korv::PtrInterface {
    void attributeValueIs( U32 index, U8 byte ) {
       attributeValue_.put( ValueIndex( index ).value(), byte );
    }
-   // attributeValueIs for indices 0 to size - 1.
-   void attributeValueAllIs( void const * bytes, U32 size );
+   // attributeValueIs for the bytes of a record, from index 0.
+   template < class Record >
+   void attributeValueAllIs( Record const & record ) {
+      if ( !attributeValue_.putAll( &record, sizeof record ) ) {
+         putEach( &record, sizeof record );
+      }
+   }
    void attributeValueEnq( U8 byte ) { attributeValue_.enq( byte ); }
    U8 attributeValueDeq() { return attributeValue_.deq(); }
    void attributeValueDel( U32 index ) { attributeValue_.del( ValueIndex( index ).value() ); }
@@ -38,9 +43,11 @@ class MrpParsedAttribute : public Korv::PtrInterface {
  private:
    friend class MrpParsedAttributes;
 
+   void putEach( void const * bytes, U32 size );
+
    MrpParsedAttributeKey key_;
+   U8 attributeEvent_ = 0; // beside the first bytes of the value, for the sake of the cache
    AttributeValue attributeValue_;
-   U8 attributeEvent_ = 0;
 };
 
 // Their collection, by key. It is filled and emptied with each frame and so keeps its records and
@@ -48,29 +55,57 @@ class MrpParsedAttribute : public Korv::PtrInterface {
 //
 //  1. Records 0 to size() - 1 are the frame's, in the order of their first arrival; those behind
 //     wait for later frames.
-//  2. A frame is asked for its attributes in that same order, so that a look-up first tries the
-//     record behind the one found last.
+//  2. While each key has come behind all before it, which is how frames are made, the records are
+//     sorted and need no index. With the first that does not, index_ has a place for each.
+//  3. A frame is asked for its attributes in the order of their arrival, so that a look-up first
+//     tries the record behind the one found last.
 class MrpParsedAttributes {
  public:
    std::size_t size() const { return size_; }
    bool isMember( MrpParsedAttributeKey const & key ) const { return find( key ) != nullptr; }
-   MrpParsedAttribute * find( MrpParsedAttributeKey const & key ) const;
-   MrpParsedAttribute * findOrMake( MrpParsedAttributeKey const & key );
+   MrpParsedAttribute * find( MrpParsedAttributeKey const & key ) const {
+      if ( last_ + 1 < size_ && records_[last_ + 1]->key_ == key ) {
+         return records_[++last_].ptr();
+      }
+      return search( key );
+   }
+   MrpParsedAttribute * findOrMake( MrpParsedAttributeKey const & key ) {
+      if ( isSorted_ && ( size_ == 0 || records_[size_ - 1]->key_ < key ) ) {
+         return append( key );
+      }
+      return findOrInsert( key );
+   }
    void erase( MrpParsedAttributeKey const & key );
    void clear();
 
  private:
+   // The record behind it is number 0.
    static constexpr std::size_t nowhere = ~std::size_t{ 0 };
 
+   // The next waiting record, made new.
+   MrpParsedAttribute * append( MrpParsedAttributeKey const & key ) {
+      if ( size_ == records_.size() || records_[size_]->references() > 1 ) {
+         replaceRecord( key );
+      }
+      MrpParsedAttribute & record = *records_[size_++];
+      record.key_ = key;
+      record.attributeEvent_ = 0;
+      record.attributeValue_.clear();
+      return &record;
+   }
+   void replaceRecord( MrpParsedAttributeKey const & key );
+   MrpParsedAttribute * search( MrpParsedAttributeKey const & key ) const;
+   MrpParsedAttribute * findOrInsert( MrpParsedAttributeKey const & key );
    std::size_t locate( MrpParsedAttributeKey const & key ) const;
    std::size_t slotOf( MrpParsedAttributeKey const & key ) const;
-   MrpParsedAttribute * freshRecord( MrpParsedAttributeKey const & key );
-   void rebuildIndex( std::size_t slots );
+   void rebuildIndex();
 
    std::vector< Korv::Ptr< MrpParsedAttribute > > records_;
-   std::vector< U32 > index_; // 0: free; else a place in records_, counted from 1
    std::size_t size_ = 0;
-   mutable std::size_t last_ = 0; // of the latest find
+   bool isSorted_ = true;
+   std::vector< U32 > index_; // 0: free; else a place in records_, counted from 1; not kept up
+                              // while isSorted_
+   mutable std::size_t last_ = nowhere; // of the latest find
 };
 
 } // namespace Mrp

@@ -27,10 +27,10 @@ U16 nextU16( Pelk::Pkt const & pkt ) { return Korv::networkU16At( pkt.frontData(
 
 void MrpSm::parseMrpdu( Korv::Ptr< Pelk::Pkt > const & pkt ) {
    U8 const version = *pkt->frontData();
-   if ( version != protocolVersion ) {
+   if ( version != protocolVersion() ) {
       trace( 4, "MRPDU protocol version", version,
-             " is greater than the current supported version ", protocolVersion );
-      Sornlog::log( Ring::futureVersion, version, protocolVersion );
+             " is greater than the current supported version ", protocolVersion() );
+      Sornlog::log( Ring::futureVersion, version, protocolVersion() );
       futureProtocolVersion = true;
       mrpCounters_->numOfIncorrectPduVersionInc( 1 );
    }
@@ -59,8 +59,7 @@ MrpParseStatus MrpSm::parseMessage( Korv::Ptr< Pelk::Pkt > const & pkt ) {
       }
    }
 
-   U8 const size =
-      static_cast< U8 >( mrpSizeOfAttribute( context.attributeType(), mrpLib_->application() ) );
+   U8 const size = mrpSizeOfAttribute( context.attributeType(), mrpLib_->application() );
    if ( size == context.attributeLength() ) {
       MrpParseStatus const status = parseAttributeList( pkt );
       if ( status != parseOk ) {
@@ -110,14 +109,14 @@ void MrpSm::skipMessageDueToFutureProtocolVersion( Korv::Ptr< Pelk::Pkt > const 
       return;
    }
    // Without a list length the vectors are stepped over one by one. The step is cut to 8 bits, so
-   // that one longer than 255 bytes is skipped wrongly.
+   // that one longer than 255 bytes is skipped wrongly, and one of just 256 not at all: standing
+   // before that one the loop would never end.
    do {
       U16 const values = mrpGetNumOfValues( pkt->frontData() );
       std::size_t const step = ( packedBytes( values, eventsPerThreePackedByte ) + 2u +
                                  parseContext_->attributeLength() ) &
                                255u;
-      if ( step == 0 ) {
-         // A header of no values with an AttributeLength of 254 would be stepped over for ever.
+      if ( step == 0 && nextU16( *pkt ) != endOfMark ) {
          return;
       }
       pkt->delSharedHeadData( step );

@@ -13,7 +13,7 @@
 
 namespace Mrp {
 
-void MrpSm::processParsedAttributes( Pelk::IntfId intfId ) {
+[[gnu::flatten]] void MrpSm::processParsedAttributes( Pelk::IntfId intfId ) {
    trace( 8, "MrpSm::processedParsedAttributes( ", intfId, " )" );
    // One draw for the whole frame.
    Korv::Seconds const leaveAllTime = getLeaveAllTime( *this, intfId );

@@ -11,6 +11,8 @@
 #include "mrp/platform/korv/Format.h"
 #include "mrp/vocabulary/VectorFormat.h"
 
+#include <cstring>
+
 namespace Mrp {
 
 namespace {
@@ -31,12 +33,25 @@ void loadFirstValue( MrpLib & lib, Pelk::Pkt & pkt ) {
 
 template < class Kind >
 void stepRx( MrpLib & lib ) {
-   ( lib.*Kind::rxIs )( Kind::next( ( lib.*Kind::rx )() ) );
+   if constexpr ( !std::is_same_v< Kind, NoKind > ) {
+      ( lib.*Kind::rxIs )( Kind::next( ( lib.*Kind::rx )() ) );
+   }
 }
 
 template < class Kind >
 U64 rxKey( MrpLib const & lib ) {
-   return Kind::key( ( lib.*Kind::rx )() );
+   if constexpr ( std::is_same_v< Kind, NoKind > ) {
+      return 0;
+   } else {
+      return Kind::key( ( lib.*Kind::rx )() );
+   }
+}
+
+template < class Kind >
+void saveRx( MrpLib const & lib, MrpParsedAttribute & attribute ) {
+   if constexpr ( !std::is_same_v< Kind, NoKind > ) {
+      attribute.attributeValueAllIs( ( lib.*Kind::rx )() );
+   }
 }
 
 } // namespace
@@ -157,7 +172,8 @@ void walkThreePacked( U8 const * bytes, U16 n, OnEvent onEvent ) {
 
 } // namespace
 
-MrpParseStatus MrpSm::parseThreePackedEvents( Korv::Ptr< Pelk::Pkt > const & pkt ) {
+[[gnu::flatten]] MrpParseStatus
+MrpSm::parseThreePackedEvents( Korv::Ptr< Pelk::Pkt > const & pkt ) {
    MrpParseContext & context = *parseContext_;
    U16 const n = context.numberOfValues();
    U32 const packed = packedBytes( n, eventsPerThreePackedByte );
@@ -167,8 +183,11 @@ MrpParseStatus MrpSm::parseThreePackedEvents( Korv::Ptr< Pelk::Pkt > const & pkt
    if ( packed > pkt->bytes() ) {
       return eventsDoNotFit( *this, packed, pkt->bytes() );
    }
-   walkThreePacked( pkt->frontData(), n,
-                    [this]( U8 event, U16 eventNum ) { processMrpEvent( event, eventNum ); } );
+   withAttributeKind( mrpLib_->application(), context.attributeType(), [&]( auto kind ) {
+      walkThreePacked( pkt->frontData(), n, [this]( U8 event, U16 eventNum ) {
+         processValue< decltype( kind ) >( event, eventNum );
+      } );
+   } );
    context.attributeListBytesLeftDec( packed + context.attributeLength() + 2u );
    pkt->delSharedHeadData( packed );
    return parseOk;
@@ -197,25 +216,56 @@ MrpParseStatus MrpSm::parseThreeFourPackedEvents( Korv::Ptr< Pelk::Pkt > const &
 
 void MrpSm::processThreeAndFourPacked( Korv::Ptr< Pelk::Pkt > const & pkt, U8 event, U16 eventNum,
                                        U16 fourPackedPtr ) {
-   U8 const byte = pkt->frontData()[fourPackedPtr + eventNum / 4];
-   U32 const field = ( byte >> ( 6 - 2 * ( eventNum % 4 ) ) ) & 3u;
+   U8 const byte = pkt->frontData()[fourPackedPtr + eventNum / eventsPerFourPackedByte];
+   U32 const field = ( byte >> ( 6 - 2 * ( eventNum % eventsPerFourPackedByte ) ) ) & 3u;
    mrpLib_->msrpListenerVectorRxIs( MsrpListenerAttribute(
       mrpLib_->msrpListenerVectorRx().streamId(), static_cast< MsrpListenerEvent >( field ) ) );
-   processMrpEvent( event, eventNum );
+   processValue< ListenerKind >( event, eventNum );
 }
 
 // The one place where a value is produced: value i is FirstValue plus i only because the events
 // are walked in order, each once.
-void MrpSm::processMrpEvent( U8 event, U16 eventNum ) {
-   mrpLib_->mrpValueFromFirstValue( eventNum );
-   parseContext_->attributeKeyIs( mrpGetRxAttributeKey() );
-   parseContext_->attributeEventIs( event );
-   parseContext_->eventsCounterInc( 1 );
+template < class Kind >
+void MrpSm::processValue( U8 event, U16 eventNum ) {
+   if ( eventNum != 0 ) {
+      stepRx< Kind >( *mrpLib_ );
+   }
+   MrpParseContext & context = *parseContext_;
+   context.attributeKeyIs( rxKey< Kind >( *mrpLib_ ) );
+   context.attributeEventIs( event );
+   context.eventsCounterInc( 1 );
    if ( !recycledPkt_ && !mrpConfig_->mrpFlooding() ) {
-      saveParsedMrpAttribute();
+      saveValue< Kind >();
    } else {
       trace( 8, "Recycled Pkt. Returning after parsing" );
    }
+}
+
+// A key that comes a second time in a frame is queued again, over the one record.
+template < class Kind >
+void MrpSm::saveValue() {
+   MrpParsedAttributeKey const key( parseContext_->attributeType(), parseContext_->attributeKey() );
+   MrpParsedAttribute & attribute = *mrpParsedAttributeIs( key );
+   attribute.attributeEventIs( parseContext_->attributeEvent() );
+   saveRx< Kind >( *mrpLib_, attribute );
+   if constexpr ( std::is_same_v< Kind, DomainKind > ) {
+      msrpParsedDomainKeyEnq( key );
+   } else {
+      mrpParsedAttributeKeyEnq( key );
+   }
+}
+
+// The public forms find the kind afresh. A type that the application lacks has the key 0 and no
+// value.
+void MrpSm::processMrpEvent( U8 event, U16 eventNum ) {
+   withAttributeKindOrNone(
+      mrpLib_->application(), parseContext_->attributeType(),
+      [&]( auto kind ) { processValue< decltype( kind ) >( event, eventNum ); } );
+}
+
+void MrpSm::saveParsedMrpAttribute() {
+   withAttributeKindOrNone( mrpLib_->application(), parseContext_->attributeType(),
+                            [this]( auto kind ) { saveValue< decltype( kind ) >(); } );
 }
 
 U64 MrpSm::mrpGetRxAttributeKey() const {
@@ -237,31 +287,6 @@ U64 MrpSm::mvrpGetRxAttributeKey() const {
    return parseContext_->attributeType() == vlanVector ? rxKey< VlanKind >( *mrpLib_ ) : 0;
 }
 
-void MrpSm::saveParsedMrpAttribute() {
-   MrpParsedAttributeKey const key( parseContext_->attributeType(), parseContext_->attributeKey() );
-   MrpParsedAttribute * const attribute = mrpParsedAttributeIs( key );
-   attribute->attributeEventIs( parseContext_->attributeEvent() );
-   saveParsedMrpAttributeValue( *attribute );
-   if ( mrpLib_->application() == MSRP && key.attributeType() == domainVector ) {
-      msrpParsedDomainKeyEnq( key );
-   } else {
-      mrpParsedAttributeKeyEnq( key );
-   }
-}
-
-namespace {
-
-void saveRx( MrpLib const & lib, MrpApplication application, U8 attributeType,
-             MrpParsedAttribute & attribute ) {
-   withAttributeKind( application, attributeType, [&]( auto kind ) {
-      using Kind = decltype( kind );
-      typename Kind::Value const & value = ( lib.*Kind::rx )();
-      attribute.attributeValueAllIs( &value, sizeof value );
-   } );
-}
-
-} // namespace
-
 void MrpSm::saveParsedMrpAttributeValue( MrpParsedAttribute & attribute ) const {
    switch ( mrpLib_->application() ) {
    case MSRP: saveParsedMsrpAttributeValue( attribute ); break;
@@ -270,10 +295,12 @@ void MrpSm::saveParsedMrpAttributeValue( MrpParsedAttribute & attribute ) const 
    }
 }
 void MrpSm::saveParsedMsrpAttributeValue( MrpParsedAttribute & attribute ) const {
-   saveRx( *mrpLib_, MSRP, parseContext_->attributeType(), attribute );
+   withAttributeKind( MSRP, parseContext_->attributeType(),
+                      [&]( auto kind ) { saveRx< decltype( kind ) >( *mrpLib_, attribute ); } );
 }
 void MrpSm::saveParsedMvrpAttributeValue( MrpParsedAttribute & attribute ) const {
-   saveRx( *mrpLib_, MVRP, parseContext_->attributeType(), attribute );
+   withAttributeKind( MVRP, parseContext_->attributeType(),
+                      [&]( auto kind ) { saveRx< decltype( kind ) >( *mrpLib_, attribute ); } );
 }
 
 void MrpLib::mrpValueFromFirstValue( U16 eventNum ) {

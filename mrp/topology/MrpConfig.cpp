@@ -16,7 +16,9 @@ Korv::Seconds overrideOr( MrpConfig::IntfTimes const & overrides, Pelk::IntfId i
 
 } // namespace
 
-Korv::Ptr< MrpConfig > mrpConfigFactory( Korv::Name const & name ) { return new MrpConfig( name ); }
+Korv::Ptr< MrpConfig > mrpConfigFactory( Korv::Name const & name ) {
+   return Korv::newValidPtr< MrpConfig >( name );
+}
 
 Korv::Seconds MrpSm::mrpGetLeaveTime( Pelk::IntfId intfId ) const {
    return overrideOr( mrpConfig_->intfLeaveTime(), intfId, mrpConfig_->leaveTime() );

@@ -42,6 +42,15 @@ void MrpLib::mrpSendAttributeIntf( MrpParameters const & attribute, Pelk::IntfId
       mrpSm_->mrpTransmitTxPacket( intfId, secondPktContext );
       packetContext = nullptr;
    }
+   if ( packetContext && !packetContext->pkt() ) {
+      // Its frame is just leaving, and what is being told of that is what got us here.
+      if ( secondPktContext ) {
+         mrpTxSecondPacketContextDel( intfId );
+      } else {
+         mrpTxPacketContextDel( intfId );
+      }
+      packetContext = nullptr;
+   }
    if ( !packetContext ) {
       Korv::Ptr< Pelk::Pkt > const pkt = Pelk::globalPktManager().newPkt();
       if ( !pkt ) {

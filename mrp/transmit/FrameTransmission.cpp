@@ -1,8 +1,8 @@
 // Closing frames: EndMarks, header and ProtocolVersion in front, the tail cut, and out.
 //
 // An attribute became bytes when a machine decided to send it; the frame that holds those bytes
-// leaves here, when the attribute order breaks, when it is full, at the end of a received frame, at
-// a LeaveAll, on disable, and at the latest at the transmit timer.
+// leaves here, when the attribute order breaks, when it is full, after the LeaveAll of a received
+// frame and at its end, after a LeaveAll sent, on disable, and at the latest at the transmit timer.
 #include "mrp/frame/MrpSm.h"
 #include "mrp/observability/Trace.h"
 #include "mrp/platform/korv/Assert.h"
@@ -16,7 +16,7 @@ namespace Mrp {
 namespace {
 
 // The Ethernet header and the ProtocolVersion.
-constexpr std::size_t frontBytes = sizeof( Pelk::EthHdr ) + 1;
+constexpr std::size_t headBytes = sizeof( Pelk::EthHdr ) + 1;
 constexpr U16 endMarkBytes = 2;
 
 void closeMessage( MrpTxPacketContext const & context, MrpApplication application,
@@ -39,9 +39,11 @@ void MrpSm::mrpTransmitTxPacket( Pelk::IntfId intfId, bool secondPktContext ) {
          mrpLib_->mrpTxPacketContextDel( intfId );
       }
    };
-   Korv::Ptr< MrpTxPacketContext > const context = secondPktContext
-                                                      ? mrpLib_->mrpTxSecondPacketContext( intfId )
-                                                      : mrpLib_->mrpTxPacketContext( intfId );
+   auto const contextNow = [this, intfId, secondPktContext] {
+      return secondPktContext ? mrpLib_->mrpTxSecondPacketContext( intfId )
+                              : mrpLib_->mrpTxPacketContext( intfId );
+   };
+   Korv::Ptr< MrpTxPacketContext > const context = contextNow();
    if ( !context ) {
       return;
    }
@@ -61,27 +63,34 @@ void MrpSm::mrpTransmitTxPacket( Pelk::IntfId intfId, bool secondPktContext ) {
       trace( 4, " Tx is being Attempted before the PAM is enabled " );
       return;
    }
+   Korv::assertThat( n + 2u * endMarkBytes <= pkt->frontBytes(),
+                     "numOfPackedBytes <= pkt->frontBytes()" );
    if ( context->curMessage() ) {
       closeMessage( *context, application, body + n );
       n = static_cast< U16 >( n + endMarkBytes );
    }
    Korv::networkU16IsAt( body + n, endOfMark );
 
-   pkt->newSharedHeadData( frontBytes );
+   pkt->newSharedHeadData( headBytes );
    Pelk::EthHdr & header = Pelk::EthHdr::at( pkt->frontData() );
    header.dstIs( mrpLib_->applicationMacAddr() );
    header.srcIs( sourceAddress( intfId ) );
    header.typeOrLenIs( mrpLib_->applicationEtype() );
-   pkt->frontData()[sizeof header] = protocolVersion;
+   pkt->frontData()[sizeof header] = protocolVersion();
 
-   U16 const total = static_cast< U16 >( n + frontBytes + endMarkBytes );
+   U16 const total = static_cast< U16 >( n + headBytes + endMarkBytes );
    Korv::assertThat( total <= pkt->frontBytes(), "numOfPackedBytes <= pkt->frontBytes()" );
    pkt->delSharedTailData( pkt->frontBytes() - total );
+   // From here on others run (an override, a watcher, the Pam), and may come back with more to
+   // send: the closed frame is out of their reach, and theirs goes into a context of its own.
+   context->pktIs( nullptr );
    mrpLib_->mrpCurrentTxIntfIs( context->intfId() );
    mrpCounters_->numOfPktsTransmittedInc( 1 );
    trace( 8, " A pkt is sent on : ", intfId );
    to->txPkt( pkt );
-   del();
+   if ( contextNow() == context.ptr() ) {
+      del();
+   }
 }
 
 void MrpSm::mrpTransmitTxAttributes( Pelk::IntfId intfId ) {

@@ -105,7 +105,8 @@ U8 mrpPackThreeAndFourPackedEvent( MrpTxPacketContext & packetContext, U8 event,
 
 namespace {
 
-void invalidAttributeToEncode( U32 attrType ) {
+template < class AttrType >
+void invalidAttributeToEncode( AttrType attrType ) {
    trace( 8, " Invalid Attribute ", attrType, " to be encoded" );
    Sornlog::log( Ring::invalidAttributeToEncode, static_cast< U8 >( attrType ) );
 }
@@ -231,7 +232,7 @@ U32 packEvent( MrpTxPacketContext & packetContext, typename Kind::Value const & 
 
 // The one way of adding an attribute to a frame.
 template < class Kind >
-void sendAttribute( MrpLib & lib, U8 event, Pelk::IntfId intfId, bool secondPktContext ) {
+void addToFrame( MrpLib & lib, U8 event, Pelk::IntfId intfId, bool secondPktContext ) {
    MrpTxPacketContext & packetContext = secondPktContext ? *lib.mrpTxSecondPacketContext( intfId )
                                                          : *lib.mrpTxPacketContext( intfId );
    MrpParseContext & context = *lib.mrpSm()->parseContext();
@@ -274,19 +275,19 @@ void sendAttribute( MrpLib & lib, U8 event, Pelk::IntfId intfId, bool secondPktC
 } // namespace
 
 void MrpLib::mrpSendTalkerAdvertise( U8 event, Pelk::IntfId intfId, bool secondPktContext ) {
-   sendAttribute< TalkerAdvertiseKind >( *this, event, intfId, secondPktContext );
+   addToFrame< TalkerAdvertiseKind >( *this, event, intfId, secondPktContext );
 }
 void MrpLib::mrpSendTalkerFailed( U8 event, Pelk::IntfId intfId, bool secondPktContext ) {
-   sendAttribute< TalkerFailedKind >( *this, event, intfId, secondPktContext );
+   addToFrame< TalkerFailedKind >( *this, event, intfId, secondPktContext );
 }
 void MrpLib::mrpSendListenerVector( U8 event, Pelk::IntfId intfId, bool secondPktContext ) {
-   sendAttribute< ListenerKind >( *this, event, intfId, secondPktContext );
+   addToFrame< ListenerKind >( *this, event, intfId, secondPktContext );
 }
 void MrpLib::mrpSendDomainVector( U8 event, Pelk::IntfId intfId, bool secondPktContext ) {
-   sendAttribute< DomainKind >( *this, event, intfId, secondPktContext );
+   addToFrame< DomainKind >( *this, event, intfId, secondPktContext );
 }
 void MrpLib::mrpSendVlanVector( U8 event, Pelk::IntfId intfId, bool secondPktContext ) {
-   sendAttribute< VlanKind >( *this, event, intfId, secondPktContext );
+   addToFrame< VlanKind >( *this, event, intfId, secondPktContext );
 }
 
 U32 MrpLib::mrpEncodeTalkerVector( MrpTxPacketContext & packetContext,

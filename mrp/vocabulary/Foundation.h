@@ -29,8 +29,10 @@ std::string stringValue( T const & value ) {
 }
 
 template < class T >
-requires( Korv::NamedEnum< T > || TextValue< T > ) std::ostream & operator<<( std::ostream & out,
-                                                                              T const & value ) {
+concept Printable = Korv::NamedEnum< T > || TextValue< T >;
+
+template < Printable T >
+std::ostream & operator<<( std::ostream & out, T const & value ) {
    return out << stringValue( value );
 }
 

@@ -17,7 +17,7 @@ VlanConfig * Config::vlanConfig( VlanId vlanId ) const {
 
 VlanConfig * Config::vlanConfigIs( VlanId vlanId ) {
    return vlanConfig_
-      .findOrMake( vlanId, [&] { return Korv::Ptr<VlanConfig>( new VlanConfig( vlanId ) ); } )
+      .findOrMake( vlanId, [&] { return Korv::Ptr< VlanConfig >( new VlanConfig( vlanId ) ); } )
       .ptr();
 }
 
@@ -29,7 +29,7 @@ SwitchIntfConfig * Config::switchIntfConfig( Pelk::IntfId const & intfId ) const
 SwitchIntfConfig * Config::switchIntfConfigIs( Pelk::IntfId const & intfId ) {
    return switchIntfConfig_
       .findOrMake( intfId,
-                   [&] { return Korv::Ptr<SwitchIntfConfig>( new SwitchIntfConfig( intfId ) ); } )
+                   [&] { return Korv::Ptr< SwitchIntfConfig >( new SwitchIntfConfig( intfId ) ); } )
       .ptr();
 }
 

@@ -43,7 +43,7 @@ class Config : public Korv::NamedEntity {
    Pelk::EthAddr const & bridgeMacAddr() const { return bridgeMacAddr_; }
    void bridgeMacAddrIs( Pelk::EthAddr const & addr ) { bridgeMacAddr_ = addr; }
 
-   Korv::OrderedMap<VlanId, Korv::Ptr<VlanConfig>> const & vlanConfig() const {
+   Korv::OrderedMap< VlanId, Korv::Ptr< VlanConfig > > const & vlanConfig() const {
       return vlanConfig_;
    }
    // The VLAN's configuration, or null.
@@ -51,7 +51,7 @@ class Config : public Korv::NamedEntity {
    VlanConfig * vlanConfigIs( VlanId vlanId );
    void vlanConfigDel( VlanId vlanId ) { vlanConfig_.erase( vlanId ); }
 
-   Korv::HashMap<Pelk::IntfId, Korv::Ptr<SwitchIntfConfig>> const & switchIntfConfig() const {
+   Korv::HashMap< Pelk::IntfId, Korv::Ptr< SwitchIntfConfig > > const & switchIntfConfig() const {
       return switchIntfConfig_;
    }
    SwitchIntfConfig * switchIntfConfig( Pelk::IntfId const & intfId ) const;
@@ -60,8 +60,8 @@ class Config : public Korv::NamedEntity {
 
  private:
    Pelk::EthAddr bridgeMacAddr_;
-   Korv::OrderedMap<VlanId, Korv::Ptr<VlanConfig>> vlanConfig_;
-   Korv::HashMap<Pelk::IntfId, Korv::Ptr<SwitchIntfConfig>> switchIntfConfig_;
+   Korv::OrderedMap< VlanId, Korv::Ptr< VlanConfig > > vlanConfig_;
+   Korv::HashMap< Pelk::IntfId, Korv::Ptr< SwitchIntfConfig > > switchIntfConfig_;
 };
 
 namespace Topology {

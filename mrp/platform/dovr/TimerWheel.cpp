@@ -14,7 +14,7 @@ void TimerWheel::Reactor::timeMinIs( Seconds time ) {
    }
 }
 
-TimerWheel::TimerWheel( Activity /* korvFwkActivity */, Korv::Ptr<Korv::Clock> systemClock,
+TimerWheel::TimerWheel( Activity /* korvFwkActivity */, Korv::Ptr< Korv::Clock > systemClock,
                         U32 tickMsecs, U32 /* initialMaxTicks */, bool /* preserveOrder */,
                         U32 defaultBucketSize )
    : clock_( std::move( systemClock ) ), tickMsecs_( tickMsecs ), madeAt_( clock_->now() ),
@@ -25,14 +25,14 @@ TimerWheel::TimerWheel( Activity /* korvFwkActivity */, Korv::Ptr<Korv::Clock> s
 TimerWheel::~TimerWheel() = default;
 
 Seconds TimerWheel::tickTime( U64 tick ) const {
-   return toMicrosecond( madeAt_ + static_cast<Seconds>( tick * tickMsecs_ ) / 1000 );
+   return toMicrosecond( madeAt_ + static_cast< Seconds >( tick * tickMsecs_ ) / 1000 );
 }
 
 // The latest tick that is not in the future: all ticks up to it count as processed, those without
 // timers too.
 U64 TimerWheel::ticksUntilNow() const {
    Seconds const sinceMaking = clock_->now() - madeAt_ + microsecond;
-   return static_cast<U64>( std::max( 0.0, std::floor( sinceMaking * 1000 / tickMsecs_ ) ) );
+   return static_cast< U64 >( std::max( 0.0, std::floor( sinceMaking * 1000 / tickMsecs_ ) ) );
 }
 
 void TimerWheel::schedule( Reactor & reactor, Seconds time ) {
@@ -46,13 +46,13 @@ void TimerWheel::schedule( Reactor & reactor, Seconds time ) {
       // When the loop is late, several ticks are made up for in one go: then those after the
       // running one are still to come.
       U64 const processed = runningTick_ != 0 ? runningTick_ : ticksUntilNow();
-      reactor.tick_ = std::max( processed + 1, static_cast<U64>( std::max( 0.0, ticks ) ) );
+      reactor.tick_ = std::max( processed + 1, static_cast< U64 >( std::max( 0.0, ticks ) ) );
       link( reactor );
    }
    armClock();
 }
 
-std::vector<TimerWheel::Bucket>::iterator TimerWheel::bucketAt( U64 tick ) {
+std::vector< TimerWheel::Bucket >::iterator TimerWheel::bucketAt( U64 tick ) {
    return std::lower_bound( buckets_.begin(), buckets_.end(), tick,
                             []( Bucket const & bucket, U64 t ) { return bucket.tick > t; } );
 }
@@ -92,7 +92,7 @@ void TimerWheel::handleTick() {
    // The owner may let go of the wheel in a timer; and whatever a timer throws, the rest of the
    // tick stays armed.
    struct Run {
-      Korv::Ptr<TimerWheel> wheel;
+      Korv::Ptr< TimerWheel > wheel;
       ~Run() {
          wheel->runningTick_ = 0;
          wheel->armClock();

@@ -31,7 +31,7 @@ class TimerWheel : public Korv::PtrInterface {
  public:
    class Reactor {
     public:
-      explicit Reactor( Korv::Ptr<TimerWheel> wheel ) : wheel_( std::move( wheel ) ) {}
+      explicit Reactor( Korv::Ptr< TimerWheel > wheel ) : wheel_( std::move( wheel ) ) {}
       Reactor( Reactor const & ) = delete;
       Reactor & operator=( Reactor const & ) = delete;
       virtual ~Reactor() { timeMinIs( Korv::never ); }
@@ -46,7 +46,7 @@ class TimerWheel : public Korv::PtrInterface {
 
     private:
       friend class TimerWheel;
-      Korv::Ptr<TimerWheel> wheel_;
+      Korv::Ptr< TimerWheel > wheel_;
       Seconds timeMin_ = Korv::never;
       U64 tick_ = 0; // 0: in no bucket
       Reactor * previous_ = nullptr;
@@ -59,7 +59,7 @@ class TimerWheel : public Korv::PtrInterface {
    // `defaultBucketSize` is the number of different ticks for which there is room from the start.
    // There is no horizon, so `initialMaxTicks` bounds nothing, and timers of a tick fire in order
    // whether `preserveOrder` asks for it or not.
-   TimerWheel( Activity korvFwkActivity, Korv::Ptr<Korv::Clock> systemClock, U32 tickMsecs,
+   TimerWheel( Activity korvFwkActivity, Korv::Ptr< Korv::Clock > systemClock, U32 tickMsecs,
                U32 initialMaxTicks, bool preserveOrder, U32 defaultBucketSize );
    ~TimerWheel() override;
 
@@ -75,7 +75,7 @@ class TimerWheel : public Korv::PtrInterface {
    };
    class Tick : public Korv::Clock::Reactor {
     public:
-      Tick( Korv::Ptr<Korv::Clock> clock, TimerWheel & wheel )
+      Tick( Korv::Ptr< Korv::Clock > clock, TimerWheel & wheel )
          : Reactor( std::move( clock ), Korv::Clock::Rank::wheel ), wheel_( wheel ) {}
       void onTime() override { wheel_.handleTick(); }
 
@@ -87,15 +87,15 @@ class TimerWheel : public Korv::PtrInterface {
    void schedule( Reactor & reactor, Seconds time );
    void link( Reactor & reactor );
    void unlink( Reactor & reactor );
-   std::vector<Bucket>::iterator bucketAt( U64 tick );
+   std::vector< Bucket >::iterator bucketAt( U64 tick );
    U64 ticksUntilNow() const;
    void armClock();
 
-   Korv::Ptr<Korv::Clock> clock_;
+   Korv::Ptr< Korv::Clock > clock_;
    U32 tickMsecs_;
    Seconds madeAt_;
    Tick wakeUp_;
-   std::vector<Bucket> buckets_;
+   std::vector< Bucket > buckets_;
    U64 runningTick_ = 0; // 0: none
 };
 

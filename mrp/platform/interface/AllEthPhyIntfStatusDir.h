@@ -11,7 +11,7 @@ class EthPhyIntfStatus : public IntfEntry {
    EthPhyIntfStatus( Pelk::IntfId const & intfId, Pelk::EthAddr const & addr )
       : IntfEntry( intfId ), addr_( addr ) {}
 
-   class Reactor : public Korv::ReactorOn<EthPhyIntfStatus> {
+   class Reactor : public Korv::ReactorOn< EthPhyIntfStatus > {
     public:
       virtual void onAddr() {}
    };
@@ -24,7 +24,7 @@ class EthPhyIntfStatus : public IntfEntry {
 };
 
 // A port without an entry sends with the bridge's address.
-class AllEthPhyIntfStatusDir : public IntfDir<EthPhyIntfStatus> {
+class AllEthPhyIntfStatusDir : public IntfDir< EthPhyIntfStatus > {
  public:
    using IntfDir::IntfDir;
 

@@ -9,7 +9,7 @@ class IntfStatus : public IntfEntry {
  public:
    IntfStatus( Pelk::IntfId const & intfId, Korv::U32 mtu ) : IntfEntry( intfId ), mtu_( mtu ) {}
 
-   class Reactor : public Korv::ReactorOn<IntfStatus> {
+   class Reactor : public Korv::ReactorOn< IntfStatus > {
     public:
       virtual void onMtu() {}
    };
@@ -23,7 +23,7 @@ class IntfStatus : public IntfEntry {
 };
 
 // At "interface/status/all". An interface without an entry has no MTU of its own.
-class AllIntfStatusDir : public IntfDir<IntfStatus> {
+class AllIntfStatusDir : public IntfDir< IntfStatus > {
  public:
    using IntfDir::IntfDir;
 

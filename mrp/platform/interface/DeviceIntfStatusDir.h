@@ -10,24 +10,24 @@ namespace Interface {
 class DeviceIntfStatus : public IntfEntry {
  public:
    DeviceIntfStatus( Pelk::IntfId const & intfId,
-                     Korv::Ptr<KernelNetInfo::Status> const & kernelStatus )
+                     Korv::Ptr< KernelNetInfo::Status > const & kernelStatus )
       : IntfEntry( intfId ), kernelStatus_( kernelStatus ) {}
 
-   Korv::Ptr<Pelk::EthDevPam> newPam( KernelNetInfo::PamSettings const & settings ) const {
+   Korv::Ptr< Pelk::EthDevPam > newPam( KernelNetInfo::PamSettings const & settings ) const {
       return kernelStatus_->newPam( intfId(), settings );
    }
 
  private:
-   Korv::Ptr<KernelNetInfo::Status> kernelStatus_;
+   Korv::Ptr< KernelNetInfo::Status > kernelStatus_;
 };
 
 // Filled by the status manager (NetNsIntfStatusManagerRoot.h).
-class DeviceIntfStatusDir : public IntfDir<DeviceIntfStatus> {
+class DeviceIntfStatusDir : public IntfDir< DeviceIntfStatus > {
  public:
    using IntfDir::IntfDir;
 
    void intfStatusIs( Pelk::IntfId const & intfId,
-                      Korv::Ptr<KernelNetInfo::Status> const & kernelStatus ) {
+                      Korv::Ptr< KernelNetInfo::Status > const & kernelStatus ) {
       findOrMake( intfId, kernelStatus );
    }
 };

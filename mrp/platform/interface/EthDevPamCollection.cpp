@@ -7,7 +7,7 @@ Pelk::Pam * EthDevPamCollection::intfPam( Pelk::IntfId const & intfId ) const {
    return found ? found->ptr() : nullptr;
 }
 
-void EthDevPamCollection::intfPamIs( Pelk::IntfId const & intfId, Korv::Ptr<Pelk::Pam> pam ) {
+void EthDevPamCollection::intfPamIs( Pelk::IntfId const & intfId, Korv::Ptr< Pelk::Pam > pam ) {
    if ( intfPam( intfId ) == pam.ptr() ) {
       return;
    }
@@ -18,7 +18,7 @@ void EthDevPamCollection::intfPamIs( Pelk::IntfId const & intfId, Korv::Ptr<Pelk
 
 void EthDevPamCollection::intfPamDel( Pelk::IntfId const & intfId ) {
    // The Pam outlives the notification: its watchers take leave of it there.
-   Korv::Ptr<Pelk::Pam> const leaving = intfPam( intfId );
+   Korv::Ptr< Pelk::Pam > const leaving = intfPam( intfId );
    if ( intfPam_.erase( intfId ) ) {
       notify( &Reactor::onIntfPam, intfId );
    }

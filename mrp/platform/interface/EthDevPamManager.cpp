@@ -2,9 +2,9 @@
 
 namespace Interface {
 
-EthDevPamManager::EthDevPamManager( Korv::Ptr<PamDesiredIntfDir> desired,
-                                    Korv::Ptr<EthDevPamCollection> collection,
-                                    Korv::Ptr<DeviceIntfStatusDir> devices )
+EthDevPamManager::EthDevPamManager( Korv::Ptr< PamDesiredIntfDir > desired,
+                                    Korv::Ptr< EthDevPamCollection > collection,
+                                    Korv::Ptr< DeviceIntfStatusDir > devices )
    : desiredDir_( std::move( desired ) ), collection_( std::move( collection ) ),
      deviceDir_( std::move( devices ) ) {
    desired_.notifierIs( desiredDir_.ptr() );

@@ -15,9 +15,9 @@ namespace Interface {
 // the three with it.
 class EthDevPamManager : public Korv::PtrInterface {
  public:
-   EthDevPamManager( Korv::Ptr<PamDesiredIntfDir> desired,
-                     Korv::Ptr<EthDevPamCollection> collection,
-                     Korv::Ptr<DeviceIntfStatusDir> devices );
+   EthDevPamManager( Korv::Ptr< PamDesiredIntfDir > desired,
+                     Korv::Ptr< EthDevPamCollection > collection,
+                     Korv::Ptr< DeviceIntfStatusDir > devices );
 
    KernelNetInfo::PamSettings const & settings() const { return settings_; }
    // How often to try again with a frame that the device's queue has no room for.
@@ -53,9 +53,9 @@ class EthDevPamManager : public Korv::PtrInterface {
 
    void handleIntf( Pelk::IntfId const & intfId );
 
-   Korv::Ptr<PamDesiredIntfDir> desiredDir_;
-   Korv::Ptr<EthDevPamCollection> collection_;
-   Korv::Ptr<DeviceIntfStatusDir> deviceDir_;
+   Korv::Ptr< PamDesiredIntfDir > desiredDir_;
+   Korv::Ptr< EthDevPamCollection > collection_;
+   Korv::Ptr< DeviceIntfStatusDir > deviceDir_;
    KernelNetInfo::PamSettings settings_;
    bool enabled_ = false;
    Desired desired_{ *this };

@@ -24,7 +24,7 @@ class IntfEntry : public Korv::Entity {
    Pelk::IntfId intfId_;
 };
 
-template <class Entry>
+template < class Entry >
 class IntfDir : public Korv::NamedEntity {
  public:
    using NamedEntity::NamedEntity;
@@ -34,13 +34,15 @@ class IntfDir : public Korv::NamedEntity {
       }
    }
 
-   class Reactor : public Korv::ReactorOn<IntfDir> {
+   class Reactor : public Korv::ReactorOn< IntfDir > {
     public:
       // An entry has come or gone.
       virtual void onIntfStatus( Pelk::IntfId const & /* intfId */ ) {}
    };
 
-   Korv::HashMap<Pelk::IntfId, Korv::Ptr<Entry>> const & intfStatus() const { return intfStatus_; }
+   Korv::HashMap< Pelk::IntfId, Korv::Ptr< Entry > > const & intfStatus() const {
+      return intfStatus_;
+   }
    // The entry, or null. Good until it is deleted.
    Entry * intfStatus( Pelk::IntfId const & intfId ) const {
       auto const * found = intfStatus_.find( intfId );
@@ -48,7 +50,7 @@ class IntfDir : public Korv::NamedEntity {
    }
 
    void intfStatusDel( Pelk::IntfId const & intfId ) {
-      Korv::Ptr<Entry> const leaving = intfStatus( intfId );
+      Korv::Ptr< Entry > const leaving = intfStatus( intfId );
       if ( intfStatus_.erase( intfId ) ) {
          leaving->parentIs( nullptr );
          this->notify( &Reactor::onIntfStatus, intfId );
@@ -58,12 +60,12 @@ class IntfDir : public Korv::NamedEntity {
  protected:
    // The entry, made of the interface and the other arguments if it is missing: watchers find it
    // complete, and may take it out again at once.
-   template <class... A>
-   Korv::Ptr<Entry> findOrMake( Pelk::IntfId const & intfId, A const &... values ) {
+   template < class... A >
+   Korv::Ptr< Entry > findOrMake( Pelk::IntfId const & intfId, A const &... values ) {
       bool made = false;
-      Korv::Ptr<Entry> const entry = intfStatus_.findOrMake( intfId, [&] {
+      Korv::Ptr< Entry > const entry = intfStatus_.findOrMake( intfId, [&] {
          made = true;
-         return Korv::Ptr<Entry>( new Entry( intfId, values... ) );
+         return Korv::Ptr< Entry >( new Entry( intfId, values... ) );
       } );
       if ( made ) {
          entry->parentIs( this );
@@ -73,7 +75,7 @@ class IntfDir : public Korv::NamedEntity {
    }
 
  private:
-   Korv::HashMap<Pelk::IntfId, Korv::Ptr<Entry>> intfStatus_;
+   Korv::HashMap< Pelk::IntfId, Korv::Ptr< Entry > > intfStatus_;
 };
 
 } // namespace Interface

@@ -2,8 +2,9 @@
 
 namespace Interface {
 
-IntfStatusManager::IntfStatusManager( Korv::Name namespaceName, Korv::Ptr<DeviceIntfStatusDir> dir,
-                                      Korv::Ptr<KernelNetInfo::Status> kernelStatus )
+IntfStatusManager::IntfStatusManager( Korv::Name namespaceName,
+                                      Korv::Ptr< DeviceIntfStatusDir > dir,
+                                      Korv::Ptr< KernelNetInfo::Status > kernelStatus )
    : NamedEntity( std::move( namespaceName ) ), dir_( std::move( dir ) ),
      kernelStatus_( std::move( kernelStatus ) ) {
    kernel_.notifierIs( kernelStatus_.ptr() );
@@ -21,17 +22,17 @@ void IntfStatusManager::handleDevice( Pelk::IntfId const & intfId ) {
 }
 
 NetNsIntfStatusManagerRoot::NetNsIntfStatusManagerRoot(
-   Activity /* activity */, Korv::Ptr<AllIntfStatusDir const> all,
-   Korv::Ptr<AllIntfStatusLocalDir const> local, bool filterByNetNs )
+   Activity /* activity */, Korv::Ptr< AllIntfStatusDir const > all,
+   Korv::Ptr< AllIntfStatusLocalDir const > local, bool filterByNetNs )
    : all_( std::move( all ) ), local_( std::move( local ) ), filterByNetNs_( filterByNetNs ) {}
 
 IntfStatusManager * NetNsIntfStatusManagerRoot::intfStatusManagerIs(
-   Activity /* activity */, Korv::Ptr<DeviceIntfStatusDir> dir,
-   Korv::Ptr<KernelNetInfo::Status> kernelStatus, Korv::Name const & namespaceName ) {
+   Activity /* activity */, Korv::Ptr< DeviceIntfStatusDir > dir,
+   Korv::Ptr< KernelNetInfo::Status > kernelStatus, Korv::Name const & namespaceName ) {
    return intfStatusManager_
       .findOrMake( namespaceName,
                    [&] {
-                      return Korv::Ptr<IntfStatusManager>(
+                      return Korv::Ptr< IntfStatusManager >(
                          new IntfStatusManager( namespaceName, dir, kernelStatus ) );
                    } )
       .ptr();

@@ -11,8 +11,8 @@ namespace Interface {
 // Mirrors the devices of one network into one directory, for as long as it lives.
 class IntfStatusManager : public Korv::NamedEntity {
  public:
-   IntfStatusManager( Korv::Name namespaceName, Korv::Ptr<DeviceIntfStatusDir> dir,
-                      Korv::Ptr<KernelNetInfo::Status> kernelStatus );
+   IntfStatusManager( Korv::Name namespaceName, Korv::Ptr< DeviceIntfStatusDir > dir,
+                      Korv::Ptr< KernelNetInfo::Status > kernelStatus );
 
  private:
    class Kernel : public KernelNetInfo::Status::Reactor {
@@ -26,8 +26,8 @@ class IntfStatusManager : public Korv::NamedEntity {
 
    void handleDevice( Pelk::IntfId const & intfId );
 
-   Korv::Ptr<DeviceIntfStatusDir> dir_;
-   Korv::Ptr<KernelNetInfo::Status> kernelStatus_;
+   Korv::Ptr< DeviceIntfStatusDir > dir_;
+   Korv::Ptr< KernelNetInfo::Status > kernelStatus_;
    Kernel kernel_{ *this };
 };
 
@@ -38,21 +38,21 @@ class NetNsIntfStatusManagerRoot : public Korv::PtrInterface {
    // What stands for an activity of the framework: there is none here.
    using Activity = std::nullptr_t;
 
-   NetNsIntfStatusManagerRoot( Activity activity, Korv::Ptr<AllIntfStatusDir const> all,
-                               Korv::Ptr<AllIntfStatusLocalDir const> local, bool filterByNetNs );
+   NetNsIntfStatusManagerRoot( Activity activity, Korv::Ptr< AllIntfStatusDir const > all,
+                               Korv::Ptr< AllIntfStatusLocalDir const > local, bool filterByNetNs );
 
    // The namespace's manager; the one that is there, if it has one.
-   IntfStatusManager * intfStatusManagerIs( Activity activity, Korv::Ptr<DeviceIntfStatusDir> dir,
-                                            Korv::Ptr<KernelNetInfo::Status> kernelStatus,
+   IntfStatusManager * intfStatusManagerIs( Activity activity, Korv::Ptr< DeviceIntfStatusDir > dir,
+                                            Korv::Ptr< KernelNetInfo::Status > kernelStatus,
                                             Korv::Name const & namespaceName );
 
    bool filterByNetNs() const { return filterByNetNs_; }
 
  private:
-   Korv::Ptr<AllIntfStatusDir const> all_;
-   Korv::Ptr<AllIntfStatusLocalDir const> local_;
+   Korv::Ptr< AllIntfStatusDir const > all_;
+   Korv::Ptr< AllIntfStatusLocalDir const > local_;
    bool filterByNetNs_;
-   Korv::HashMap<Korv::Name, Korv::Ptr<IntfStatusManager>> intfStatusManager_;
+   Korv::HashMap< Korv::Name, Korv::Ptr< IntfStatusManager > > intfStatusManager_;
 };
 
 } // namespace Interface

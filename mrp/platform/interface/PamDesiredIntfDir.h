@@ -11,13 +11,13 @@ class PamDesiredIntfDir : public Korv::NamedEntity {
  public:
    using NamedEntity::NamedEntity;
 
-   class Reactor : public Korv::ReactorOn<PamDesiredIntfDir> {
+   class Reactor : public Korv::ReactorOn< PamDesiredIntfDir > {
     public:
       // An entry has come, changed or gone.
       virtual void onIntfDesired( Pelk::IntfId const & /* intfId */ ) {}
    };
 
-   Korv::HashMap<Pelk::IntfId, bool> const & intfDesired() const { return intfDesired_; }
+   Korv::HashMap< Pelk::IntfId, bool > const & intfDesired() const { return intfDesired_; }
    // True if there is an entry and it is true.
    bool intfDesired( Pelk::IntfId const & intfId ) const;
 
@@ -25,7 +25,7 @@ class PamDesiredIntfDir : public Korv::NamedEntity {
    void intfDesiredDel( Pelk::IntfId const & intfId );
 
  private:
-   Korv::HashMap<Pelk::IntfId, bool> intfDesired_;
+   Korv::HashMap< Pelk::IntfId, bool > intfDesired_;
 };
 
 } // namespace Interface

@@ -18,18 +18,18 @@ class Status : public Korv::NamedEntity {
  public:
    using NamedEntity::NamedEntity;
 
-   class Reactor : public Korv::ReactorOn<Status> {
+   class Reactor : public Korv::ReactorOn< Status > {
     public:
       // A device has come or gone.
       virtual void onDevice( Pelk::IntfId const & /* intfId */ ) {}
    };
 
    bool hasDevice( Pelk::IntfId const & intfId ) const { return devices_.isMember( intfId ); }
-   Korv::HashMap<Pelk::IntfId, bool> const & devices() const { return devices_; }
+   Korv::HashMap< Pelk::IntfId, bool > const & devices() const { return devices_; }
 
    // Opens a device; null if it is not there or cannot be opened.
-   virtual Korv::Ptr<Pelk::EthDevPam> newPam( Pelk::IntfId const & intfId,
-                                              PamSettings const & settings ) = 0;
+   virtual Korv::Ptr< Pelk::EthDevPam > newPam( Pelk::IntfId const & intfId,
+                                                PamSettings const & settings ) = 0;
 
  protected:
    void deviceIs( Pelk::IntfId const & intfId ) {
@@ -44,7 +44,7 @@ class Status : public Korv::NamedEntity {
    }
 
  private:
-   Korv::HashMap<Pelk::IntfId, bool> devices_;
+   Korv::HashMap< Pelk::IntfId, bool > devices_;
 };
 
 } // namespace KernelNetInfo

@@ -98,6 +98,12 @@ class ByteQueue {
    // Slots 0 onward get these bytes, as by put() one after the other, in one stroke. False, with
    // nothing done, where the span does not allow that.
    bool putAll( void const * bytes, U32 size ) {
+      if ( count_ == 0 && size <= inlineBytes ) {
+         head_ = 0;
+         count_ = static_cast< U8 >( size );
+         std::memcpy( inline_, bytes, size );
+         return true;
+      }
       if ( count_ == 0 ) {
          head_ = 0;
          while ( count_ < size ) {
@@ -147,9 +153,11 @@ class ByteQueue {
    }
 
    void clear() {
-      while ( count_ > 0 ) {
-         dropLast();
+      if ( !isInline() ) {
+         delete[] block();
       }
+      head_ = 0;
+      count_ = 0;
    }
 
    // A new span: slots that stay within it keep their bytes, the others of it are 0. The caller

@@ -8,9 +8,10 @@
 
 namespace Korv {
 
-// Raised by each change of membership among all children of that class in the process: whoever
-// remembers a place in a tree of entities compares.
-template < class Child >
+// Raised by each change of membership among the children of a level of a tree, anywhere in the
+// process: whoever remembers a place in a tree of entities compares. A class of children that
+// wants a count of its own names itself as its MembershipLevel.
+template < class Level >
 inline U64 membershipChanges = 0;
 
 // The generic attributes of a published entity are name, fullName, parent, parentAttrName and
@@ -18,6 +19,8 @@ inline U64 membershipChanges = 0;
 // key and its place in the parent, has the empty name and stores only the parent.
 class Entity : public Notifier {
  public:
+   using MembershipLevel = Entity;
+
    virtual String8 name() const { return {}; }
    // From the root down: "MrpStatus/application/MVRP/attrDatabase/Ethernet1/...".
    virtual String8 fullName() const;
@@ -48,8 +51,8 @@ class Entity : public Notifier {
       return children
          .findOrMake( key,
                       [&] {
-                         ++membershipChanges< Child >;
-                         Ptr< Child > child( new Child( key ) );
+                         ++membershipChanges< typename Child::MembershipLevel >;
+                         Ptr< Child > child = newValidPtr< Child >( key );
                          child->parentIs( this );
                          return child;
                       } )
@@ -72,7 +75,7 @@ class Entity : public Notifier {
       }
       using Child = std::remove_reference_t< decltype( **found ) >;
       Ptr< Child > const child = *found;
-      ++membershipChanges< Child >;
+      ++membershipChanges< typename Child::MembershipLevel >;
       children.erase( key );
       child->parentIs( nullptr );
       notify( on, key );

@@ -30,16 +30,14 @@ void Notifier::watcherDel( ReactorBase * watcher ) const {
    }
    *found = nullptr;
    if ( watchers_->running == 0 ) {
-      compact( *watchers_ );
+      compact();
    }
 }
 
-void Notifier::compact( Watchers & watchers ) const {
-   auto & list = watchers.list;
+void Notifier::compact() const {
+   auto & list = watchers_->list;
    list.erase( std::remove( list.begin(), list.end(), nullptr ), list.end() );
-   // Called at the end of a notification, when this notifier may be gone: then the list is empty
-   // and held by the notification alone, and nothing of the notifier may be touched.
-   if ( list.empty() && watchers.references() > 1 && watchers_ == Ptr< Watchers >( &watchers ) ) {
+   if ( list.empty() ) {
       watchers_ = nullptr;
    }
 }

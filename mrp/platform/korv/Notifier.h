@@ -79,25 +79,38 @@ class Notifier : public PtrInterface {
       std::vector< ReactorBase * > list; // null: gone during a notification
       U32 running = 0;                   // notifications under way
    };
-
-   template < class R, class... P, class... A >
-   void notifyWatchers( void ( R::*on )( P... ), A const &... key ) const {
-      Ptr< Watchers > const watchers = watchers_;
-      std::size_t const present = watchers->list.size();
-      ++watchers->running;
-      for ( std::size_t i = 0; i < present; ++i ) {
-         if ( auto * watcher = watchers->list[i] ) {
-            ( static_cast< R * >( watcher )->*on )( key... );
+   // One notification. It ends also by what a watcher throws.
+   struct Run {
+      explicit Run( Notifier const & n ) : watchers( n.watchers_ ), notifier( n ) {
+         ++watchers->running;
+      }
+      Run( Run const & ) = delete;
+      Run & operator=( Run const & ) = delete;
+      ~Run() {
+         // Held here alone, the list has outlived the notifier, of which nothing may be touched.
+         if ( --watchers->running == 0 && watchers->references() > 1 ) {
+            notifier.compact();
          }
       }
-      if ( --watchers->running == 0 ) {
-         compact( *watchers );
+      Ptr< Watchers > const watchers;
+      Notifier const & notifier;
+   };
+
+   template < class R, class... P, class... A >
+   [[gnu::noinline]] void notifyWatchers( void ( R::*on )( P... ), A const &... key ) const {
+      Run const run( *this );
+      auto const & list = run.watchers->list;
+      std::size_t const present = list.size();
+      for ( std::size_t i = 0; i < present; ++i ) {
+         if ( auto * watcher = list[i] ) {
+            ( static_cast< R * >( watcher )->*on )( key... );
+         }
       }
    }
 
    void watcherAdd( ReactorBase * watcher ) const;
    void watcherDel( ReactorBase * watcher ) const;
-   void compact( Watchers & watchers ) const;
+   void compact() const;
 
    mutable Ptr< Watchers > watchers_;
 };

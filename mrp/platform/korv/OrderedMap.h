@@ -34,6 +34,10 @@ class OrderedMap {
    };
 
  public:
+   OrderedMap() = default;
+   OrderedMap( OrderedMap const & ) = delete;
+   OrderedMap & operator=( OrderedMap const & ) = delete;
+
    std::size_t size() const { return size_; }
    bool empty() const { return size_ == 0; }
    bool isMember( K const & key ) const { return find( key ) != nullptr; }
@@ -42,30 +46,29 @@ class OrderedMap {
       return const_cast< V * >( static_cast< OrderedMap const * >( this )->find( key ) );
    }
    V const * find( K const & key ) const {
-      if ( size_ == 0 ) {
-         return nullptr;
-      }
-      if ( !isAt( last_, key ) ) {
-         stepForward( last_ );
-         if ( !isAt( last_, key ) ) {
-            last_ = lowerBound( key );
-            if ( !isAt( last_, key ) ) {
-               return nullptr;
+      // The neighbour of the member found last, that member itself, and only then a search.
+      if ( last_.row ) {
+         for ( std::size_t const at : { last_.at + 1, last_.at } ) {
+            if ( at < last_.row->keys.size() && last_.row->keys[at] == key ) {
+               last_.at = at;
+               return &last_.row->cells[at].value;
             }
          }
       }
-      return &rows_[last_.row].cells[last_.at].value;
+      return search( key );
    }
 
    // The value under the key, made by `make()` if there is none yet.
    template < class Make >
    V & findOrMake( K const & key, Make && make ) {
-      Place place = placeOf( key );
-      if ( !isAt( place, key ) ) {
-         V fresh = make();
-         place = insertAt( placeOf( key ), key, std::move( fresh ) );
+      if ( !isBehindAll( key ) ) {
+         if ( V * const found = find( key ) ) {
+            return *found;
+         }
       }
-      last_ = place;
+      V fresh = make();
+      Place const place = insertAt( placeOf( key ), key, std::move( fresh ) );
+      last_ = { &rows_[place.row], place.at };
       return rows_[place.row].cells[place.at].value;
    }
 
@@ -88,16 +91,19 @@ class OrderedMap {
       if ( !find( key ) ) {
          return false;
       }
-      Place const place = last_;
+      Place const place{ static_cast< std::size_t >( last_.row - rows_.data() ), last_.at };
       Row & row = rows_[place.row];
       [[maybe_unused]] V const leaving = std::move( row.cells[place.at].value );
       auto const offset = static_cast< std::ptrdiff_t >( place.at );
       row.keys.erase( row.keys.begin() + offset );
       row.cells.erase( row.cells.begin() + offset );
+      // The next key in order now stands behind the place before this one.
+      last_ = { &row, place.at - 1 };
       auto const rowOffset = static_cast< std::ptrdiff_t >( place.row );
       if ( row.keys.empty() ) {
          rows_.erase( rows_.begin() + rowOffset );
          lowest_.erase( lowest_.begin() + rowOffset );
+         last_ = {};
       } else {
          lowest_[place.row] = row.keys.front();
       }
@@ -151,6 +157,18 @@ class OrderedMap {
  private:
    static constexpr std::size_t rowSize = 64;
 
+   V const * search( K const & key ) const {
+      if ( size_ == 0 ) {
+         return nullptr;
+      }
+      Place const place = lowerBound( key );
+      if ( !isAt( place, key ) ) {
+         return nullptr;
+      }
+      last_ = { &rows_[place.row], place.at };
+      return &last_.row->cells[place.at].value;
+   }
+
    bool isPlace( Place const & place ) const {
       return place.row < rows_.size() && place.at < rows_[place.row].keys.size();
    }
@@ -189,15 +207,14 @@ class OrderedMap {
       }
       return place;
    }
-   // As lowerBound, but quick for a key above all, the usual one when runs are put in.
+   // Of a key above all, the usual newcomer when runs are put in.
+   bool isBehindAll( K const & key ) const { return size_ == 0 || rows_.back().keys.back() < key; }
    Place placeOf( K const & key ) const {
       if ( size_ == 0 ) {
          return {};
       }
-      if ( rows_.back().keys.back() < key ) {
-         return { rows_.size() - 1, rows_.back().keys.size() };
-      }
-      return lowerBound( key );
+      return isBehindAll( key ) ? Place{ rows_.size() - 1, rows_.back().keys.size() }
+                                : lowerBound( key );
    }
 
    Place insertAt( Place place, K const & key, V && value ) {
@@ -239,7 +256,11 @@ class OrderedMap {
    std::vector< K > lowest_;
    std::size_t size_ = 0;
    U64 changes_ = 0;
-   mutable Place last_; // of the latest find
+   // Of the latest find; at + 1 is where its neighbour would be. Null after a row has gone.
+   mutable struct {
+      Row const * row = nullptr;
+      std::size_t at = 0;
+   } last_;
 };
 
 } // namespace Korv

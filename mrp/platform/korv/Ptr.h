@@ -1,9 +1,11 @@
 // Intrusive shared ownership. The logic runs on one thread, so the counts are plain.
 #pragma once
 
+#include "mrp/platform/korv/RangeException.h"
 #include "mrp/platform/korv/Types.h"
 
 #include <cstddef>
+#include <new>
 #include <type_traits>
 #include <utility>
 
@@ -66,5 +68,15 @@ class Ptr {
  private:
    T * object_ = nullptr;
 };
+
+// A new T that is there: no memory is a RangeException.
+template < class T, class... A >
+Ptr< T > newValidPtr( A &&... args ) {
+   T * const made = new ( std::nothrow ) T( std::forward< A >( args )... );
+   if ( !made ) {
+      throwRangeException( "null ValidPtr" );
+   }
+   return made;
+}
 
 } // namespace Korv

@@ -57,6 +57,11 @@ class Queue {
       if ( !empty() ) {
          next_ = std::max( next_, entries_.back().position + 1 );
       }
+      if ( entries_.size() == entries_.capacity() && head_ > entries_.size() / 2 ) {
+         entries_.erase( entries_.begin(),
+                         entries_.begin() + static_cast< std::ptrdiff_t >( head_ ) );
+         head_ = 0;
+      }
       entries_.push_back( { next_, value } );
       return next_++;
    }
@@ -110,10 +115,6 @@ class Queue {
    void tidy() {
       if ( head_ == entries_.size() ) {
          entries_.clear();
-         head_ = 0;
-      } else if ( head_ > 64 && head_ > entries_.size() / 2 ) {
-         entries_.erase( entries_.begin(),
-                         entries_.begin() + static_cast< std::ptrdiff_t >( head_ ) );
          head_ = 0;
       }
    }

@@ -46,10 +46,11 @@ void textWrite( std::string & out, T const & value );
 template < class T >
 T textRead( TextReader & in );
 
-// Used for each field: a failure deeper down gets the field's name added.
+// Used for each field, behind the words that lead up to it: a failure gets the field's name added.
 template < class T >
-T textReadField( TextReader & in, char const * field ) {
+T textReadField( TextReader & in, char const * field, std::string_view words = {} ) {
    try {
+      in.expect( words );
       return textRead< T >( in );
    } catch ( RangeException const & failure ) {
       throwRangeException( std::string( failure.what() ) + ", in field '" + field + "'" );
@@ -117,10 +118,10 @@ T textRead( TextReader & in ) {
          in.expect( std::string( "Value('" ) + table.typeName + "', ** {" );
          bool first = true;
          table.forEach( [&]( auto const & field ) {
-            in.expect( std::string( first ? "'" : ", '" ) + field.name + "': " );
+            std::string const words = std::string( first ? "'" : ", '" ) + field.name + "': ";
             first = false;
             using F = std::remove_cvref_t< decltype( value.*( field.member ) ) >;
-            value.*( field.member ) = textReadField< F >( in, field.name );
+            value.*( field.member ) = textReadField< F >( in, field.name, words );
          } );
          in.expect( "})" );
       }

@@ -11,6 +11,7 @@
 #include <ostream>
 #include <sstream>
 #include <string>
+#include <type_traits>
 
 namespace Korv {
 
@@ -62,12 +63,20 @@ void tracePart( std::ostream & out, T const & part ) {
    }
 }
 
+// How a part reaches the composing: by value where that is one register, so that a site whose level
+// is off need not even put it into memory.
+template < class Part >
+using TracePass = std::conditional_t<
+   std::is_array_v< Part >, char const *,
+   std::conditional_t< std::is_trivially_copyable_v< Part > && sizeof( Part ) <= 8, Part,
+                       Part const & > >;
+
 template < class... Part >
-[[gnu::cold, gnu::noinline]] void traceCompose( TraceHelper const & handle,
-                                                TraceLevel const & level, Part const &... part ) {
+[[gnu::cold, gnu::noinline]] void traceCompose( TraceHelper const & handle, U32 level,
+                                                char const * file, U32 line, Part... part ) {
    std::ostringstream out;
    ( tracePart( out, part ), ... );
-   traceLine( handle, level.level, level.at, out.str() );
+   traceLine( handle, level, SourceLocation{ file, line }, out.str() );
 }
 
 } // namespace Korv

@@ -11,7 +11,7 @@ RealActivity::RealActivity() { clock()->nowIs( monotonicTime() ); }
 Seconds RealActivity::monotonicTime() {
    timespec t{};
    ::clock_gettime( CLOCK_MONOTONIC, &t );
-   return static_cast<Seconds>( t.tv_sec ) + static_cast<Seconds>( t.tv_nsec ) / 1e9;
+   return static_cast< Seconds >( t.tv_sec ) + static_cast< Seconds >( t.tv_nsec ) / 1e9;
 }
 
 void RealActivity::runFor( Seconds duration ) {
@@ -30,7 +30,7 @@ void RealActivity::runFor( Seconds duration ) {
 
 void RealActivity::waitUntil( Seconds time ) {
    timespec t{};
-   t.tv_sec = static_cast<std::time_t>( time );
+   t.tv_sec = static_cast< std::time_t >( time );
    // Rounded up: waking a nanosecond early would cost another round.
    t.tv_nsec =
       std::min( 999'999'999L, std::lround( std::ceil( ( time - std::floor( time ) ) * 1e9 ) ) );

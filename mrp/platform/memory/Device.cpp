@@ -27,7 +27,7 @@ void Device::transmit( FrameBytes frame ) {
 
 bool Device::deliverToEach( FrameBytes frame, bool ( Pam::*intake )( FrameBytes ) ) {
    // A Pam's reader may close Pams and open others; those opened meanwhile have missed the frame.
-   Korv::Ptr<Device> const self( this );
+   Korv::Ptr< Device > const self( this );
    bool taken = false;
    auto const open = pams_;
    for ( Pam * const pam : open ) {

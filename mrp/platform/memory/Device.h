@@ -25,7 +25,7 @@ class Device : public Korv::PtrInterface {
    Pelk::IntfId const & intfId() const { return intfId_; }
 
    // The bytes are good for the call only. A listener does not change the listeners.
-   using Listener = std::function<void( FrameBytes frame )>;
+   using Listener = std::function< void( FrameBytes frame ) >;
    // Called for each frame sent. The number given takes it back.
    Korv::U32 listenerIs( Listener listener );
    void listenerDel( Korv::U32 number );
@@ -54,8 +54,8 @@ class Device : public Korv::PtrInterface {
 
    Network * network_; // null once it has left
    Pelk::IntfId intfId_;
-   std::vector<Pam *> pams_;
-   std::vector<Listening> listening_;
+   std::vector< Pam * > pams_;
+   std::vector< Listening > listening_;
    Korv::U32 listeners_ = 0; // ever registered
 };
 

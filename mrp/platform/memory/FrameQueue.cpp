@@ -6,7 +6,7 @@ namespace Memory {
 
 void FrameQueue::enq( FrameBytes frame ) {
    if ( size_ == ring_.size() ) {
-      std::rotate( ring_.begin(), ring_.begin() + static_cast<std::ptrdiff_t>( head_ ),
+      std::rotate( ring_.begin(), ring_.begin() + static_cast< std::ptrdiff_t >( head_ ),
                    ring_.end() );
       head_ = 0;
       ring_.emplace_back();

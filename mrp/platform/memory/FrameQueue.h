@@ -10,8 +10,8 @@
 
 namespace Memory {
 
-using Frame = std::vector<Korv::U8>;
-using FrameBytes = std::span<Korv::U8 const>;
+using Frame = std::vector< Korv::U8 >;
+using FrameBytes = std::span< Korv::U8 const >;
 
 class FrameQueue {
  public:
@@ -24,7 +24,7 @@ class FrameQueue {
 
  private:
    // A ring: the frames stand in size_ places from head_ on.
-   std::vector<Frame> ring_;
+   std::vector< Frame > ring_;
    std::size_t head_ = 0;
    std::size_t size_ = 0;
 };

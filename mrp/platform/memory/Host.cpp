@@ -21,8 +21,8 @@ Host::Host( Korv::Name const & name )
 // What the callback refers to goes with the host, and participants may still send.
 Host::~Host() { network_->onTransmit( {} ); }
 
-void Host::interfaceIs( Pelk::IntfId const & intfId, std::optional<Pelk::EthAddr> addr,
-                        std::optional<Korv::U32> mtu ) {
+void Host::interfaceIs( Pelk::IntfId const & intfId, std::optional< Pelk::EthAddr > addr,
+                        std::optional< Korv::U32 > mtu ) {
    // The device last: a participant that wants it sends at once, and needs the rest for that.
    if ( addr ) {
       ethPhyIntfStatusDir_->intfStatusIs( intfId, *addr );

@@ -22,21 +22,21 @@ class Host {
    Host & operator=( Host const & ) = delete;
    ~Host();
 
-   Korv::Ptr<Mirel::EntityManager> const & em() const { return em_; }
-   Korv::Ptr<Bridging::Config> const & brConfig() const { return brConfig_; }
-   Korv::Ptr<Bridging::Topology::Config> const & brTopoConfig() const { return brTopoConfig_; }
-   Korv::Ptr<Stp::Status> const & stpStatus() const { return stpStatus_; }
-   Korv::Ptr<Interface::AllEthPhyIntfStatusDir> const & ethPhyIntfStatusDir() const {
+   Korv::Ptr< Mirel::EntityManager > const & em() const { return em_; }
+   Korv::Ptr< Bridging::Config > const & brConfig() const { return brConfig_; }
+   Korv::Ptr< Bridging::Topology::Config > const & brTopoConfig() const { return brTopoConfig_; }
+   Korv::Ptr< Stp::Status > const & stpStatus() const { return stpStatus_; }
+   Korv::Ptr< Interface::AllEthPhyIntfStatusDir > const & ethPhyIntfStatusDir() const {
       return ethPhyIntfStatusDir_;
    }
-   Korv::Ptr<Interface::AllIntfStatusDir> const & allIntfStatusDir() const {
+   Korv::Ptr< Interface::AllIntfStatusDir > const & allIntfStatusDir() const {
       return allIntfStatusDir_;
    }
-   Korv::Ptr<Network> const & network() const { return network_; }
+   Korv::Ptr< Network > const & network() const { return network_; }
 
    // An interface with its device, and entries for its address and MTU where they are given.
-   void interfaceIs( Pelk::IntfId const & intfId, std::optional<Pelk::EthAddr> addr = {},
-                     std::optional<Korv::U32> mtu = {} );
+   void interfaceIs( Pelk::IntfId const & intfId, std::optional< Pelk::EthAddr > addr = {},
+                     std::optional< Korv::U32 > mtu = {} );
    void interfaceDel( Pelk::IntfId const & intfId );
 
    // The interface's device, for wires and frames; null if there is no such interface.
@@ -48,13 +48,13 @@ class Host {
    void onTransmit( Network::Transmit transmit ) { network_->onTransmit( std::move( transmit ) ); }
 
  private:
-   Korv::Ptr<Mirel::EntityManager> em_;
-   Korv::Ptr<Bridging::Config> brConfig_;
-   Korv::Ptr<Bridging::Topology::Config> brTopoConfig_;
-   Korv::Ptr<Stp::Status> stpStatus_;
-   Korv::Ptr<Interface::AllEthPhyIntfStatusDir> ethPhyIntfStatusDir_;
-   Korv::Ptr<Interface::AllIntfStatusDir> allIntfStatusDir_;
-   Korv::Ptr<Network> network_;
+   Korv::Ptr< Mirel::EntityManager > em_;
+   Korv::Ptr< Bridging::Config > brConfig_;
+   Korv::Ptr< Bridging::Topology::Config > brTopoConfig_;
+   Korv::Ptr< Stp::Status > stpStatus_;
+   Korv::Ptr< Interface::AllEthPhyIntfStatusDir > ethPhyIntfStatusDir_;
+   Korv::Ptr< Interface::AllIntfStatusDir > allIntfStatusDir_;
+   Korv::Ptr< Network > network_;
 };
 
 } // namespace Memory

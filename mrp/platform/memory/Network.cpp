@@ -14,21 +14,21 @@ Device * Network::device( Pelk::IntfId const & intfId ) const {
 }
 
 Device * Network::deviceIs( Pelk::IntfId const & intfId ) {
-   device_.findOrMake( intfId, [&] { return Korv::Ptr<Device>( new Device( *this, intfId ) ); } );
+   device_.findOrMake( intfId, [&] { return Korv::Ptr< Device >( new Device( *this, intfId ) ); } );
    Status::deviceIs( intfId );
    return device( intfId );
 }
 
 void Network::deviceDel( Pelk::IntfId const & intfId ) {
-   if ( Korv::Ptr<Device> const leaving = device( intfId ) ) {
+   if ( Korv::Ptr< Device > const leaving = device( intfId ) ) {
       leaving->network_ = nullptr;
       device_.erase( intfId );
       Status::deviceDel( intfId );
    }
 }
 
-Korv::Ptr<Pelk::EthDevPam> Network::newPam( Pelk::IntfId const & intfId,
-                                            KernelNetInfo::PamSettings const & settings ) {
+Korv::Ptr< Pelk::EthDevPam > Network::newPam( Pelk::IntfId const & intfId,
+                                              KernelNetInfo::PamSettings const & settings ) {
    Device * const found = device( intfId );
    return found ? new Pam( found, settings ) : nullptr;
 }

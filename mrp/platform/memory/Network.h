@@ -19,11 +19,11 @@ class Network : public KernelNetInfo::Status {
 
    // Called for each frame that leaves any device. One callback; the bytes are good for the call
    // only.
-   using Transmit = std::function<void( Pelk::IntfId const & intfId, FrameBytes frame )>;
+   using Transmit = std::function< void( Pelk::IntfId const & intfId, FrameBytes frame ) >;
    void onTransmit( Transmit transmit ) { transmit_ = std::move( transmit ); }
 
-   Korv::Ptr<Pelk::EthDevPam> newPam( Pelk::IntfId const & intfId,
-                                      KernelNetInfo::PamSettings const & settings ) override;
+   Korv::Ptr< Pelk::EthDevPam > newPam( Pelk::IntfId const & intfId,
+                                        KernelNetInfo::PamSettings const & settings ) override;
 
  private:
    friend class Device;
@@ -33,7 +33,7 @@ class Network : public KernelNetInfo::Status {
       }
    }
 
-   Korv::HashMap<Pelk::IntfId, Korv::Ptr<Device>> device_;
+   Korv::HashMap< Pelk::IntfId, Korv::Ptr< Device > > device_;
    Transmit transmit_;
 };
 

@@ -5,14 +5,14 @@
 
 namespace Memory {
 
-Pam::Pam( Korv::Ptr<Device> device, KernelNetInfo::PamSettings const & settings )
+Pam::Pam( Korv::Ptr< Device > device, KernelNetInfo::PamSettings const & settings )
    : device_( std::move( device ) ), settings_( settings ) {
    device_->pamAdd( this );
 }
 
 Pam::~Pam() { device_->pamDel( this ); }
 
-Korv::Ptr<Pelk::Pkt> Pam::rxPkt() {
+Korv::Ptr< Pelk::Pkt > Pam::rxPkt() {
    if ( waiting_.empty() ) {
       return nullptr;
    }
@@ -21,7 +21,7 @@ Korv::Ptr<Pelk::Pkt> Pam::rxPkt() {
    return Pelk::receivePool().newPkt( frame.data(), frame.size() );
 }
 
-void Pam::txPkt( Korv::Ptr<Pelk::Pkt> pkt ) {
+void Pam::txPkt( Korv::Ptr< Pelk::Pkt > pkt ) {
    auto const iovecs = pkt->iovecs();
    if ( iovecs.size() == 1 ) {
       device_->transmit( { iovecs[0].data, iovecs[0].bytes } );
@@ -52,9 +52,7 @@ bool Pam::deliverPastFilter( FrameBytes frame ) {
       return false;
    }
    waiting_.enq( frame );
-   // Whoever reads may close this Pam.
-   Korv::Ptr<Pam> const self( this );
-   handleArrival();
+   handleArrival(); // whoever reads may close this Pam
    return true;
 }
 

@@ -13,11 +13,11 @@ class Device;
 // of the receive pool when they are read.
 class Pam : public Pelk::EthDevPam {
  public:
-   Pam( Korv::Ptr<Device> device, KernelNetInfo::PamSettings const & settings );
+   Pam( Korv::Ptr< Device > device, KernelNetInfo::PamSettings const & settings );
    ~Pam() override;
 
-   Korv::Ptr<Pelk::Pkt> rxPkt() override;
-   void txPkt( Korv::Ptr<Pelk::Pkt> pkt ) override;
+   Korv::Ptr< Pelk::Pkt > rxPkt() override;
+   void txPkt( Korv::Ptr< Pelk::Pkt > pkt ) override;
    bool hasDataOnSocket() const override { return !waiting_.empty(); }
 
    Device & device() const { return *device_; }
@@ -33,7 +33,7 @@ class Pam : public Pelk::EthDevPam {
    Korv::U64 overrun() const { return overrun_; }   // with too many waiting
 
  private:
-   Korv::Ptr<Device> device_;
+   Korv::Ptr< Device > device_;
    KernelNetInfo::PamSettings settings_;
    FrameQueue waiting_;
    Korv::U64 heldBack_ = 0;

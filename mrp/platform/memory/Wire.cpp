@@ -18,7 +18,7 @@ class Wire::Flight : public Korv::Clock::Reactor {
    Wire & wire_;
 };
 
-Wire::Wire( Korv::Ptr<Korv::Clock> clock ) : clock_( std::move( clock ) ) {}
+Wire::Wire( Korv::Ptr< Korv::Clock > clock ) : clock_( std::move( clock ) ) {}
 
 Wire::~Wire() {
    for ( End const & end : ends_ ) {
@@ -26,7 +26,7 @@ Wire::~Wire() {
    }
 }
 
-void Wire::join( Korv::Ptr<Device> device ) {
+void Wire::join( Korv::Ptr< Device > device ) {
    Device & from = *device;
    ends_.push_back( { device, from.listenerIs( [this, &from]( FrameBytes frame ) {
                         handleSent( from, frame );
@@ -52,7 +52,7 @@ void Wire::handleSent( Device & from, FrameBytes frame ) {
 
 void Wire::launch( Device & from, FrameBytes frame, Korv::Seconds lateness ) {
    if ( idle_.empty() ) {
-      flights_.push_back( std::make_unique<Flight>( *this ) );
+      flights_.push_back( std::make_unique< Flight >( *this ) );
       idle_.push_back( flights_.back().get() );
    }
    Flight & flight = *idle_.back();

@@ -19,13 +19,13 @@ namespace Memory {
 // flight with it.
 class Wire {
  public:
-   explicit Wire( Korv::Ptr<Korv::Clock> clock = Korv::activityManager().clock() );
+   explicit Wire( Korv::Ptr< Korv::Clock > clock = Korv::activityManager().clock() );
    Wire( Wire const & ) = delete;
    Wire & operator=( Wire const & ) = delete;
    ~Wire();
 
    // Plugs the device in.
-   void join( Korv::Ptr<Device> device );
+   void join( Korv::Ptr< Device > device );
    void leave( Device & device );
 
    Korv::Seconds delay() const { return delay_; }
@@ -37,13 +37,13 @@ class Wire {
       Korv::Seconds lateness = 0;
    };
    // Asked for each frame sent; `from` is the sender.
-   using Judge = std::function<Fate( Device const & from, FrameBytes frame )>;
+   using Judge = std::function< Fate( Device const & from, FrameBytes frame ) >;
    void judgeIs( Judge judge ) { judge_ = std::move( judge ); }
 
  private:
    class Flight;
    struct End {
-      Korv::Ptr<Device> device;
+      Korv::Ptr< Device > device;
       Korv::U32 listener;
    };
 
@@ -51,12 +51,12 @@ class Wire {
    void launch( Device & from, FrameBytes frame, Korv::Seconds lateness );
    void handleArrived( Flight & flight );
 
-   Korv::Ptr<Korv::Clock> clock_;
+   Korv::Ptr< Korv::Clock > clock_;
    Korv::Seconds delay_ = 0;
    Judge judge_;
-   std::vector<End> ends_;
-   std::vector<std::unique_ptr<Flight>> flights_; // of all frames, those idle included
-   std::vector<Flight *> idle_;
+   std::vector< End > ends_;
+   std::vector< std::unique_ptr< Flight > > flights_; // of all frames, those idle included
+   std::vector< Flight * > idle_;
 };
 
 } // namespace Memory

@@ -7,7 +7,7 @@ Korv::Entity * EntityManager::getEntity( Korv::String8 const & path ) const {
    return found ? found->ptr() : nullptr;
 }
 
-void EntityManager::entityIs( Korv::String8 const & path, Korv::Ptr<Korv::Entity> entity ) {
+void EntityManager::entityIs( Korv::String8 const & path, Korv::Ptr< Korv::Entity > entity ) {
    entity_.insertOrAssign( path, std::move( entity ) );
 }
 

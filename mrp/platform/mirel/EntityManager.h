@@ -13,10 +13,10 @@ class EntityManager : public Korv::NamedEntity {
    // The entity at the path, or null.
    Korv::Entity * getEntity( Korv::String8 const & path ) const;
    // The store shares the entity.
-   void entityIs( Korv::String8 const & path, Korv::Ptr<Korv::Entity> entity );
+   void entityIs( Korv::String8 const & path, Korv::Ptr< Korv::Entity > entity );
 
  private:
-   Korv::HashMap<Korv::String8, Korv::Ptr<Korv::Entity>> entity_;
+   Korv::HashMap< Korv::String8, Korv::Ptr< Korv::Entity > > entity_;
 };
 
 } // namespace Mirel

@@ -12,7 +12,7 @@ struct MountInfo {
 
 class Mount : public Korv::PtrInterface {
  public:
-   explicit Mount( Korv::Ptr<Mirel::EntityManager> em ) : em_( std::move( em ) ) {}
+   explicit Mount( Korv::Ptr< Mirel::EntityManager > em ) : em_( std::move( em ) ) {}
 
    void handleInitialized() { initialized_ = true; }
    void doMount( Korv::String8 const & path, Korv::String8 const & typeName,
@@ -25,8 +25,8 @@ class Mount : public Korv::PtrInterface {
       Korv::String8 typeName;
       MountInfo info;
    };
-   Korv::Ptr<Mirel::EntityManager> em_;
-   Korv::HashMap<Korv::String8, Mounted> mounted_;
+   Korv::Ptr< Mirel::EntityManager > em_;
+   Korv::HashMap< Korv::String8, Mounted > mounted_;
    bool initialized_ = false;
 };
 

@@ -12,7 +12,7 @@ BufferPool::Memory BufferPool::take( std::size_t sizeNeeded ) {
    }
    if ( memory.size < sizeNeeded || !memory.bytes ) {
       memory.size = std::max( sizeMin_, sizeNeeded );
-      memory.bytes = std::make_unique<U8[]>( memory.size );
+      memory.bytes = std::make_unique< U8[] >( memory.size );
       memory.dirty = 0;
    }
    return memory;

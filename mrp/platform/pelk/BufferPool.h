@@ -15,7 +15,7 @@ namespace Pelk {
 class BufferPool {
  public:
    struct Memory {
-      std::unique_ptr<U8[]> bytes;
+      std::unique_ptr< U8[] > bytes;
       std::size_t size = 0;
       std::size_t dirty = 0;
    };
@@ -31,11 +31,11 @@ class BufferPool {
 
  private:
    std::size_t sizeMin_;
-   std::vector<Memory> free_;
+   std::vector< Memory > free_;
 };
 
 // Objects of one class that come and go with every frame: their memory is kept for the next one.
-template <class T>
+template < class T >
 class Recycled {
  public:
    static void * operator new( std::size_t bytes ) {
@@ -56,13 +56,13 @@ class Recycled {
 
  private:
    // Never destroyed: a static packet may go after it.
-   static std::vector<void *> & spare() {
-      static auto & list = *new std::vector<void *>;
+   static std::vector< void * > & spare() {
+      static auto & list = *new std::vector< void * >;
       return list;
    }
 };
 
-class PooledBuffer : public Pkt::SharedBuffer, public Recycled<PooledBuffer> {
+class PooledBuffer : public Pkt::SharedBuffer, public Recycled< PooledBuffer > {
  public:
    PooledBuffer( BufferPool & pool, BufferPool::Memory memory, std::size_t size,
                  std::size_t dataOffset, std::size_t dataBytes )

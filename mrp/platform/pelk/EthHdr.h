@@ -9,8 +9,10 @@ namespace Pelk {
 class EthHdr {
  public:
    // The header of the frame that begins here; the frame has at least 14 bytes.
-   static EthHdr & at( void * frame ) { return *static_cast<EthHdr *>( frame ); }
-   static EthHdr const & at( void const * frame ) { return *static_cast<EthHdr const *>( frame ); }
+   static EthHdr & at( void * frame ) { return *static_cast< EthHdr * >( frame ); }
+   static EthHdr const & at( void const * frame ) {
+      return *static_cast< EthHdr const * >( frame );
+   }
 
    EthAddr const & dst() const { return dst_; }
    EthAddr const & src() const { return src_; }
@@ -23,7 +25,7 @@ class EthHdr {
  private:
    EthAddr dst_;
    EthAddr src_;
-   Korv::NetworkOrder<Korv::U16> typeOrLen_;
+   Korv::NetworkOrder< Korv::U16 > typeOrLen_;
 };
 
 static_assert( sizeof( EthHdr ) == 14 && alignof( EthHdr ) == 1 );

@@ -13,15 +13,15 @@ namespace Pelk {
 // notification a frame: it calls for one read. Taking a frame out calls for nothing.
 class Pam : public Korv::Notifier {
  public:
-   class Reactor : public Korv::ReactorOn<Pam> {
+   class Reactor : public Korv::ReactorOn< Pam > {
     public:
       virtual void onReadableCount() {}
    };
 
    // The next received frame, or null.
-   virtual Korv::Ptr<Pkt> rxPkt() = 0;
+   virtual Korv::Ptr< Pkt > rxPkt() = 0;
    // Sends a finished frame. No result: a frame that could not leave is lost like one on the wire.
-   virtual void txPkt( Korv::Ptr<Pkt> pkt ) = 0;
+   virtual void txPkt( Korv::Ptr< Pkt > pkt ) = 0;
 
    Korv::U64 readableCount() const { return readableCount_; }
 

@@ -13,7 +13,7 @@ using Korv::assertThat;
 namespace {
 
 // As numbers: a position outside of the buffer is to be found out, not computed as a pointer.
-std::uintptr_t address( U8 const * p ) { return reinterpret_cast<std::uintptr_t>( p ); }
+std::uintptr_t address( U8 const * p ) { return reinterpret_cast< std::uintptr_t >( p ); }
 
 bool ptrWithinRegion( std::uintptr_t ptr, U8 const * region, std::size_t size ) {
    return ptr - address( region ) <= size;
@@ -22,12 +22,12 @@ bool ptrWithinRegion( std::uintptr_t ptr, U8 const * region, std::size_t size ) 
 // A buffer for the case that a packet has grown beyond the room it came with.
 class HeapBuffer : public Pkt::SharedBuffer {
  public:
-   HeapBuffer( std::unique_ptr<U8[]> memory, std::size_t size, std::size_t dataBytes )
+   HeapBuffer( std::unique_ptr< U8[] > memory, std::size_t size, std::size_t dataBytes )
       : SharedBuffer( memory.get(), size, memory.get() + ( size - dataBytes ), dataBytes ),
         memory_( std::move( memory ) ) {}
 
  private:
-   std::unique_ptr<U8[]> memory_;
+   std::unique_ptr< U8[] > memory_;
 };
 
 } // namespace
@@ -42,7 +42,7 @@ void Pkt::SharedBuffer::dataMove( std::size_t head, std::size_t bytes ) {
    data_ = buffer_ + ( data - address( buffer_ ) );
 }
 
-Pkt::Pkt( Korv::Ptr<SharedBuffer> buffer )
+Pkt::Pkt( Korv::Ptr< SharedBuffer > buffer )
    : firstIoVec_( 1 ), sharedBuffer_( std::move( buffer ) ) {
    updateSharedIovec();
 }
@@ -56,18 +56,18 @@ std::size_t Pkt::bytes() const {
 }
 
 void Pkt::delSharedHeadData( std::size_t n ) {
-   assertThat( static_cast<bool>( sharedBuffer_ ), "sharedBuffer_ != 0" );
+   assertThat( static_cast< bool >( sharedBuffer_ ), "sharedBuffer_ != 0" );
    sharedBuffer_->dataMove( n, 0 - n );
    updateSharedIovec();
 }
 
 void Pkt::newSharedHeadData( std::size_t n ) {
-   assertThat( static_cast<bool>( sharedBuffer_ ), "sharedBuffer_ != 0" );
+   assertThat( static_cast< bool >( sharedBuffer_ ), "sharedBuffer_ != 0" );
    SharedBuffer const & old = *sharedBuffer_;
    if ( old.room() < n ) {
       assertThat( old.dataBytes_ <= old.size_, "dataBytes_ <= size_" );
       std::size_t const size = old.size_ + n;
-      auto memory = std::make_unique<U8[]>( size );
+      auto memory = std::make_unique< U8[] >( size );
       std::memcpy( memory.get() + ( size - old.dataBytes_ ), old.data_, old.dataBytes_ );
       sharedBuffer_ = new HeapBuffer( std::move( memory ), size, old.dataBytes_ );
    }
@@ -76,7 +76,7 @@ void Pkt::newSharedHeadData( std::size_t n ) {
 }
 
 void Pkt::delSharedTailData( std::size_t n ) {
-   assertThat( static_cast<bool>( sharedBuffer_ ), "sharedBuffer_ != 0" );
+   assertThat( static_cast< bool >( sharedBuffer_ ), "sharedBuffer_ != 0" );
    sharedBuffer_->dataMove( 0, 0 - n );
    updateSharedIovec();
 }

@@ -37,7 +37,7 @@ class Pkt : public Korv::PtrInterface {
       std::size_t size() const { return size_; }
       U8 * data() const { return data_; }
       std::size_t dataBytes() const { return dataBytes_; }
-      std::size_t room() const { return static_cast<std::size_t>( data_ - buffer_ ); }
+      std::size_t room() const { return static_cast< std::size_t >( data_ - buffer_ ); }
 
     private:
       friend class Pkt;
@@ -58,16 +58,16 @@ class Pkt : public Korv::PtrInterface {
    static constexpr U32 maxIovecs_ = 2;
 
    Pkt() = default;
-   explicit Pkt( Korv::Ptr<SharedBuffer> buffer );
+   explicit Pkt( Korv::Ptr< SharedBuffer > buffer );
 
    U8 * frontData() const { return firstIoVec_ < maxIovecs_ ? iov_[firstIoVec_].data : nullptr; }
    std::size_t frontBytes() const { return firstIoVec_ < maxIovecs_ ? iov_[firstIoVec_].bytes : 0; }
    std::size_t bytes() const;
    // The vectors in use, in the order of transmission.
-   std::span<Iovec const> iovecs() const {
-      return std::span<Iovec const>( iov_ ).subspan( firstIoVec_ );
+   std::span< Iovec const > iovecs() const {
+      return std::span< Iovec const >( iov_ ).subspan( firstIoVec_ );
    }
-   Korv::Ptr<SharedBuffer> const & sharedBuffer() const { return sharedBuffer_; }
+   Korv::Ptr< SharedBuffer > const & sharedBuffer() const { return sharedBuffer_; }
 
    // For readers: the front moves over n bytes.
    void delSharedHeadData( std::size_t n );
@@ -82,7 +82,7 @@ class Pkt : public Korv::PtrInterface {
  private:
    Iovec iov_[maxIovecs_];
    U32 firstIoVec_ = maxIovecs_;
-   Korv::Ptr<SharedBuffer> sharedBuffer_;
+   Korv::Ptr< SharedBuffer > sharedBuffer_;
 };
 
 } // namespace Pelk

@@ -4,9 +4,9 @@
 
 namespace Pelk {
 
-class PktManager::ManagedPkt : public Pkt, public Recycled<ManagedPkt> {
+class PktManager::ManagedPkt : public Pkt, public Recycled< ManagedPkt > {
  public:
-   ManagedPkt( PktManager & manager, Korv::Ptr<SharedBuffer> buffer )
+   ManagedPkt( PktManager & manager, Korv::Ptr< SharedBuffer > buffer )
       : Pkt( std::move( buffer ) ), manager_( manager ) {
       ++manager_.pkts_;
    }
@@ -16,7 +16,7 @@ class PktManager::ManagedPkt : public Pkt, public Recycled<ManagedPkt> {
    PktManager & manager_;
 };
 
-Korv::Ptr<Pkt> PktManager::newPkt() {
+Korv::Ptr< Pkt > PktManager::newPkt() {
    if ( pkts_ >= maxPkts_ ) {
       return nullptr;
    }

@@ -15,7 +15,7 @@ class PktManager {
    static constexpr std::size_t headRoom = 1500 + 15;
 
    // An empty packet over a buffer of zeros, or null at the limit.
-   Korv::Ptr<Pkt> newPkt();
+   Korv::Ptr< Pkt > newPkt();
 
    U32 maxPkts() const { return maxPkts_; }
    void maxPktsIs( U32 maxPkts ) { maxPkts_ = maxPkts; }

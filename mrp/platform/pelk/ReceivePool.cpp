@@ -6,14 +6,14 @@ namespace Pelk {
 
 namespace {
 
-class ReceivedPkt : public Pkt, public Recycled<ReceivedPkt> {
+class ReceivedPkt : public Pkt, public Recycled< ReceivedPkt > {
  public:
    using Pkt::Pkt;
 };
 
 } // namespace
 
-Korv::Ptr<Pkt> ReceivePool::newPkt( U8 const * bytes, std::size_t size ) {
+Korv::Ptr< Pkt > ReceivePool::newPkt( U8 const * bytes, std::size_t size ) {
    if ( size < frameBytesMin ) {
       return nullptr;
    }

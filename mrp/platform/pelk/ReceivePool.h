@@ -19,7 +19,7 @@ class ReceivePool {
 
    // A packet with these bytes at the front of its buffer and zeros behind them; null for a runt,
    // which has not even a header.
-   Korv::Ptr<Pkt> newPkt( U8 const * bytes, std::size_t size );
+   Korv::Ptr< Pkt > newPkt( U8 const * bytes, std::size_t size );
 
  private:
    // Beyond the buffer's end: a cursor that stands right there can still be read at.

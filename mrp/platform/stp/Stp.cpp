@@ -7,13 +7,13 @@ namespace Stp {
 namespace {
 
 // A record that is missing is made complete and then told of; the record, or null if it was there.
-template <class Child, class... A>
-Child * make( Korv::Entity * parent, Children<Child> & children, Name const & name,
+template < class Child, class... A >
+Child * make( Korv::Entity * parent, Children< Child > & children, Name const & name,
               A const &... values ) {
    if ( children.find( name ) ) {
       return nullptr;
    }
-   Korv::Ptr<Child> const child = new Child( name, values... );
+   Korv::Ptr< Child > const child = new Child( name, values... );
    children.put( parent, child );
    return child.ptr();
 }

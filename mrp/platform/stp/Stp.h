@@ -12,22 +12,22 @@ namespace Stp {
 using Korv::Name;
 
 // The records of one level under one parent, by name.
-template <class Child>
+template < class Child >
 class Children {
  public:
-   Korv::HashMap<Name, Korv::Ptr<Child>> const & byName() const { return byName_; }
+   Korv::HashMap< Name, Korv::Ptr< Child > > const & byName() const { return byName_; }
    Child * find( Name const & name ) const {
       auto const * const found = byName_.find( name );
       return found ? found->ptr() : nullptr;
    }
    // Puts a record in that is not there yet.
-   void put( Korv::Entity * parent, Korv::Ptr<Child> const & child ) {
+   void put( Korv::Entity * parent, Korv::Ptr< Child > const & child ) {
       child->parentIs( parent );
       byName_.insertOrAssign( child->name(), child );
    }
    // The record, out of the map, or null.
-   Korv::Ptr<Child> take( Name const & name ) {
-      Korv::Ptr<Child> const child = find( name );
+   Korv::Ptr< Child > take( Name const & name ) {
+      Korv::Ptr< Child > const child = find( name );
       if ( child ) {
          child->parentIs( nullptr );
          byName_.erase( name );
@@ -44,7 +44,7 @@ class Children {
    }
 
  private:
-   Korv::HashMap<Name, Korv::Ptr<Child>> byName_;
+   Korv::HashMap< Name, Korv::Ptr< Child > > byName_;
 };
 
 // A record is named by its key.
@@ -62,7 +62,7 @@ class MstiPortStatus : public NamedRecord {
 
    MstiPortStatus( Name name, Role role ) : NamedRecord( std::move( name ) ), role_( role ) {}
 
-   class Reactor : public Korv::ReactorOn<MstiPortStatus> {
+   class Reactor : public Korv::ReactorOn< MstiPortStatus > {
     public:
       virtual void onRole() {}
    };
@@ -79,13 +79,13 @@ class MstiStatus : public NamedRecord {
  public:
    using NamedRecord::NamedRecord;
 
-   class Reactor : public Korv::ReactorOn<MstiStatus> {
+   class Reactor : public Korv::ReactorOn< MstiStatus > {
     public:
       // A port has come or gone.
       virtual void onMstiPortStatus( Name const & /* name */ ) {}
    };
 
-   Korv::HashMap<Name, Korv::Ptr<MstiPortStatus>> const & mstiPortStatus() const {
+   Korv::HashMap< Name, Korv::Ptr< MstiPortStatus > > const & mstiPortStatus() const {
       return mstiPortStatus_.byName();
    }
    MstiPortStatus * mstiPortStatus( Name const & name ) const {
@@ -97,20 +97,20 @@ class MstiStatus : public NamedRecord {
    Korv::String8 parentAttrName() const override { return "mstiStatus"; }
 
  private:
-   Children<MstiPortStatus> mstiPortStatus_;
+   Children< MstiPortStatus > mstiPortStatus_;
 };
 
 class StpiStatus : public NamedRecord {
  public:
    using NamedRecord::NamedRecord;
 
-   class Reactor : public Korv::ReactorOn<StpiStatus> {
+   class Reactor : public Korv::ReactorOn< StpiStatus > {
     public:
       // A tree instance has come or gone.
       virtual void onMstiStatus( Name const & /* name */ ) {}
    };
 
-   Korv::HashMap<Name, Korv::Ptr<MstiStatus>> const & mstiStatus() const {
+   Korv::HashMap< Name, Korv::Ptr< MstiStatus > > const & mstiStatus() const {
       return mstiStatus_.byName();
    }
    MstiStatus * mstiStatus( Name const & name ) const { return mstiStatus_.find( name ); }
@@ -119,14 +119,14 @@ class StpiStatus : public NamedRecord {
    Korv::String8 parentAttrName() const override { return "stpiStatus"; }
 
  private:
-   Children<MstiStatus> mstiStatus_;
+   Children< MstiStatus > mstiStatus_;
 };
 
 class Status : public Korv::NamedEntity {
  public:
    using NamedEntity::NamedEntity;
 
-   class Reactor : public Korv::ReactorOn<Status> {
+   class Reactor : public Korv::ReactorOn< Status > {
     public:
       // A protocol instance has come or gone.
       virtual void onStpiStatus( Name const & /* name */ ) {}
@@ -138,7 +138,7 @@ class Status : public Korv::NamedEntity {
    Korv::S32 stpMode() const { return stpMode_; }
    void stpModeIs( Korv::S32 mode ) { set( stpMode_, mode, &Reactor::onStpMode ); }
 
-   Korv::HashMap<Name, Korv::Ptr<StpiStatus>> const & stpiStatus() const {
+   Korv::HashMap< Name, Korv::Ptr< StpiStatus > > const & stpiStatus() const {
       return stpiStatus_.byName();
    }
    StpiStatus * stpiStatus( Name const & name ) const { return stpiStatus_.find( name ); }
@@ -147,7 +147,7 @@ class Status : public Korv::NamedEntity {
 
  private:
    Korv::S32 stpMode_ = 0;
-   Children<StpiStatus> stpiStatus_;
+   Children< StpiStatus > stpiStatus_;
 };
 
 // The name of the tree instance of a VLAN that has a tree of its own: "Vl7".
@@ -158,7 +158,7 @@ std::ostream & operator<<( std::ostream & out, MstiPortStatus::Role role );
 } // namespace Stp
 
 template <>
-struct Korv::EnumNames<Stp::MstiPortStatus::Role> {
+struct Korv::EnumNames< Stp::MstiPortStatus::Role > {
    static constexpr char const * type = "Role";
    static constexpr std::array names{ "unknown", "root",   "designated", "alternate",
                                       "backup",  "master", "disabled" };
