@@ -20,8 +20,8 @@ MrpIntfTypeApplicant * MrpSm::searchType( Pelk::IntfId intfId, U8 attributeType 
    return type;
 }
 
-inline MrpAttrDatabase * MrpSm::lookUp( Pelk::IntfId intfId, U8 attributeType, U64 attributeKey,
-                                        bool useLocalCopy ) const {
+MrpAttrDatabase * MrpSm::mrpGetAttrFromDatabase( Pelk::IntfId intfId, U8 attributeType,
+                                                 U64 attributeKey, bool useLocalCopy ) const {
    if ( useLocalCopy && !addPendingAttr_.empty() ) {
       auto const * const copy =
          addPendingAttr_.find( MrpAttribute( intfId, attributeType, attributeKey ) );
@@ -36,11 +36,6 @@ inline MrpAttrDatabase * MrpSm::lookUp( Pelk::IntfId intfId, U8 attributeType, U
       return nullptr;
    }
    return found;
-}
-
-MrpAttrDatabase * MrpSm::mrpGetAttrFromDatabase( Pelk::IntfId intfId, U8 attributeType,
-                                                 U64 attributeKey, bool useLocalCopy ) const {
-   return lookUp( intfId, attributeType, attributeKey, useLocalCopy );
 }
 
 MrpAttrDatabase * MrpSm::createEntryInDatabase( Pelk::IntfId intfId, U8 attributeType,
@@ -61,17 +56,28 @@ MrpAttrDatabase * MrpSm::mrpAddAttrToDatabase( Pelk::IntfId intfId, U8 attribute
    return attribute;
 }
 
-// The slow half of mrpGetAttribute: looks the attribute up, and remembers it.
+// Looks the attribute up, and remembers it. While nothing is pending the tree is all there is, and
+// the neighbour of the last one the most likely: that is the way of a refresh.
 MrpAttrDatabase * MrpSm::mrpFindAttribute( bool addIfNotFound ) {
    MrpParseContext const & context = *parseContext_;
-   MrpAttrDatabase * attribute = mrpGetAttrFromDatabase( context.intfId(), context.attributeType(),
-                                                         context.attributeKey(), true );
-   if ( !attribute && addIfNotFound ) {
-      attribute = mrpAddAttrToDatabase( context.intfId(), context.attributeType(),
-                                        context.attributeKey(), false );
+   Pelk::IntfId const intfId = context.intfId();
+   U8 const attributeType = context.attributeType();
+   U64 const attributeKey = context.attributeKey();
+   MrpAttrDatabase * attribute = nullptr;
+   if ( addPendingAttr_.empty() && deletePendingAttr_.empty() ) [[likely]] {
+      MrpIntfTypeApplicant const * const type = findType( intfId, attributeType );
+      attribute = type ? type->mrpAttribute( attributeKey ) : nullptr;
+   } else {
+      attribute = mrpGetAttrFromDatabase( intfId, attributeType, attributeKey, true );
    }
-   found_ = { attribute, context.intfId(), context.attributeKey(), membership(),
-              context.attributeType() };
+   if ( !attribute && addIfNotFound ) {
+      attribute = mrpAddAttrToDatabase( intfId, attributeType, attributeKey, false );
+   }
+   found_.attribute = attribute;
+   found_.intfId = intfId;
+   found_.attributeKey = attributeKey;
+   found_.membership = membership();
+   found_.attributeType = attributeType;
    return attribute;
 }
 

@@ -13,6 +13,7 @@ void MrpAttrDatabase::attributeValueIs( U32 index, U8 byte ) {
 }
 
 void MrpAttrDatabase::putEach( void const * bytes, U32 size ) {
+   Korv::Ptr< MrpAttrDatabase > const self( this ); // a watcher may end the attribute
    for ( U32 index = 0; index < size; ++index ) {
       attributeValueIs( index, static_cast< U8 const * >( bytes )[index] );
    }

@@ -24,6 +24,7 @@ class MrpAttrDatabase : public Korv::Entity {
    using MembershipLevel = MrpAttrDatabase;
    // All values but a talker's (25 and 34 bytes) fit inside.
    using AttributeValue = Korv::ByteQueue< 14 >;
+   using AttributeValueMetadata = Korv::ByteQueueMetadata;
 
    // States are 0 after construction, the registrar's mrpIn among them: it is adding the attribute
    // to the database that makes it mrpMt.
@@ -52,7 +53,7 @@ class MrpAttrDatabase : public Korv::Entity {
    U8 attributeValueDeq();
    void attributeValueDel( U32 index );
    void attributeValueDelAll();
-   void attributeValueMetadataIs( Korv::ByteQueueMetadata span );
+   void attributeValueMetadataIs( AttributeValueMetadata span );
    // attributeValueIs for the bytes of a record, from index 0.
    template < class Record >
    void attributeValueAllIs( Record const & record ) {

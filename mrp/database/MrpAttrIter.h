@@ -22,6 +22,7 @@ class MrpAttrIter : public Korv::Notifier {
 
    // By ascending key; the value is true.
    Keys const & attributeKey() const { return attributeKey_; }
+   bool attributeKey( U64 key ) const { return attributeKey_.isMember( key ); }
    void attributeKeyIs( U64 key, bool present ) {
       setMember( attributeKey_, key, present, &Reactor::onAttributeKey );
    }

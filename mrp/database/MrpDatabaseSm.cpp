@@ -38,17 +38,20 @@ void MrpDatabaseSm::doUpdateReviewTimer() {
 }
 
 void MrpDatabaseSm::doReview() {
-   if ( !initialized_ ) {
-      return;
+   if ( initialized_ ) {
+      doWalk();
    }
-   while ( isPending() ) {
-      if ( mrpAttrLogSm_ && mrpAttrLogSm_->isAttrLogOutClogged() ) {
-         // No finished review: the rest waits, and costs no credit.
-         reviewTimer_->timeMinIs( Korv::now() + cloggedDelay );
-         return;
-      }
-      doCommitFirst();
+}
+
+bool MrpDatabaseSm::isClogged() {
+   if ( !mrpAttrLogSm_ || !mrpAttrLogSm_->isAttrLogOutClogged() ) {
+      return false;
    }
+   reviewTimer_->timeMinIs( Korv::now() + cloggedDelay );
+   return true;
+}
+
+void MrpDatabaseSm::handleReviewed() {
    reviewTimer_->lastReviewIs( Korv::now() );
    doUpdateReviewTimer();
 }
@@ -66,13 +69,17 @@ MrpDatabaseAddSm::~MrpDatabaseAddSm() = default;
 
 bool MrpDatabaseAddSm::isPending() const { return !mrpSm()->addPendingAttr().empty(); }
 
-void MrpDatabaseAddSm::doCommitFirst() {
-   auto const first = mrpSm()->addPendingAttr().walk();
-   MrpAttribute const attribute = first.key();
-   Korv::Ptr< MrpAttrDatabase > const copy = first.value();
-   MrpAttrDatabase * const entry = mrpSm()->createEntryInDatabase(
+void MrpDatabaseAddSm::doWalk() { walkPending( mrpSm()->addPendingAttr() ); }
+
+void MrpDatabaseAddSm::doCommit( MrpAttribute const & attribute ) {
+   auto const * const pending = mrpSm()->addPendingAttr().find( attribute );
+   Korv::Ptr< MrpAttrDatabase > const copy = pending ? *pending : nullptr;
+   // Held: the announcement of the entry may end it.
+   Korv::Ptr< MrpAttrDatabase > const entry = mrpSm()->createEntryInDatabase(
       attribute.intfId(), attribute.attributeType(), attribute.attributeVal() );
-   entityCopy_->doCopyEntityAttrs( *entry, *copy, "" );
+   if ( copy ) {
+      entityCopy_->doCopyEntityAttrs( *entry, *copy, "" );
+   }
    mrpSm()->addPendingAttrDel( attribute );
 }
 
@@ -88,8 +95,9 @@ MrpDatabaseDeleteSm::~MrpDatabaseDeleteSm() = default;
 
 bool MrpDatabaseDeleteSm::isPending() const { return !mrpSm()->deletePendingAttr().empty(); }
 
-void MrpDatabaseDeleteSm::doCommitFirst() {
-   MrpAttribute const attribute = mrpSm()->deletePendingAttr().walk().key();
+void MrpDatabaseDeleteSm::doWalk() { walkPending( mrpSm()->deletePendingAttr() ); }
+
+void MrpDatabaseDeleteSm::doCommit( MrpAttribute const & attribute ) {
    MrpApplicationDatabase const * const database =
       mrpSm()->mrpStatus()->application( mrpSm()->mrpLib()->application() );
    MrpIntfApplicant const * const intf =

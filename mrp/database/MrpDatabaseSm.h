@@ -36,8 +36,22 @@ class MrpDatabaseSm : public Korv::PtrInterface {
    void handleInitialized();
 
    virtual bool isPending() const = 0;
-   // Commits the first pending entry and takes it out.
-   virtual void doCommitFirst() = 0;
+   // The review's walk over the machine's pending collection, by walkPending().
+   virtual void doWalk() = 0;
+   // Commits one pending entry and takes it out.
+   virtual void doCommit( MrpAttribute const & attribute ) = 0;
+
+   // In key order, once: an entry that comes meanwhile behind the walk waits for the next review.
+   template < class Pending >
+   void walkPending( Pending const & pending ) {
+      for ( auto entry = pending.walk(); entry; ++entry ) {
+         if ( isClogged() ) {
+            return;
+         }
+         doCommit( entry.key() );
+      }
+      handleReviewed();
+   }
 
    MrpSm * mrpSm() const { return mrpSm_; }
 
@@ -51,6 +65,11 @@ class MrpDatabaseSm : public Korv::PtrInterface {
     private:
       MrpDatabaseSm & sm_;
    };
+
+   // The stream takes no more for now: tries again later, which is no finished review and costs
+   // no credit.
+   bool isClogged();
+   void handleReviewed();
 
    MrpSm * mrpSm_; // the owner
    Korv::Ptr< MrpAttrLogSm > mrpAttrLogSm_;
@@ -67,8 +86,9 @@ class MrpDatabaseAddSm : public MrpDatabaseSm {
 
  protected:
    bool isPending() const override;
+   void doWalk() override;
    // Copies the pending copy onto the tree's entry, which is made or overwritten.
-   void doCommitFirst() override;
+   void doCommit( MrpAttribute const & attribute ) override;
 
  private:
    Korv::Ptr< Cli::Session::EntityCopy > entityCopy_;
@@ -82,8 +102,9 @@ class MrpDatabaseDeleteSm : public MrpDatabaseSm {
 
  protected:
    bool isPending() const override;
+   void doWalk() override;
    // Takes the entry out of the tree and of the index, if the tree still has it.
-   void doCommitFirst() override;
+   void doCommit( MrpAttribute const & attribute ) override;
 };
 
 } // namespace Mrp

@@ -27,6 +27,7 @@ class MrpIntfTypeApplicant : public Korv::Entity {
    using Attributes = Korv::OrderedMap< U64, Korv::Ptr< MrpAttrDatabase > >;
 
    explicit MrpIntfTypeApplicant( U8 attributeType ) : attributeType_( attributeType ) {}
+   ~MrpIntfTypeApplicant() override { childrenLeave( mrpAttribute_ ); }
    U8 attributeType() const { return attributeType_; }
 
    // By ascending key.
@@ -46,7 +47,7 @@ class MrpIntfTypeApplicant : public Korv::Entity {
                                    Korv::children( 259, "mrpAttribute", &C::mrpAttribute,
                                                    &C::mrpAttributeIs, &C::mrpAttributeDel ) );
    }
-   Korv::String8 parentAttrName() const override { return "intfTypeApplicant"; }
+   Korv::String8 parentAttrName() const override { return parent() ? "intfTypeApplicant" : ""; }
 
  protected:
    Korv::String8 keyText() const override { return std::to_string( attributeType_ ); }
@@ -65,6 +66,7 @@ class MrpIntfApplicant : public Korv::Entity {
    using Types = Korv::HashMap< U8, Korv::Ptr< MrpIntfTypeApplicant > >;
 
    explicit MrpIntfApplicant( Pelk::IntfId intfId ) : intfId_( intfId ) {}
+   ~MrpIntfApplicant() override { childrenLeave( intfTypeApplicant_ ); }
    Pelk::IntfId intfId() const { return intfId_; }
 
    Types const & intfTypeApplicant() const { return intfTypeApplicant_; }
@@ -92,7 +94,7 @@ class MrpIntfApplicant : public Korv::Entity {
                                                    &C::intfTypeApplicantIs,
                                                    &C::intfTypeApplicantDel ) );
    }
-   Korv::String8 parentAttrName() const override { return "attrDatabase"; }
+   Korv::String8 parentAttrName() const override { return parent() ? "attrDatabase" : ""; }
 
  protected:
    Korv::String8 keyText() const override { return intfId_.stringValue(); }
@@ -113,6 +115,7 @@ class MrpApplicationDatabase : public Korv::Entity {
    using LeaveAllTimes = Korv::HashMap< MrpLeaveAllKey, Korv::Seconds >;
 
    explicit MrpApplicationDatabase( MrpApplication application ) : mrpApplication_( application ) {}
+   ~MrpApplicationDatabase() override { childrenLeave( attrDatabase_ ); }
    MrpApplication mrpApplication() const { return mrpApplication_; }
 
    Interfaces const & attrDatabase() const { return attrDatabase_; }
@@ -132,6 +135,11 @@ class MrpApplicationDatabase : public Korv::Entity {
 
    // The period chosen last per interface and type, in seconds; kept by the LeaveAll machines.
    LeaveAllTimes const & leaveAllTime() const { return leaveAllTime_; }
+   // 0 if there is none.
+   Korv::Seconds leaveAllTime( MrpLeaveAllKey const & key ) const {
+      Korv::Seconds const * const found = leaveAllTime_.find( key );
+      return found ? *found : 0;
+   }
    void leaveAllTimeIs( MrpLeaveAllKey key, Korv::Seconds period ) {
       setMember( leaveAllTime_, key, period, &Reactor::onLeaveAllTime );
    }
@@ -152,7 +160,7 @@ class MrpApplicationDatabase : public Korv::Entity {
                                    Korv::map( 260, "leaveAllTime", &C::leaveAllTime,
                                               &C::leaveAllTimeIs, &C::leaveAllTimeDel ) );
    }
-   Korv::String8 parentAttrName() const override { return "application"; }
+   Korv::String8 parentAttrName() const override { return parent() ? "application" : ""; }
 
  protected:
    Korv::String8 keyText() const override { return stringValue( mrpApplication_ ); }
@@ -172,6 +180,7 @@ class MrpStatus : public Korv::NamedEntity {
    using Applications = Korv::HashMap< MrpApplication, Korv::Ptr< MrpApplicationDatabase > >;
 
    explicit MrpStatus( Korv::Name name ) : NamedEntity( std::move( name ) ) {}
+   ~MrpStatus() override { childrenLeave( application_ ); }
 
    Applications const & application() const { return application_; }
    MrpApplicationDatabase * application( MrpApplication key ) const {

@@ -53,6 +53,11 @@ void MrpSm::addPendingAttrIs( MrpAttribute const & attribute, Korv::Ptr< MrpAttr
    addPendingAttr_.insertOrAssign( attribute, std::move( copy ) );
 }
 
+MrpAttrDatabase * MrpSm::addPendingAttr( MrpAttribute const & attribute ) const {
+   auto const * const copy = addPendingAttr_.find( attribute );
+   return copy ? copy->ptr() : nullptr;
+}
+
 void MrpSm::addPendingAttrDel( MrpAttribute const & attribute ) {
    ++pendingChanges_;
    addPendingAttr_.erase( attribute );

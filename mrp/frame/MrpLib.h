@@ -50,7 +50,7 @@ class MrpLib : public Korv::Notifier {
 
    // ---- Indications, for the subclass ---------------------------------------------------------
    // All are called synchronously from within a machine: an override that calls back into the
-   // library must leave the parse context as it found it.
+   // library must leave the parse context as it found it, and none may throw.
 
    // An attribute was registered or confirmed; its value stands in the Rx field. True says that
    // the application discarded the join.

@@ -59,8 +59,8 @@ class MrpPamSm : public Korv::PtrInterface {
 
    Korv::Ptr< Interface::EthDevPamCollection > pamCollection_;
    bool standbyMode_;
-   IntfPamSms mrpIntfPamSm_;
-   MrpSm * mrpSm_; // the participant, not owned
+   MrpSm * mrpSm_;           // the participant, not owned
+   IntfPamSms mrpIntfPamSm_; // its machines end before what stands above
    bool initialized_ = false;
    KorvPamCollection korvPamCollection_{ *this };
 };

@@ -18,7 +18,8 @@
 //  3. Between frames mrpRxLeaveAll, mrpParsedAttribute and both key queues are empty.
 //  4. An attribute is in addPendingAttr, or in the tree, or in both (the copy then wins); one in
 //     deletePendingAttr stands in the tree and exists for nobody.
-//  5. mrpAttrIter names every attribute of invariant 4, by interface and type.
+//  5. mrpAttrIter names every attribute of invariant 4 that exists, by interface and type. One that
+//     is marked for deletion may have left it already.
 //
 // The sections below are named after the files that hold the bodies. Read them in the order of
 // receive, machines, database, transmit.
@@ -85,8 +86,9 @@ class MrpSm : public Korv::PtrInterface {
    Korv::Ptr< Mirel::EntityManager > const & em() const { return em_; }
    Korv::Ptr< Stp::Status const > const & stpStatus() const { return stpStatus_; }
 
-   // The agent ends standby by standbyModeIs( false ) and then handleStandbyMode(); nothing
-   // watches the attribute.
+   // The agent ends standby by standbyModeIs( false ) and then handleStandbyMode(), once; nothing
+   // watches the attribute. A further call makes all machines anew and leaves the interfaces
+   // without LeaveAll.
    bool standbyMode() const { return standbyMode_; }
    void standbyModeIs( bool v ) { standbyMode_ = v; }
    void handleStandbyMode();
@@ -184,27 +186,21 @@ class MrpSm : public Korv::PtrInterface {
    void mrpRxLeaveAllDel( U8 attributeType ) { mrpRxLeaveAll_.erase( attributeType ); }
    void mrpRxLeaveAllDelAll() { mrpRxLeaveAll_.clear(); }
    MrpParsedAttributes const & mrpParsedAttribute() const { return mrpParsedAttribute_; }
-   MrpParsedAttribute * mrpParsedAttributeIs( MrpParsedAttributeKey const & key ) {
+   MrpParsedAttribute * mrpParsedAttributeIs( MrpParsedAttributeKey key ) {
       return mrpParsedAttribute_.findOrMake( key );
    }
-   void mrpParsedAttributeDel( MrpParsedAttributeKey const & key ) {
-      mrpParsedAttribute_.erase( key );
-   }
+   void mrpParsedAttributeDel( MrpParsedAttributeKey key ) { mrpParsedAttribute_.erase( key ); }
    void mrpParsedAttributeDelAll() { mrpParsedAttribute_.clear(); }
    ParsedKeys const & mrpParsedAttributeKey() const { return mrpParsedAttributeKey_; }
-   void mrpParsedAttributeKeyEnq( MrpParsedAttributeKey const & key ) {
-      mrpParsedAttributeKey_.enq( key );
-   }
+   void mrpParsedAttributeKeyEnq( MrpParsedAttributeKey key ) { mrpParsedAttributeKey_.enq( key ); }
    MrpParsedAttributeKey mrpParsedAttributeKeyDeq() { return mrpParsedAttributeKey_.deq(); }
    ParsedKeys const & msrpParsedDomainKey() const { return msrpParsedDomainKey_; }
-   void msrpParsedDomainKeyEnq( MrpParsedAttributeKey const & key ) {
-      msrpParsedDomainKey_.enq( key );
-   }
+   void msrpParsedDomainKeyEnq( MrpParsedAttributeKey key ) { msrpParsedDomainKey_.enq( key ); }
    MrpParsedAttributeKey msrpParsedDomainKeyDeq() { return msrpParsedDomainKey_.deq(); }
 
    // ---- receive/ParsedAttributes.cpp: the frame as a whole to the machines --------------------
    void processParsedAttributes( Pelk::IntfId intfId );
-   void processParsedAttribute( MrpParsedAttributeKey const & key, Pelk::IntfId intfId );
+   void processParsedAttribute( MrpParsedAttributeKey key, Pelk::IntfId intfId );
    void fillMrpLibFromSavedValue( Pelk::IntfId intfId, MrpParsedAttribute const & attribute );
    void fillMsrpLibFromSavedValue( Pelk::IntfId intfId, MrpParsedAttribute const & attribute );
    void fillMvrpLibFromSavedValue( Pelk::IntfId intfId, MrpParsedAttribute const & attribute );
@@ -260,10 +256,14 @@ class MrpSm : public Korv::PtrInterface {
    void addAttrToDeletePending( MrpAttribute const & attribute );
 
    AddPending const & addPendingAttr() const { return addPendingAttr_; }
+   MrpAttrDatabase * addPendingAttr( MrpAttribute const & attribute ) const;
    void addPendingAttrIs( MrpAttribute const & attribute, Korv::Ptr< MrpAttrDatabase > copy );
    void addPendingAttrDel( MrpAttribute const & attribute );
    void addPendingAttrDelAll();
    DeletePending const & deletePendingAttr() const { return deletePendingAttr_; }
+   bool deletePendingAttr( MrpAttribute const & attribute ) const {
+      return isDeletePending( attribute );
+   }
    bool isDeletePending( MrpAttribute const & attribute ) const;
    void deletePendingAttrIs( MrpAttribute const & attribute, bool v );
    void deletePendingAttrDel( MrpAttribute const & attribute );
@@ -308,8 +308,6 @@ class MrpSm : public Korv::PtrInterface {
       return pendingChanges_ + Korv::membershipChanges< MrpAttrDatabase > +
              Korv::membershipChanges< Korv::Entity >;
    }
-   [[gnu::always_inline]] MrpAttrDatabase * lookUp( Pelk::IntfId intfId, U8 attributeType,
-                                                    U64 attributeKey, bool useLocalCopy ) const;
    MrpAttrDatabase * mrpFindAttribute( bool addIfNotFound );
    // The node of the type, remembered until one of the levels down to it changes anywhere.
    MrpIntfTypeApplicant * findType( Pelk::IntfId intfId, U8 attributeType ) const {

@@ -17,7 +17,7 @@ void MrpApplicantSm::handleInitialized() {
    initialized_ = true;
 }
 
-void MrpApplicantSm::handleApplicantEvent() {
+[[gnu::flatten]] void MrpApplicantSm::handleApplicantEvent() {
    MrpAttrDatabase const * const attribute = mrpSm_->mrpGetAttribute( true );
    if ( !attribute ) {
       trace( 4, " Memory failed for attrDatabase " );
@@ -54,7 +54,7 @@ void MrpApplicantSm::transition( MrpApplicantState state, MrpApplicantEvent even
    }
 }
 
-void MrpApplicantSm::doSend( ApplicantSends sends ) {
+[[gnu::noinline]] void MrpApplicantSm::doSend( ApplicantSends sends ) {
    switch ( sends ) {
    case ApplicantSends::nothing: break;
    case ApplicantSends::newBoth:

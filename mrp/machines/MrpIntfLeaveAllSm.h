@@ -46,6 +46,7 @@ class MrpIntfLeaveAllSm : public Korv::PtrInterface {
    MrpLeaveAllTimer * leaveAllPending( U8 attrType ) const;
    MrpLeaveAllTimer * leaveAllPendingIs( U8 attrType );
    void leaveAllPendingDel( U8 attrType ) { leaveAllPending_.erase( attrType ); }
+   void leaveAllPendingDelAll() { leaveAllPending_.clear(); }
 
    // A duration from now; the wake-up moves earlier by it and never later.
    void doScheduleLeaveAllTimer( Korv::Seconds expiryTime );

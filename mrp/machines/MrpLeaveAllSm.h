@@ -24,6 +24,11 @@ class MrpLeaveAllSm : public Korv::PtrInterface {
    MrpIntfLeaveAllSm * intfLeaveAllSm( Pelk::IntfId intfId ) const;
    MrpIntfLeaveAllSm * intfLeaveAllSmIs( Pelk::IntfId intfId );
    void intfLeaveAllSmDel( Pelk::IntfId intfId ) { intfLeaveAllSm_.erase( intfId ); }
+   void intfLeaveAllSmDelAll() {
+      for ( auto member = intfLeaveAllSm_.walk(); member; ++member ) {
+         intfLeaveAllSmDel( Pelk::IntfId( member.key() ) );
+      }
+   }
 
    // Posts the pair to every attribute of the type, those marked for deletion left out. Not for a
    // received LeaveAll, which MrpSm::mrpProcessRxLeaveAll applies.

@@ -40,7 +40,8 @@ void MrpLeaveSm::handleLeaveTimer() {
       handleLeavePending( member.key() );
    }
    // By its key out of both collections: the shared machine of a type and the explicit machine of
-   // its attribute 0 have the same key, and the one to fire takes the other along.
+   // its attribute 0 have the same key, and the one to fire takes the other along; what waited on
+   // that one stays in Lv until its next leave.
    mrpSm_->registrarSm()->leaveSmDel( key_ );
    mrpSm_->registrarSm()->explicitLeaveSmDel( key_ );
 }

@@ -34,6 +34,7 @@ class MrpLeaveSm : public Korv::PtrInterface {
       leavePending_.insertOrAssign( attributeKey, v );
    }
    void leavePendingDel( U64 attributeKey ) { leavePending_.erase( attributeKey ); }
+   void leavePendingDelAll() { leavePending_.clear(); }
    bool isLeavePending( U64 attributeKey ) const {
       bool const * const found = leavePending_.find( attributeKey );
       return found && *found;

@@ -39,7 +39,7 @@ void MrpRegistrarSm::handleCfgTimersEnabled() {
    trace( 8, "void Mrp::MrpRegistrarSm::handleCfgTimersEnabled()" );
 }
 
-void MrpRegistrarSm::handleRegistrarEvent() {
+[[gnu::flatten]] void MrpRegistrarSm::handleRegistrarEvent() {
    // Held: an indication may end the attribute.
    Korv::Ptr< MrpAttrDatabase > const attribute = mrpSm_->mrpGetAttribute( false );
    if ( !attribute ) {

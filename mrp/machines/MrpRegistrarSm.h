@@ -62,11 +62,21 @@ class MrpRegistrarSm : public Korv::PtrInterface {
    LeaveSms const & leaveSm() const { return leaveSm_; }
    MrpLeaveSm * leaveSmIs( MrpAttribute const & key ) { return findOrMake( leaveSm_, key ); }
    void leaveSmDel( MrpAttribute const & key ) { leaveSm_.erase( key ); }
+   void leaveSmDelAll() {
+      for ( auto member = leaveSm_.walk(); member; ++member ) {
+         leaveSmDel( MrpAttribute( member.key() ) );
+      }
+   }
    LeaveSms const & explicitLeaveSm() const { return explicitLeaveSm_; }
    MrpLeaveSm * explicitLeaveSmIs( MrpAttribute const & key ) {
       return findOrMake( explicitLeaveSm_, key );
    }
    void explicitLeaveSmDel( MrpAttribute const & key ) { explicitLeaveSm_.erase( key ); }
+   void explicitLeaveSmDelAll() {
+      for ( auto member = explicitLeaveSm_.walk(); member; ++member ) {
+         explicitLeaveSmDel( MrpAttribute( member.key() ) );
+      }
+   }
 
    // The participant's periodic transmit opportunity, each 0.1 seconds, gated by nothing.
    void handleTxTimer();

@@ -13,14 +13,14 @@ void MrpParsedAttribute::putEach( void const * bytes, U32 size ) {
 }
 
 // A record that somebody else still holds is left to them.
-void MrpParsedAttributes::replaceRecord( MrpParsedAttributeKey const & key ) {
+void MrpParsedAttributes::replaceRecord( MrpParsedAttributeKey key ) {
    if ( size_ == records_.size() ) {
       records_.emplace_back();
    }
    records_[size_] = new MrpParsedAttribute( key );
 }
 
-MrpParsedAttribute * MrpParsedAttributes::search( MrpParsedAttributeKey const & key ) const {
+MrpParsedAttribute * MrpParsedAttributes::search( MrpParsedAttributeKey key ) const {
    std::size_t const at = locate( key );
    if ( at == nowhere ) {
       return nullptr;
@@ -29,7 +29,7 @@ MrpParsedAttribute * MrpParsedAttributes::search( MrpParsedAttributeKey const & 
    return records_[at].ptr();
 }
 
-std::size_t MrpParsedAttributes::locate( MrpParsedAttributeKey const & key ) const {
+std::size_t MrpParsedAttributes::locate( MrpParsedAttributeKey key ) const {
    if ( !isSorted_ ) {
       U32 const found = index_[slotOf( key )];
       return found == 0 ? nowhere : found - 1;
@@ -44,7 +44,7 @@ std::size_t MrpParsedAttributes::locate( MrpParsedAttributeKey const & key ) con
 }
 
 // The index slot that holds the key, or the free one where it would go.
-std::size_t MrpParsedAttributes::slotOf( MrpParsedAttributeKey const & key ) const {
+std::size_t MrpParsedAttributes::slotOf( MrpParsedAttributeKey key ) const {
    std::size_t const mask = index_.size() - 1;
    std::size_t slot = Korv::spread( key ) & mask;
    while ( index_[slot] != 0 && records_[index_[slot] - 1]->key() != key ) {
@@ -54,7 +54,7 @@ std::size_t MrpParsedAttributes::slotOf( MrpParsedAttributeKey const & key ) con
 }
 
 // A key that does not come behind all before it.
-MrpParsedAttribute * MrpParsedAttributes::findOrInsert( MrpParsedAttributeKey const & key ) {
+MrpParsedAttribute * MrpParsedAttributes::findOrInsert( MrpParsedAttributeKey key ) {
    std::size_t const at = locate( key );
    if ( at != nowhere ) {
       return records_[at].ptr();
@@ -69,7 +69,7 @@ MrpParsedAttribute * MrpParsedAttributes::findOrInsert( MrpParsedAttributeKey co
    return record;
 }
 
-void MrpParsedAttributes::erase( MrpParsedAttributeKey const & key ) {
+void MrpParsedAttributes::erase( MrpParsedAttributeKey key ) {
    std::size_t const at = locate( key );
    if ( at == nowhere ) {
       return;

@@ -62,20 +62,20 @@ class MrpParsedAttribute : public Korv::PtrInterface {
 class MrpParsedAttributes {
  public:
    std::size_t size() const { return size_; }
-   bool isMember( MrpParsedAttributeKey const & key ) const { return find( key ) != nullptr; }
-   MrpParsedAttribute * find( MrpParsedAttributeKey const & key ) const {
+   bool isMember( MrpParsedAttributeKey key ) const { return find( key ) != nullptr; }
+   MrpParsedAttribute * find( MrpParsedAttributeKey key ) const {
       if ( last_ + 1 < size_ && records_[last_ + 1]->key_ == key ) {
          return records_[++last_].ptr();
       }
       return search( key );
    }
-   MrpParsedAttribute * findOrMake( MrpParsedAttributeKey const & key ) {
+   MrpParsedAttribute * findOrMake( MrpParsedAttributeKey key ) {
       if ( isSorted_ && ( size_ == 0 || records_[size_ - 1]->key_ < key ) ) {
          return append( key );
       }
       return findOrInsert( key );
    }
-   void erase( MrpParsedAttributeKey const & key );
+   void erase( MrpParsedAttributeKey key );
    void clear();
 
  private:
@@ -83,7 +83,7 @@ class MrpParsedAttributes {
    static constexpr std::size_t nowhere = ~std::size_t{ 0 };
 
    // The next waiting record, made new.
-   MrpParsedAttribute * append( MrpParsedAttributeKey const & key ) {
+   MrpParsedAttribute * append( MrpParsedAttributeKey key ) {
       if ( size_ == records_.size() || records_[size_]->references() > 1 ) {
          replaceRecord( key );
       }
@@ -93,11 +93,11 @@ class MrpParsedAttributes {
       record.attributeValue_.clear();
       return &record;
    }
-   void replaceRecord( MrpParsedAttributeKey const & key );
-   MrpParsedAttribute * search( MrpParsedAttributeKey const & key ) const;
-   MrpParsedAttribute * findOrInsert( MrpParsedAttributeKey const & key );
-   std::size_t locate( MrpParsedAttributeKey const & key ) const;
-   std::size_t slotOf( MrpParsedAttributeKey const & key ) const;
+   void replaceRecord( MrpParsedAttributeKey key );
+   MrpParsedAttribute * search( MrpParsedAttributeKey key ) const;
+   MrpParsedAttribute * findOrInsert( MrpParsedAttributeKey key );
+   std::size_t locate( MrpParsedAttributeKey key ) const;
+   std::size_t slotOf( MrpParsedAttributeKey key ) const;
    void rebuildIndex();
 
    std::vector< Korv::Ptr< MrpParsedAttribute > > records_;

@@ -13,6 +13,8 @@
 
 namespace Mrp {
 
+// Flattened, as the decoder's and the machines' doors are: a refresh of thousands of attributes
+// runs through here, and its calls would cost more than its work.
 [[gnu::flatten]] void MrpSm::processParsedAttributes( Pelk::IntfId intfId ) {
    trace( 8, "MrpSm::processedParsedAttributes( ", intfId, " )" );
    // One draw for the whole frame.
@@ -43,7 +45,7 @@ namespace Mrp {
    mrpParsedAttributeDelAll();
 }
 
-void MrpSm::processParsedAttribute( MrpParsedAttributeKey const & key, Pelk::IntfId intfId ) {
+void MrpSm::processParsedAttribute( MrpParsedAttributeKey key, Pelk::IntfId intfId ) {
    MrpParsedAttribute const * const record = mrpParsedAttribute_.find( key );
    if ( !record ) {
       return;
@@ -73,7 +75,7 @@ void MrpSm::fillMrpLibFromSavedValue( Pelk::IntfId intfId, MrpParsedAttribute co
 namespace {
 
 // The received value becomes the value to send.
-bool fillBoth( MrpLib & lib, MrpApplication application, MrpParsedAttribute const & attribute ) {
+void fillBoth( MrpLib & lib, MrpApplication application, MrpParsedAttribute const & attribute ) {
    bool const known =
       withAttributeKind( application, attribute.key().attributeType(), [&]( auto kind ) {
          using Kind = decltype( kind );
@@ -85,7 +87,6 @@ bool fillBoth( MrpLib & lib, MrpApplication application, MrpParsedAttribute cons
    if ( !known ) {
       trace( 8, " valueSize = 0!! " );
    }
-   return known;
 }
 
 } // namespace

@@ -15,8 +15,8 @@ namespace {
 constexpr std::size_t frameBytes = 60;
 
 // Over a received frame of bytes 1, 2, 3 ...: data at the front of the buffer, no room before it.
-Korv::Ptr<Pkt> countingPkt() {
-   std::vector<U8> frame( frameBytes );
+Korv::Ptr< Pkt > countingPkt() {
+   std::vector< U8 > frame( frameBytes );
    std::iota( frame.begin(), frame.end(), U8{ 1 } );
    return receivePool().newPkt( frame.data(), frame.size() );
 }
@@ -39,8 +39,8 @@ TEST( Pkt, frontMovesOverWhatHasBeenRead ) {
 TEST( Pkt, readingBeyondTheDataWrapsItsLengthAndGoesOnInTheBuffer ) {
    auto const pkt = countingPkt();
    pkt->delSharedHeadData( frameBytes + 3 );
-   EXPECT_EQ( pkt->bytes(), static_cast<std::size_t>( -3 ) );
-   EXPECT_EQ( pkt->frontBytes(), static_cast<std::size_t>( -3 ) );
+   EXPECT_EQ( pkt->bytes(), static_cast< std::size_t >( -3 ) );
+   EXPECT_EQ( pkt->frontBytes(), static_cast< std::size_t >( -3 ) );
    EXPECT_EQ( *pkt->frontData(), 0 );
 
    pkt->delSharedHeadData( 65'535 ); // still 8,192 - 3 bytes before the end
@@ -55,12 +55,12 @@ TEST( Pkt, newHeadTakesTheRoomBeforeTheData ) {
    auto const pkt = globalPktManager().newPkt();
    pkt->newSharedHeadData( 1500 );
    U8 * const body = pkt->frontData();
-   body[ 0 ] = 7;
+   body[0] = 7;
 
    pkt->newSharedHeadData( 15 );
    EXPECT_EQ( pkt->frontData() + 15, body );
    EXPECT_EQ( pkt->frontBytes(), 1515u );
-   EXPECT_EQ( pkt->frontData()[ 15 ], 7 );
+   EXPECT_EQ( pkt->frontData()[15], 7 );
 }
 
 TEST( Pkt, newHeadWithoutRoomMovesTheDataToTheEndOfALargerBuffer ) {
@@ -75,16 +75,16 @@ TEST( Pkt, newHeadWithoutRoomMovesTheDataToTheEndOfALargerBuffer ) {
    auto const & buffer = *pkt->sharedBuffer();
    EXPECT_EQ( buffer.size(), size + 5 );
    EXPECT_EQ( buffer.room() + buffer.dataBytes(), buffer.size() );
-   std::vector<U8> expected( frameBytes + 5 );
+   std::vector< U8 > expected( frameBytes + 5 );
    std::iota( expected.begin() + 5, expected.end(), U8{ 1 } );
-   EXPECT_EQ( std::vector<U8>( pkt->frontData(), pkt->frontData() + pkt->bytes() ), expected );
+   EXPECT_EQ( std::vector< U8 >( pkt->frontData(), pkt->frontData() + pkt->bytes() ), expected );
 }
 
 TEST( Pkt, tailIsCut ) {
    auto const pkt = countingPkt();
    pkt->delSharedTailData( 40 );
    EXPECT_EQ( pkt->frontBytes(), 20u );
-   EXPECT_EQ( pkt->frontData()[ 19 ], 20 );
+   EXPECT_EQ( pkt->frontData()[19], 20 );
    pkt->delSharedTailData( 20 );
    EXPECT_EQ( pkt->bytes(), 0u );
    EXPECT_DEATH( pkt->delSharedTailData( 1 ),
@@ -92,7 +92,7 @@ TEST( Pkt, tailIsCut ) {
 }
 
 TEST( Pkt, withoutBufferHasNoBytesAndNoSharedPart ) {
-   Korv::Ptr<Pkt> const pkt = new Pkt;
+   Korv::Ptr< Pkt > const pkt = new Pkt;
    EXPECT_EQ( pkt->bytes(), 0u );
    EXPECT_EQ( pkt->frontBytes(), 0u );
    EXPECT_EQ( pkt->frontData(), nullptr );
@@ -104,14 +104,14 @@ TEST( Pkt, withoutBufferHasNoBytesAndNoSharedPart ) {
 
 TEST( Pkt, privateHeadGoesAheadOfTheSharedPart ) {
    auto const pkt = countingPkt();
-   U8 head[ 4 ] = { 9, 9, 9, 9 };
+   U8 head[4] = { 9, 9, 9, 9 };
    pkt->privateHeadIs( head, sizeof head );
    EXPECT_EQ( pkt->frontData(), head );
    EXPECT_EQ( pkt->frontBytes(), 4u );
    pkt->delSharedHeadData( 10 );
    EXPECT_EQ( pkt->bytes(), 4u + frameBytes - 10 );
    EXPECT_EQ( pkt->iovecs().size(), 2u );
-   EXPECT_EQ( *pkt->iovecs()[ 1 ].data, 11 );
+   EXPECT_EQ( *pkt->iovecs()[1].data, 11 );
 }
 
 TEST( PktManager, limitsThePacketsThatLive ) {

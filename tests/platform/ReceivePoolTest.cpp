@@ -8,8 +8,8 @@
 namespace Pelk {
 namespace {
 
-Korv::Ptr<Pkt> received( ReceivePool & pool, std::size_t size, U8 fill = 0xff ) {
-   std::vector<U8> const frame( size, fill );
+Korv::Ptr< Pkt > received( ReceivePool & pool, std::size_t size, U8 fill = 0xff ) {
+   std::vector< U8 > const frame( size, fill );
    return pool.newPkt( frame.data(), frame.size() );
 }
 

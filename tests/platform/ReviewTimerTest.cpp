@@ -12,7 +12,7 @@
 namespace Dovr {
 namespace {
 
-using Times = std::vector<Seconds>;
+using Times = std::vector< Seconds >;
 
 // A machine that reviews: it finishes each review, unless it is told that it cannot.
 class ReviewTimerTest : public testing::Test {
@@ -125,29 +125,31 @@ TEST_F( ReviewTimerTest, setsItsFourNumbers ) {
 
 // At one and the same time: the wheel's tick, then reviews, then input from outside.
 TEST_F( ReviewTimerTest, comesBetweenTheTickAndTheOutside ) {
-   std::vector<std::string> order;
+   std::vector< std::string > order;
    struct Outside : Korv::Clock::Reactor {
-      Outside( Korv::Ptr<Korv::Clock> clock, std::function<void()> f )
+      Outside( Korv::Ptr< Korv::Clock > clock, std::function< void() > f )
          : Reactor( std::move( clock ), Korv::Clock::Rank::outside ), action( std::move( f ) ) {}
       void onTime() override { action(); }
-      std::function<void()> action;
-   } outside( activity.clock(), [ & ] { order.emplace_back( "outside" ); } );
-   Korv::Ptr<TimerWheel> const wheel =
+      std::function< void() > action;
+   } outside( activity.clock(), [&] { order.emplace_back( "outside" ); } );
+   Korv::Ptr< TimerWheel > const wheel =
       new TimerWheel( nullptr, activity.clock(), 100, 60000, true, 1024 );
    struct Tick : TimerWheel::Reactor {
-      Tick( Korv::Ptr<TimerWheel> w, std::function<void()> f )
+      Tick( Korv::Ptr< TimerWheel > w, std::function< void() > f )
          : Reactor( std::move( w ) ), action( std::move( f ) ) {}
       void onTime() override { action(); }
-      std::function<void()> action;
-   } tick( wheel, [ & ] { order.emplace_back( reviews.empty() ? "tick" : "tick too late" ); } );
+      std::function< void() > action;
+   } tick( wheel, [&] { order.emplace_back( reviews.empty() ? "tick" : "tick too late" ); } );
 
    activity.advanceTo( 0.2 );
    outside.timeMinIs( 0.3 );
    timer.doUpdateNextReview(); // at 0.2 + 0.1, which is no 0.3 unless one takes care
    tick.timeMinIs( 0.3 );
-   outside.action = [ & ] { order.emplace_back( reviews.empty() ? "outside too early" : "outside" ); };
+   outside.action = [&] {
+      order.emplace_back( reviews.empty() ? "outside too early" : "outside" );
+   };
    activity.advanceTo( 0.3 );
-   EXPECT_EQ( order, ( std::vector<std::string>{ "tick", "outside" } ) );
+   EXPECT_EQ( order, ( std::vector< std::string >{ "tick", "outside" } ) );
    EXPECT_EQ( reviews, Times{ 0.3 } );
 }
 

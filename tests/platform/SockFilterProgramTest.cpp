@@ -9,17 +9,18 @@
 namespace Pelk {
 namespace {
 
-using Frame = std::vector<U8>;
+using Frame = std::vector< U8 >;
 
 // To 01:80:c2:00:00:21, of type 0x88f5, untagged or behind one tag.
 constexpr SockFilterInstruction mvrp[] = {
-   { 0x20, 0, 0, 2 },      { 0x15, 0, 8, 0xc2000021 }, { 0x28, 0, 0, 0 },  { 0x15, 0, 6, 0x0180 },
-   { 0x28, 0, 0, 12 },     { 0x15, 3, 0, 0x88f5 },     { 0x15, 0, 3, 0x8100 }, { 0x28, 0, 0, 16 },
-   { 0x15, 0, 1, 0x88f5 }, { 0x06, 0, 0, 0xffff },     { 0x06, 0, 0, 0 },
+   { 0x20, 0, 0, 2 },      { 0x15, 0, 8, 0xc2000021 }, { 0x28, 0, 0, 0 },
+   { 0x15, 0, 6, 0x0180 }, { 0x28, 0, 0, 12 },         { 0x15, 3, 0, 0x88f5 },
+   { 0x15, 0, 3, 0x8100 }, { 0x28, 0, 0, 16 },         { 0x15, 0, 1, 0x88f5 },
+   { 0x06, 0, 0, 0xffff }, { 0x06, 0, 0, 0 },
 };
 SockFilterProgram const program( 11, mvrp );
 
-Frame frame( std::initializer_list<U8> fromByte12, U8 lastOfAddress = 0x21,
+Frame frame( std::initializer_list< U8 > fromByte12, U8 lastOfAddress = 0x21,
              U8 firstOfAddress = 0x01 ) {
    Frame bytes{ firstOfAddress, 0x80, 0xc2, 0, 0, lastOfAddress, 2, 0, 0, 0, 0, 1 };
    bytes.insert( bytes.end(), fromByte12 );
@@ -50,18 +51,18 @@ TEST( SockFilterProgram, rejectsAFrameThatEndsBeforeALoad ) {
 
 TEST( SockFilterProgram, rejectsWhatItCannotRun ) {
    Frame const bytes( 60 );
-   auto accepts = [ & ]( std::vector<SockFilterInstruction> const & steps ) {
-      return SockFilterProgram( static_cast<U16>( steps.size() ), steps.data() )
+   auto accepts = [&]( std::vector< SockFilterInstruction > const & steps ) {
+      return SockFilterProgram( static_cast< U16 >( steps.size() ), steps.data() )
          .accepts( bytes.data(), bytes.size() );
    };
    SockFilterInstruction const accept{ 0x06, 0, 0, 1 };
    EXPECT_TRUE( accepts( {} ) ); // no program holds nothing back
    EXPECT_TRUE( accepts( { accept } ) );
-   EXPECT_FALSE( accepts( { { 0x30, 0, 0, 0 }, accept } ) );             // a code of no use here
-   EXPECT_FALSE( accepts( { { 0x28, 0, 0, 0 } } ) );                     // runs out
-   EXPECT_FALSE( accepts( { { 0x15, 9, 9, 0 }, accept } ) );             // jumps out
-   EXPECT_FALSE( accepts( { { 0x28, 0, 0, 0xffffffff }, accept } ) );    // no wrap-around
-   EXPECT_TRUE( accepts( { { 0x20, 0, 0, 56 }, accept } ) );             // the last four bytes
+   EXPECT_FALSE( accepts( { { 0x30, 0, 0, 0 }, accept } ) );          // a code of no use here
+   EXPECT_FALSE( accepts( { { 0x28, 0, 0, 0 } } ) );                  // runs out
+   EXPECT_FALSE( accepts( { { 0x15, 9, 9, 0 }, accept } ) );          // jumps out
+   EXPECT_FALSE( accepts( { { 0x28, 0, 0, 0xffffffff }, accept } ) ); // no wrap-around
+   EXPECT_TRUE( accepts( { { 0x20, 0, 0, 56 }, accept } ) );          // the last four bytes
    EXPECT_FALSE( accepts( { { 0x20, 0, 0, 57 }, accept } ) );
 }
 
@@ -71,7 +72,8 @@ TEST( EthHdr, writesAndReadsTheFrontOfAFrame ) {
    hdr.dstIs( EthAddr( "01:80:c2:00:00:21" ) );
    hdr.srcIs( EthAddr( "02:00:00:00:00:01" ) );
    hdr.typeOrLenIs( 0x88f5 );
-   EXPECT_EQ( bytes, Frame( { 0x01, 0x80, 0xc2, 0, 0, 0x21, 2, 0, 0, 0, 0, 1, 0x88, 0xf5, 0xee } ) );
+   EXPECT_EQ( bytes,
+              Frame( { 0x01, 0x80, 0xc2, 0, 0, 0x21, 2, 0, 0, 0, 0, 1, 0x88, 0xf5, 0xee } ) );
    EXPECT_EQ( hdr.dst(), EthAddr( "01:80:c2:00:00:21" ) );
    EXPECT_EQ( hdr.src(), EthAddr( "02:00:00:00:00:01" ) );
    EXPECT_EQ( hdr.typeOrLen(), 0x88f5 );

@@ -28,22 +28,18 @@ class TimerWheelTest : public testing::Test {
             own();
          }
       }
-      std::function<void()> action;
+      std::function< void() > action;
 
     private:
       TimerWheelTest & test_;
       std::string name_;
    };
-   using Names = std::vector<std::string>;
-   using Times = std::vector<Seconds>;
-
-   void wheelIs( Seconds madeAt ) {
-      activity.advanceTo( madeAt );
-      wheel = new TimerWheel( nullptr, activity.clock(), 100, 60000, true, 1024 );
-   }
+   using Names = std::vector< std::string >;
+   using Times = std::vector< Seconds >;
 
    Memory::VirtualActivity activity;
-   Korv::Ptr<TimerWheel> wheel = new TimerWheel( nullptr, activity.clock(), 100, 60000, true, 1024 );
+   Korv::Ptr< TimerWheel > wheel =
+      new TimerWheel( nullptr, activity.clock(), 100, 60000, true, 1024 );
    Names fired;
    Times times;
 };
@@ -54,14 +50,14 @@ TEST_F( TimerWheelTest, firesAtTheFirstTickAtOrAfterTheTime ) {
    } const table[] = {
       { 0, 0, 0.1, 0.1 },
       { 0, 0, 0.11, 0.2 },
-      { 0, 0, 0, 0.1 },          // the tick of the making is over
+      { 0, 0, 0, 0.1 }, // the tick of the making is over
       { 0, 0, -5, 0.1 },
-      { 0, 0.25, 0.1, 0.3 },     // in the past
-      { 0, 0.3, 0.3, 0.4 },      // the tick of now is over
+      { 0, 0.25, 0.1, 0.3 }, // in the past
+      { 0, 0.3, 0.3, 0.4 },  // the tick of now is over
       { 0, 0.3, 0.3 + 0.1, 0.4 },
       { 0, 0.35, 0.35 + 0.6, 1 },
       { 0, 0.1, 0.1 + 0.2, 0.3 }, // a sum that is a hair above
-      { 0, 0, 0.3000009, 0.3 },  // within the tolerance
+      { 0, 0, 0.3000009, 0.3 },   // within the tolerance
       { 0, 0, 0.3000011, 0.4 },
       { 0, 0, 123456.7, 123456.7 },
       { 0.75, 0.75, 1.1, 1.15 }, // ticks count from the making
@@ -99,7 +95,7 @@ TEST_F( TimerWheelTest, timersOfOneTickFireInTheOrderOfTheirLatestArming ) {
 TEST_F( TimerWheelTest, armedInATickForItOrBeforeFiresAtTheNext ) {
    Timer first( *this, "first" ), same( *this, "same" ), past( *this, "past" ),
       next( *this, "next" );
-   first.action = [ & ] {
+   first.action = [&] {
       first.action = nullptr;
       next.timeMinIs( Korv::now() + 0.1 );
       past.timeMinIs( 0.02 );
@@ -115,7 +111,7 @@ TEST_F( TimerWheelTest, armedInATickForItOrBeforeFiresAtTheNext ) {
 
 TEST_F( TimerWheelTest, periodicTimerStaysOnItsTicks ) {
    Timer timer( *this, "timer" );
-   timer.action = [ & ] { timer.timeMinIs( Korv::now() + 0.1 ); };
+   timer.action = [&] { timer.timeMinIs( Korv::now() + 0.1 ); };
    timer.timeMinIs( Korv::now() + 0.1 );
    activity.advanceTo( 100 );
    EXPECT_EQ( times.size(), 1000u );
@@ -128,7 +124,7 @@ TEST_F( TimerWheelTest, takenBackItDoesNotFire ) {
       timer->timeMinIs( 0.1 );
    }
    never.timeMinIs( Korv::never );
-   infinite.timeMinIs( std::numeric_limits<double>::infinity() );
+   infinite.timeMinIs( std::numeric_limits< double >::infinity() );
    far.timeMinIs( 1e300 );
    {
       Timer gone( *this, "gone" );
@@ -145,20 +141,20 @@ TEST_F( TimerWheelTest, takenBackItDoesNotFire ) {
 }
 
 TEST_F( TimerWheelTest, aTimerMayDestroyOthersAndItselfAndLetGoOfTheWheel ) {
-   auto a = std::make_unique<Timer>( *this, "a" );
-   auto b = std::make_unique<Timer>( *this, "b" );
-   auto c = std::make_unique<Timer>( *this, "c" );
+   auto a = std::make_unique< Timer >( *this, "a" );
+   auto b = std::make_unique< Timer >( *this, "b" );
+   auto c = std::make_unique< Timer >( *this, "c" );
    Timer d( *this, "d" );
    for ( Timer * const timer : { a.get(), b.get(), c.get(), &d } ) {
       timer->timeMinIs( 0.1 );
    }
-   a->action = [ & ] {
+   a->action = [&] {
       c = nullptr;
       d.timeMinIs( 0.5 );
       wheel = nullptr;
    };
-   b->action = [ &b ] { b = nullptr; };
-   d.action = [ &a ] { a = nullptr; };
+   b->action = [&b] { b = nullptr; };
+   d.action = [&a] { a = nullptr; };
    activity.advanceTo( 1 );
    EXPECT_EQ( fired, ( Names{ "a", "b", "d" } ) );
    EXPECT_EQ( times, ( Times{ 0.1, 0.1, 0.5 } ) );
@@ -182,7 +178,7 @@ TEST_F( TimerWheelTest, lateTicksComeInOrderAndOnce ) {
    b.timeMinIs( 0.2 );
    a.timeMinIs( 0.1 );
    c.timeMinIs( 0.5 );
-   a.action = [ & ] { late.timeMinIs( 0.3 ); };
+   a.action = [&] { late.timeMinIs( 0.3 ); };
    activity.clock()->nowIs( 0.47 );
    while ( activity.clock()->doFireNext() ) {
    }
@@ -209,42 +205,42 @@ TEST_F( TimerWheelTest, wakesUpOnlyForTicksThatHoldTimers ) {
 TEST_F( TimerWheelTest, agreesWithAListUnderRandomUse ) {
    constexpr int timers = 40;
    std::mt19937 random( 1 );
-   auto below = [ & ]( int n ) { return static_cast<int>( random() % static_cast<U32>( n ) ); };
+   auto below = [&]( int n ) { return static_cast< int >( random() % static_cast< U32 >( n ) ); };
 
    struct Asked {
       long tick = 0; // 0: not armed
       long arming = 0;
       Seconds time = Korv::never;
    };
-   std::vector<Asked> asked( timers );
-   std::vector<std::unique_ptr<Timer>> all;
+   std::vector< Asked > asked( timers );
+   std::vector< std::unique_ptr< Timer > > all;
    long armings = 0;
    long nowMicros = 0;
    long runningTick = 0;
 
-   auto arm = [ & ]( int i ) {
+   auto arm = [&]( int i ) {
       long const micros = nowMicros + ( below( 30 ) - 5 ) * ( below( 2 ) ? 100'000 : 12'345 );
       bool const off = below( 5 ) == 0;
-      Seconds const time = off ? Korv::never : static_cast<Seconds>( micros ) / 1e6;
-      Asked & a = asked[ static_cast<std::size_t>( i ) ];
+      Seconds const time = off ? Korv::never : static_cast< Seconds >( micros ) / 1e6;
+      Asked & a = asked[static_cast< std::size_t >( i )];
       if ( time != a.time ) {
          long const tick = ( std::max( 0L, micros ) + 99'999 ) / 100'000;
          long const done = runningTick ? runningTick : nowMicros / 100'000;
          a = { off ? 0 : std::max( tick, done + 1 ), ++armings, time };
       }
-      all[ static_cast<std::size_t>( i ) ]->timeMinIs( time );
+      all[static_cast< std::size_t >( i )]->timeMinIs( time );
    };
    for ( int i = 0; i < timers; ++i ) {
-      all.push_back( std::make_unique<Timer>( *this, std::to_string( i ) ) );
-      all.back()->action = [ &, i ] {
-         Asked & a = asked[ static_cast<std::size_t>( i ) ];
+      all.push_back( std::make_unique< Timer >( *this, std::to_string( i ) ) );
+      all.back()->action = [&, i] {
+         Asked & a = asked[static_cast< std::size_t >( i )];
          runningTick = a.tick;
          nowMicros = runningTick * 100'000;
          for ( Asked const & other : asked ) {
-            EXPECT_FALSE( other.tick && std::pair( other.tick, other.arming ) <
-                                           std::pair( a.tick, a.arming ) );
+            EXPECT_FALSE( other.tick &&
+                          std::pair( other.tick, other.arming ) < std::pair( a.tick, a.arming ) );
          }
-         EXPECT_EQ( Korv::now(), static_cast<Seconds>( nowMicros ) / 1e6 );
+         EXPECT_EQ( Korv::now(), static_cast< Seconds >( nowMicros ) / 1e6 );
          a = {};
          for ( int n = below( 3 ); n > 0; --n ) {
             arm( below( timers ) );
@@ -255,7 +251,7 @@ TEST_F( TimerWheelTest, agreesWithAListUnderRandomUse ) {
       arm( below( timers ) );
       arm( below( timers ) );
       long const target = nowMicros + below( 3 ) * 50'000;
-      activity.advanceTo( static_cast<Seconds>( target ) / 1e6 );
+      activity.advanceTo( static_cast< Seconds >( target ) / 1e6 );
       runningTick = 0;
       nowMicros = target;
       for ( Asked const & a : asked ) {

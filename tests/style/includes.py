@@ -18,7 +18,7 @@ ROOMS = [
     ("mrp/", ["mrp/"]),
     ("command/", ["mrp/", "command/"]),
     ("examples/", ["mrp/"]),
-    ("bench/", ["mrp/", "bench/"]),
+    ("bench/", ["mrp/", "bench/", "tests/support/"]),
     ("tests/", ["mrp/", "command/", "tests/"]),
 ]
 

@@ -71,16 +71,20 @@ class ByteQueue {
    }
 
    // Writes one slot: in the span, right behind it or right before it; an empty queue starts at
-   // the slot. True if that changed something. The caller has checked that the slot exists.
+   // the slot. False if there is nothing to tell: a slot numbered below the count, which for a span
+   // from slot 0 is any slot of it, holds the byte already. The caller has checked that the slot
+   // exists.
    bool put( U32 slot, U8 byte ) {
+      if ( slot < count_ && at( slot ) == byte ) {
+         return false;
+      }
       if ( count_ == 0 ) {
          head_ = static_cast< U8 >( slot );
       }
       U32 const i = offset( slot );
       if ( i < count_ ) {
-         bool const changes = data()[i] != byte;
          data()[i] = byte;
-         return changes;
+         return true;
       }
       if ( i == count_ ) {
          enq( byte );
@@ -147,7 +151,9 @@ class ByteQueue {
       } else if ( i + 1u == count_ ) {
          dropLast();
       } else {
-         return put( slot, 0 );
+         bool const changes = data()[i] != 0;
+         data()[i] = 0;
+         return changes;
       }
       return true;
    }
@@ -168,7 +174,7 @@ class ByteQueue {
          kept[i] = at( ( span.head + i ) % byteQueueSlots );
       }
       clear();
-      head_ = span.head;
+      head_ = static_cast< U8 >( span.head % byteQueueSlots );
       for ( U32 i = 0; i < span.count; ++i ) {
          appendSlot() = kept[i];
       }

@@ -11,8 +11,9 @@ namespace Korv {
 // Raised by each change of membership among the children of a level of a tree, anywhere in the
 // process: whoever remembers a place in a tree of entities compares. A class of children that
 // wants a count of its own names itself as its MembershipLevel.
+// One for the process also where a library and its user hide their symbols from each other.
 template < class Level >
-inline U64 membershipChanges = 0;
+[[gnu::visibility( "default" )]] inline U64 membershipChanges = 0;
 
 // The generic attributes of a published entity are name, fullName, parent, parentAttrName and
 // entity (the object itself). A root entity has a name and stores it; a child is identified by its
@@ -64,8 +65,9 @@ class Entity : public Notifier {
          return found;
       }
       auto * const made = newChild( children, key );
+      Ptr const held( made ); // the announcement may end it
       notify( on, key );
-      return made;
+      return childAt( children, key );
    }
    template < class Map, class K, class On >
    void childDel( Map & children, K const & key, On on ) {
@@ -79,6 +81,13 @@ class Entity : public Notifier {
       children.erase( key );
       child->parentIs( nullptr );
       notify( on, key );
+   }
+   // For a parent's destructor: children that a reader still holds have no parent any more.
+   template < class Map >
+   static void childrenLeave( Map const & children ) {
+      for ( auto child = children.walk(); child; ++child ) {
+         child.value()->parentIs( nullptr );
+      }
    }
    template < class Map, class On >
    void childDelAll( Map & children, On on ) {

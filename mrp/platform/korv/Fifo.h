@@ -4,25 +4,25 @@
 
 #include "mrp/platform/korv/Types.h"
 
+#include <algorithm>
 #include <cstddef>
-#include <vector>
+#include <memory>
 
 namespace Korv {
 
+// T is a small value: entries pass by value, so that they stay in registers on their way in.
 template < class T >
 class Fifo {
  public:
-   std::size_t size() const { return entries_.size() - head_; }
-   bool empty() const { return head_ == entries_.size(); }
-   T const & front() const { return entries_[head_]; }
+   std::size_t size() const { return tail_ - head_; }
+   bool empty() const { return head_ == tail_; }
+   T front() const { return entries_[head_]; }
 
-   void enq( T const & value ) {
-      if ( head_ != 0 && entries_.size() == entries_.capacity() ) {
-         entries_.erase( entries_.begin(),
-                         entries_.begin() + static_cast< std::ptrdiff_t >( head_ ) );
-         head_ = 0;
+   void enq( T value ) {
+      if ( tail_ == room_ ) [[unlikely]] {
+         makeRoom();
       }
-      entries_.push_back( value );
+      entries_[tail_++] = value;
    }
 
    // The oldest entry, or an empty value.
@@ -31,16 +31,32 @@ class Fifo {
          return T{};
       }
       T const value = entries_[head_++];
-      if ( head_ == entries_.size() ) {
-         entries_.clear();
-         head_ = 0;
+      if ( empty() ) {
+         head_ = tail_ = 0;
       }
       return value;
    }
 
  private:
-   std::vector< T > entries_;
+   // By moving to the front of the room that there is, or by twice the room.
+   [[gnu::noinline]] void makeRoom() {
+      std::size_t const count = size();
+      if ( head_ >= count && head_ != 0 ) {
+         std::copy( &entries_[head_], &entries_[tail_], &entries_[0] );
+      } else {
+         room_ = std::max< std::size_t >( 16, 2 * room_ );
+         auto wider = std::make_unique< T[] >( room_ );
+         std::copy( entries_.get() + head_, entries_.get() + tail_, wider.get() );
+         entries_ = std::move( wider );
+      }
+      head_ = 0;
+      tail_ = count;
+   }
+
+   std::unique_ptr< T[] > entries_;
+   std::size_t room_ = 0;
    std::size_t head_ = 0;
+   std::size_t tail_ = 0;
 };
 
 } // namespace Korv

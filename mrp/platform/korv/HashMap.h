@@ -57,7 +57,7 @@ class HashMap {
       bool made = false;
       V & held = findOrMake( key, [&] {
          made = true;
-         return value;
+         return std::move( value );
       } );
       if ( !made ) {
          held = std::move( value );
@@ -84,7 +84,7 @@ class HashMap {
    // Walk: `for ( auto w = map.walk(); w; ++w ) use( w.key(), w.value() );`
    class Walk {
     public:
-      explicit operator bool() const { return at_ < map_->members_.size(); }
+      explicit operator bool() const { return valid_; }
       Walk & operator++() {
          auto const & members = map_->members_;
          // Members stand in the order of their numbers, with gaps where some have been cleared out.
@@ -99,8 +99,14 @@ class HashMap {
          settle();
          return *this;
       }
-      K const & key() const { return map_->members_[at_].key; }
-      V const & value() const { return map_->members_[at_].value; }
+      // A copy: the key is good also when its member has gone.
+      K const & key() const { return key_; }
+      // The member's value; the member must still be there.
+      V const & value() const {
+         bool const inPlace =
+            at_ < map_->members_.size() && map_->members_[at_].sequence == sequence_;
+         return inPlace ? map_->members_[at_].value : *map_->find( key_ );
+      }
 
     private:
       friend class HashMap;
@@ -112,11 +118,15 @@ class HashMap {
          }
          if ( at_ < members.size() ) {
             sequence_ = members[at_].sequence;
+            key_ = members[at_].key;
          }
+         valid_ = at_ < members.size();
       }
       HashMap const * map_;
       std::size_t at_ = 0;
       U64 sequence_ = 0;
+      K key_{};
+      bool valid_ = false;
    };
    Walk walk() const { return Walk( this ); }
 

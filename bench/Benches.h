@@ -1,0 +1,19 @@
+// The benchmarks, in the order in which they run: one that leaves the heap in pieces comes last.
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+namespace Bench {
+
+// VlanBench.cpp: all VLANs of one interface.
+void refresh( benchmark::State & state );
+void refreshInTurns( benchmark::State & state );
+void firstRegistration( benchmark::State & state );
+void leaveAllRound( benchmark::State & state );
+void declarations( benchmark::State & state );
+// StreamBench.cpp
+void refreshTalkers( benchmark::State & state );
+// ScaleBench.cpp
+void refreshAtScale( benchmark::State & state );
+
+} // namespace Bench

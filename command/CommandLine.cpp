@@ -1,0 +1,129 @@
+// The one file that includes CLI11, which takes its time to compile: each subcommand has its
+// options described here and is run from here, with its arguments read into a plain struct.
+#include "command/CommandLine.h"
+
+#include "command/CommandError.h"
+#include "command/ReplayCommand.h"
+
+#include <CLI/CLI.hpp>
+
+#include <functional>
+
+namespace Command {
+
+namespace {
+
+constexpr int usageError = 2;
+
+// The option's text goes through `read` into `target`; what is wrong with it names the option.
+template < class T, class Read >
+CLI::Option * addOption( CLI::App & app, std::string const & name, T & target, Read read,
+                         std::string const & description ) {
+   return app.add_option_function< std::string >(
+      name,
+      [name, &target, read]( std::string const & text ) {
+         try {
+            target = read( text );
+         } catch ( CommandError const & error ) {
+            throw CommandError( name + ": " + error.what() );
+         }
+      },
+      description );
+}
+
+using Run = std::function< int( std::ostream & out, std::ostream & err ) >;
+
+void describeReplay( CLI::App & mrp, Run & run ) {
+   CLI::App & app = *mrp.add_subcommand(
+      "replay", "Run a participant on the frames of captures, and show what it does" );
+   auto const options = std::make_shared< ReplayOptions >();
+   addOption( app, "--application", options->application, applicationArgument,
+              "The protocol that the participant speaks: mvrp or msrp" )
+      ->type_name( "mvrp|msrp" )
+      ->required();
+   addOption( app, "--address", options->address, addressArgument,
+              "Its group address [01:80:c2:00:00:21, for msrp 01:80:c2:00:00:0e]" )
+      ->type_name( "MAC" );
+   addOption( app, "--ethertype", options->ethertype, ethertypeArgument,
+              "Its EtherType, decimal or 0x... [0x88f5, for msrp 0x22ea]" )
+      ->type_name( "N" );
+   addOption( app, "--tail", options->tail, durationArgument,
+              "How long time goes on after the last frame [1]" )
+      ->type_name( "SECONDS" );
+   app.add_option( "--out", options->outDirectory,
+                   "Write what interface NAME transmitted to DIR/NAME.pcap" )
+      ->type_name( "DIR" );
+   app.add_flag( "-j,--json", options->json, "Print one JSON document and nothing else" );
+   app.add_option_function< std::vector< std::string > >(
+         "CAPTURE",
+         [options]( std::vector< std::string > const & texts ) {
+            for ( std::string const & text : texts ) {
+               options->captures.push_back( captureArgument( text ) );
+            }
+         },
+         "A capture of Ethernet, pcap or pcapng, for each interface [eth0]" )
+      ->type_name( "[NAME=]FILE" )
+      ->required();
+   app.footer(
+      "The participant starts at time 0 with all interfaces, on a virtual clock. The earliest\n"
+      "frame of all captures arrives at time 0 and the others at their distance from it, through\n"
+      "the filter that the participant has on a socket. What is due by the time of a frame\n"
+      "happens before it.\n"
+      "\n"
+      "The times of LeaveAll are drawn with the C library's rand() and its default seed: the same\n"
+      "captures and options always give the same output.\n"
+      "\n"
+      "A NAME holds no '/'; a file with '=' in its name can be given as ./a=b.pcap." );
+   app.callback( [options, &run] {
+      run = [options]( std::ostream & out, std::ostream & err ) {
+         return replay( *options, out, err );
+      };
+   } );
+}
+
+// CLI11 speaks of what is missing, also where something else stands in its place.
+std::string usageWords( CLI::App const & app, CLI::ParseError const & error, int argc,
+                        char const * const * argv ) {
+   auto const chosen = app.get_subcommands();
+   if ( chosen.empty() && argc > 1 && argv[1][0] != '-' ) {
+      return "there is no subcommand '" + std::string( argv[1] ) + "' (see mrp -h)";
+   }
+   std::string const subcommand = chosen.empty() ? "" : chosen.front()->get_name() + " ";
+   return error.what() + ( " (see mrp " + subcommand + "-h)" );
+}
+
+std::string oneLine( std::string text ) {
+   for ( char & c : text ) {
+      c = c == '\n' ? ' ' : c;
+   }
+   return text;
+}
+
+} // namespace
+
+int runCommandLine( int argc, char const * const * argv, std::ostream & out, std::ostream & err ) {
+   CLI::App app( "Speaks MVRP and MSRP, the registration protocols of IEEE 802.1Q.", "mrp" );
+   app.set_version_flag( "--version", "mrp " MRP_VERSION, "Print the version and exit" );
+   app.require_subcommand( 1 );
+   Run run;
+   describeReplay( app, run );
+
+   try {
+      app.parse( argc, argv );
+      int const status = run( out, err );
+      out.flush();
+      if ( !out ) {
+         throw CommandError( "the output cannot be written" );
+      }
+      return status;
+   } catch ( CLI::Success const & asked ) {
+      return app.exit( asked, out, err ); // for help or the version
+   } catch ( CLI::ParseError const & error ) {
+      err << "mrp: " << oneLine( usageWords( app, error, argc, argv ) ) << '\n';
+   } catch ( CommandError const & error ) {
+      err << "mrp: " << oneLine( error.what() ) << '\n';
+   }
+   return usageError;
+}
+
+} // namespace Command

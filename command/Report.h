@@ -1,0 +1,53 @@
+// The result of a run on the virtual clock, as plain data, with its two forms: one JSON document
+// for programs, and a text for people.
+#pragma once
+
+#include "mrp/vocabulary/Mrp.h"
+
+#include "command/Timeline.h"
+
+#include <ostream>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace Command {
+
+class Participant;
+
+struct Report {
+   struct Interface {
+      std::string name;
+      Korv::U64 received = 0; // past the filter
+      Korv::U64 transmitted = 0;
+      Korv::U64 heldBack = 0; // by the filter
+   };
+   struct Attribute {
+      std::string interface;
+      Korv::U8 attributeType;
+      Korv::U64 key;
+      Mrp::MrpApplicantState applicantState;
+      Mrp::MrpRegistrarState registrarState;
+      std::vector< Korv::U8 > value; // as stored
+      bool committed;                // false: of a pending copy
+   };
+
+   Mrp::MrpApplication application = Mrp::InvalidApplication;
+   std::vector< Interface > interfaces; // in the order in which they were given
+   std::vector< std::pair< std::string, Korv::U64 > > counters; // all of them, by name
+   Timeline timeline;
+   // Those that the machines see, by interface name, type and key: a pending copy, or else a
+   // committed attribute that is not marked for deletion.
+   std::vector< Attribute > attributes;
+};
+
+// What the participant stands at now.
+Report gatherReport( Participant const & participant );
+
+// One document; its members and their order do not depend on what there is.
+void writeJson( Report const & report, std::ostream & out );
+
+// What happened, a line a frame; then tables of what there is.
+void writeText( Report const & report, std::ostream & out );
+
+} // namespace Command

@@ -1,0 +1,244 @@
+// A frame as a whole: in which order its parts take effect, and what a LeaveAll makes of what the
+// same frame declares.
+#include "tests/support/Participant.h"
+
+#include <gmock/gmock.h>
+
+namespace TestSupport {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+std::string const et1 = "Ethernet1";
+
+TEST( Dispatch, takesDomainsFirstAndTheRestInFrameOrder ) {
+   Participant msrp( Mrp::MSRP );
+   msrp.receive( et1, msrpFrame( listeners( 0x500, { { JoinIn, Ready } } ),
+                                 message( talkers( 0x200, { JoinIn } ), talkers( 0x100, { New } ) ),
+                                 domains( { 6, 3, 2 }, { New } ),
+                                 failedTalkers( { talker( 0x50 ) }, { JoinMt } ),
+                                 domains( { 5, 2, 2 }, { JoinIn } ) ) );
+   EXPECT_THAT( msrp.indications(),
+                ElementsAre( "join domain 6 New on Ethernet1", "join domain 5 JoinIn on Ethernet1",
+                             "join listener 0x500 JoinIn on Ethernet1",
+                             "join talker 0x200 JoinIn on Ethernet1",
+                             "join talker 0x100 New on Ethernet1",
+                             "join failed 0x50 JoinMt on Ethernet1" ) );
+}
+
+// The answers to all LeaveAll leave in a frame of their own, before any attribute is touched: the
+// Lv of a VLAN unknown here makes the second frame.
+TEST( Dispatch, answersALeaveAllBeforeTheAttributes ) {
+   Participant mvrp( Mrp::MVRP );
+   mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn, JoinIn } ) ) );
+   mvrp.clear();
+   mvrp.receive(
+      et1, mvrpFrame( message( vlans( 5, { Lv } ), vlans( 10, { JoinIn } ) ), vlanLeaveAll() ) );
+   EXPECT_THAT( mvrp.said(),
+                ElementsAre( "Ethernet1: vlan{10 In, 11 Mt}", "Ethernet1: vlan{5 Mt}" ) );
+}
+
+TEST( Dispatch, takesLeaveAllByAscendingType ) {
+   Participant msrp( Mrp::MSRP );
+   msrp.receive( et1, msrpFrame( domains( { 6, 3, 2 }, { JoinIn } ),
+                                 listeners( 0x500, { { JoinIn, Ready } } ),
+                                 talkers( 0x100, { JoinIn } ) ) );
+   msrp.clear();
+   msrp.receive( et1, msrpFrame( msrpLeaveAll( domainType ), msrpLeaveAll( listenerType ),
+                                 msrpLeaveAll( talkerType ) ) );
+   EXPECT_THAT(
+      msrp.said(),
+      ElementsAre( "Ethernet1: talker{0x100 Mt} listener{0x500 Mt Ready} domain{6 Mt}" ) );
+}
+
+// For each event of the frame that carries the LeaveAll: how our answer reports the attribute, and
+// whether the registration outlives the leave time.
+TEST( Dispatch, reportsAnAttributeAsTheFrameWithTheLeaveAllDeclaresIt ) {
+   struct Row {
+      Event event;
+      bool answersIn;
+      bool stays;
+   };
+   for ( auto const [event, answersIn, stays] : { Row{ New, true, true },
+                                                  { JoinIn, true, true },
+                                                  { JoinMt, true, true },
+                                                  { In, false, false },
+                                                  { Mt, false, false },
+                                                  { Lv, false, false } } ) {
+      SCOPED_TRACE( name( event ) );
+      Participant mvrp( Mrp::MVRP );
+      mvrp.declare( et1, Vlan{ 10 }, JoinIn );
+      mvrp.advanceTo( 0.5 );
+      mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn } ) ) );
+      EXPECT_EQ( mvrp.states( et1, 10 ), "mrpQuietActive mrpIn" );
+      mvrp.clear();
+      mvrp.receive( et1, mvrpFrame( vlans( 10, { event } ).leaveAll() ) );
+      std::string const answer =
+         answersIn ? "Ethernet1: vlan{10 JoinIn}" : "Ethernet1: vlan{10 JoinMt}";
+      ASSERT_GE( mvrp.said().size(), 2u ); // on both contexts; Mt and Lv then call for more
+      EXPECT_EQ( mvrp.said()[0], answer );
+      EXPECT_EQ( mvrp.said()[1], answer );
+      mvrp.advanceBy( 2 );
+      EXPECT_EQ( mvrp.states( et1, 10 ), stays ? "mrpQuietActive mrpIn" : "mrpQuietActive mrpMt" );
+      EXPECT_EQ( mvrp.counters().numOfLeaveIndications(), stays ? 0u : 1u );
+   }
+}
+
+// The join that follows its own LeaveAll is no news, and no count.
+TEST( Dispatch, indicatesNothingForARefreshBehindALeaveAll ) {
+   Participant msrp( Mrp::MSRP );
+   Bytes const frame = msrpFrame( talkers( 0x100, { JoinIn, JoinIn, JoinIn } ).leaveAll(),
+                                  listeners( 0x100, { { JoinIn, Ready } } ).leaveAll() );
+   msrp.receive( et1, frame );
+   EXPECT_EQ( msrp.moved(), "numOfPktsProcessed=1 numOfJoinIndications=4" );
+   for ( double t = 0.3; t < 5; t += 0.3 ) {
+      msrp.advanceTo( t );
+      msrp.receive( et1, frame );
+   }
+   EXPECT_EQ( msrp.moved(), "numOfPktsProcessed=16" );
+   EXPECT_EQ( msrp.lib().indications.size(), 4u );
+}
+
+TEST( Dispatch, putsTheOwnLeaveAllOffByOneReceived ) {
+   struct Row {
+      char const * what;
+      Bytes frame;
+      double next;
+   };
+   for ( Row const & row :
+         { Row{ "an attribute's", mvrpFrame( vlans( 10, { JoinIn } ).leaveAll() ), 16 },
+           Row{ "alone, with no attribute here", mvrpFrame( vlanLeaveAll() ), 16 },
+           Row{ "of a malformed frame", mvrpFrame( vlanLeaveAll(), Message( 9, 9, {} ) ), 16 },
+           Row{ "of a type that is none", mvrpFrame( Message( 9, 0, fromHex( "20 00" ) ) ), 10 },
+           Row{ "none", mvrpFrame( vlans( 10, { JoinIn } ) ), 10 } } ) {
+      SCOPED_TRACE( row.what );
+      Participant mvrp( Mrp::MVRP );
+      mvrp.advanceTo( 6 );
+      mvrp.config().leaveAllTimeIs( 10 );
+      mvrp.receive( et1, row.frame );
+      mvrp.clear();
+      mvrp.advanceTo( 17 );
+      ASSERT_EQ( mvrp.sent().size(), 1u );
+      EXPECT_NEAR( mvrp.sent()[0].time, row.next, 0.11 );
+   }
+}
+
+TEST( Dispatch, publishesTheTimeThatALeaveAllIsPutOffBy ) {
+   Participant msrp( Mrp::MSRP );
+   msrp.config().intfLeaveAllTimeIs( Pelk::IntfId( et1 ), 42 );
+   msrp.receive( et1, msrpFrame( msrpLeaveAll( listenerType ), msrpLeaveAll( domainType ) ) );
+   auto const & times = msrp.status().application( Mrp::MSRP )->leaveAllTime();
+   for ( U8 const type : { listenerType, domainType } ) {
+      auto const * const time = times.find( Mrp::MrpLeaveAllKey( Pelk::IntfId( et1 ), type ) );
+      ASSERT_TRUE( time );
+      EXPECT_EQ( *time, 42 );
+   }
+}
+
+TEST( Dispatch, letsTheLastEventAndValueOfAnAttributeWinAndRunsItTwice ) {
+   Participant msrp( Mrp::MSRP );
+   Talker first = talker( 0x100 );
+   Talker last = first;
+   last.accumulatedLatency = 7;
+   msrp.receive( et1,
+                 msrpFrame( message( talkers( first, { Lv } ), talkers( last, { JoinIn } ) ) ) );
+   // Twice JoinIn: the first makes it known, the second confirms it and counts.
+   EXPECT_EQ( msrp.moved(), "numOfPktsProcessed=1 numOfJoinIndications=2" );
+   ASSERT_EQ( msrp.lib().indications.size(), 1u );
+   EXPECT_EQ( hex( msrp.lib().indications[0].value ), hex( wire( last ) ) );
+   EXPECT_EQ( msrp.states( et1, talkerType, 0x100 ), "mrpQuietObserver mrpIn" );
+
+   Participant mvrp( Mrp::MVRP );
+   mvrp.receive( et1, mvrpFrame( message( vlans( 10, { JoinIn } ), vlans( 10, { Lv } ) ) ) );
+   EXPECT_THAT( mvrp.indications(), IsEmpty() );
+   EXPECT_THAT( mvrp.said(), ElementsAre( "Ethernet1: vlan{10 Mt; 10 Mt}" ) );
+   EXPECT_EQ( mvrp.states( et1, 10 ), "none" );
+}
+
+// A domain is answered with what this participant holds for the class, and never rewritten.
+TEST( Dispatch, answersADomainWithTheStoredOne ) {
+   Participant msrp( Mrp::MSRP );
+   msrp.declare( et1, Domain{ 6, 3, 2 }, JoinIn );
+   msrp.advanceTo( 0.2 );
+   msrp.clear();
+   msrp.receive( et1, msrpFrame( domains( { 6, 1, 99 }, { JoinMt } ) ) );
+   ASSERT_EQ( msrp.sent().size(), 1u );
+   Decoded const answer = decode( msrp.sent()[0].bytes );
+   EXPECT_EQ( answer.text(), "domain{6 JoinMt}" );
+   EXPECT_EQ( hex( answer.values().at( 0 ).value ), "06 03 00 02" );
+   ASSERT_EQ( msrp.lib().indications.size(), 1u );
+   EXPECT_EQ( hex( msrp.lib().indications[0].value ), "06 01 00 63" ); // what the peer said
+   EXPECT_EQ( hex( msrp.attribute( et1, domainType, 6 )->value ), "06 03 00 02" );
+   // A talker is answered with what was received.
+   msrp.declare( et1, talker( 0x100 ), JoinIn );
+   msrp.advanceTo( 0.4 );
+   msrp.clear();
+   Talker theirs = talker( 0x100 );
+   theirs.vlanId = 99;
+   msrp.receive( et1, msrpFrame( talkers( theirs, { Mt } ) ) );
+   ASSERT_EQ( msrp.sent().size(), 1u );
+   EXPECT_EQ( hex( decode( msrp.sent()[0].bytes ).values().at( 0 ).value ), hex( wire( theirs ) ) );
+}
+
+TEST( Dispatch, loadsTheFieldsThroughTheMutatorsReceiveFieldFirst ) {
+   Participant msrp( Mrp::MSRP );
+   msrp.receive( et1, msrpFrame( domains( { 6, 3, 2 }, { JoinIn } ) ) );
+   msrp.lib().countingMutators = true;
+   msrp.receive( et1, msrpFrame( listeners( 1, { { JoinIn, Ready }, { JoinIn, Ready } } ),
+                                 domains( { 6, 3, 2 }, { JoinIn } ) ) );
+   std::string const listenerRx = "msrpListenerVectorRxIs";
+   std::string const listenerTx = "msrpListenerVectorTxIs";
+   EXPECT_THAT( msrp.lib().mutatorCalls,
+                ElementsAre( // decoding: the FirstValue, each declaration, the step to the second
+                   listenerRx, listenerRx, listenerRx, listenerRx, "msrpDomainVectorRxIs",
+                   // dispatch: the domain, a third time from the database; the listeners
+                   "msrpDomainVectorRxIs", "msrpDomainVectorTxIs", "msrpDomainVectorTxIs",
+                   listenerRx, listenerTx, listenerRx, listenerTx ) );
+}
+
+TEST( Dispatch, hasNothingLeftWhenTheFrameIsDone ) {
+   Participant msrp( Mrp::MSRP );
+   msrp.receive( et1, msrpFrame( message( talkers( 1, { New } ), talkers( 1, { Lv } ).leaveAll() ),
+                                 domains( { 6, 3, 2 }, { New } ).leaveAll() ) );
+   EXPECT_TRUE( msrp.sm().mrpRxLeaveAll().empty() );
+   EXPECT_EQ( msrp.sm().mrpParsedAttribute().size(), 0u );
+   EXPECT_TRUE( msrp.sm().mrpParsedAttributeKey().empty() );
+   EXPECT_TRUE( msrp.sm().msrpParsedDomainKey().empty() );
+}
+
+// Marked for deletion means not there: a LeaveAll is not answered for it, and drops it from the
+// index.
+TEST( Dispatch, leavesAttributesMarkedForDeletionAlone ) {
+   Participant mvrp( Mrp::MVRP );
+   mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn, JoinIn } ) ) );
+   mvrp.advanceTo( 1 );
+   mvrp.clear();
+   mvrp.lib().mrpCleanUpIntfDatabaseAttribute( Pelk::IntfId( et1 ), vlanType, 10 );
+   mvrp.receive( et1, mvrpFrame( vlanLeaveAll() ) );
+   EXPECT_THAT( mvrp.said(), ElementsAre( "Ethernet1: vlan{11 Mt}" ) );
+   EXPECT_EQ( mvrp.sm()
+                 .mrpAttrIter( Mrp::MrpAttrIter::Key( Pelk::IntfId( et1 ), vlanType ) )
+                 ->attributeKey()
+                 .size(),
+              1u );
+}
+
+// The interface, its Pam and its machine go while its frame is being worked off.
+TEST( Dispatch, outlivesAnApplicationThatDisablesTheInterface ) {
+   Participant mvrp( Mrp::MVRP );
+   mvrp.lib().react = [&]( Indication const & indication ) {
+      if ( indication.key == 11 ) {
+         mvrp.lib().mrpInterfaceDisable( Pelk::IntfId( et1 ) );
+      }
+   };
+   mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn, JoinIn, JoinIn } ).leaveAll() ) );
+   EXPECT_EQ( mvrp.indications().size(), 3u );
+   EXPECT_EQ( mvrp.states( et1, 10 ), "none" );
+   mvrp.advanceTo( 20 );
+   EXPECT_THAT( mvrp.said(), IsEmpty() );
+   EXPECT_FALSE( mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn } ) ) ) );
+}
+
+} // namespace
+} // namespace TestSupport

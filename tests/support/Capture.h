@@ -1,0 +1,36 @@
+// Logs and traces of a stretch of a test, for the lifetime of the object. One at a time.
+#pragma once
+
+#include "mrp/platform/korv/Types.h"
+
+#include <string>
+#include <vector>
+
+namespace TestSupport {
+
+// "MRP_ERROR: Unidentified attribute type 0 received on Ethernet1"
+class LogCapture {
+ public:
+   LogCapture();
+   ~LogCapture();
+   LogCapture( LogCapture const & ) = delete;
+   LogCapture & operator=( LogCapture const & ) = delete;
+
+   std::vector< std::string > const & lines() const;
+   // Of one handle, without its name.
+   std::vector< std::string > of( std::string const & handle ) const;
+};
+
+// Lines of the trace handle "Mrp" with these levels on: bit n for level n.
+class TraceCapture {
+ public:
+   explicit TraceCapture( Korv::U32 levels = ~0u );
+   ~TraceCapture();
+   TraceCapture( TraceCapture const & ) = delete;
+   TraceCapture & operator=( TraceCapture const & ) = delete;
+
+   std::vector< std::string > const & lines() const;
+   bool has( std::string const & line ) const;
+};
+
+} // namespace TestSupport

@@ -1,0 +1,219 @@
+#include "tests/support/Decode.h"
+
+#include <algorithm>
+#include <sstream>
+
+namespace TestSupport {
+
+namespace {
+
+struct Kind {
+   char const * name;
+   std::size_t size;
+};
+
+Kind kindOf( Protocol protocol, U8 type ) {
+   static constexpr Kind msrp[] = {
+      { "talker", 25 }, { "failed", 34 }, { "listener", 8 }, { "domain", 4 } };
+   if ( protocol == Protocol::mvrp ) {
+      return type == vlanType ? Kind{ "vlan", 2 } : Kind{ "?", 0 };
+   }
+   return type >= 1 && type <= 4 ? msrp[type - 1] : Kind{ "?", 0 };
+}
+
+bool isListener( Protocol protocol, U8 type ) {
+   return protocol == Protocol::msrp && type == listenerType;
+}
+
+// The value i steps behind the FirstValue.
+Bytes stepped( Protocol protocol, U8 type, Bytes const & first, U64 i ) {
+   Bytes value;
+   if ( protocol == Protocol::mvrp ) {
+      put( value, number( first, 0, 2 ) + i, 2 );
+   } else if ( type == domainType ) {
+      put( value, number( first, 0, 1 ) + i, 1 );
+      put( value, number( first, 1, 1 ) + i, 1 );
+   } else {
+      put( value, number( first, 0, 8 ) + i, 8 );
+      if ( type != listenerType ) {
+         put( value, number( first, 8, 6 ) + i, 6 );
+      }
+   }
+   value.insert( value.end(), first.begin() + static_cast< std::ptrdiff_t >( value.size() ),
+                 first.end() );
+   return value;
+}
+
+U64 keyOf( Protocol protocol, U8 type, Bytes const & value ) {
+   if ( protocol == Protocol::mvrp ) {
+      return number( value, 0, 2 );
+   }
+   return type == domainType ? number( value, 0, 1 ) : number( value, 0, 8 );
+}
+
+class Reader {
+ public:
+   explicit Reader( Bytes const & frame ) : frame_( frame ) {}
+
+   Decoded read() {
+      decoded_.to = take( 6 );
+      decoded_.from = take( 6 );
+      decoded_.type = static_cast< U16 >( take( 2 ) );
+      if ( decoded_.type == etherType( Protocol::msrp ) ) {
+         decoded_.protocol = Protocol::msrp;
+      } else if ( decoded_.type != etherType( Protocol::mvrp ) ) {
+         fault( "type ", hex( { frame_.begin() + 12, frame_.begin() + 14 } ) );
+         return decoded_;
+      }
+      decoded_.version = static_cast< U8 >( take( 1 ) );
+      do {
+         readMessage();
+      } while ( ok() && left() > 0 && peek() != 0 );
+      if ( ok() && take( 2 ) == 0 && left() > 0 ) {
+         fault( left(), " bytes behind the EndMark" );
+      }
+      return decoded_;
+   }
+
+ private:
+   std::size_t left() const { return frame_.size() - at_; }
+   bool ok() const { return decoded_.faults.empty(); }
+   U64 peek() const { return number( frame_, at_, 2 ); }
+
+   template < class... Word >
+   void fault( Word const &... word ) {
+      std::ostringstream out;
+      ( out << ... << word );
+      decoded_.faults.push_back( out.str() );
+   }
+
+   U64 take( unsigned size ) {
+      if ( left() < size ) {
+         fault( "the frame ends at byte ", frame_.size(), ", ", size, " bytes wanted at ", at_ );
+         at_ = frame_.size();
+         return 0;
+      }
+      at_ += size;
+      return number( frame_, at_ - size, size );
+   }
+
+   Bytes takeBytes( std::size_t size ) {
+      Bytes bytes;
+      while ( bytes.size() < size && ok() ) {
+         bytes.push_back( static_cast< U8 >( take( 1 ) ) );
+      }
+      return bytes;
+   }
+
+   void readMessage() {
+      DecodedMessage message;
+      message.type = static_cast< U8 >( take( 1 ) );
+      U64 const length = take( 1 );
+      Kind const kind = kindOf( decoded_.protocol, message.type );
+      if ( !ok() || length != kind.size || kind.size == 0 ) {
+         fault( "type ", unsigned{ message.type }, " with AttributeLength ", length );
+         return;
+      }
+      bool const isMsrp = decoded_.protocol == Protocol::msrp;
+      U64 const listLength = isMsrp ? take( 2 ) : 0;
+      std::size_t const start = at_;
+      do {
+         message.vectors.push_back( readVector( message.type, kind.size ) );
+      } while ( ok() && peek() != 0 );
+      take( 2 );
+      if ( ok() && isMsrp && at_ - start != listLength ) {
+         fault( "AttributeListLength ", listLength, " of a list of ", at_ - start );
+      }
+      decoded_.messages.push_back( std::move( message ) );
+   }
+
+   DecodedVector readVector( U8 type, std::size_t size ) {
+      DecodedVector vector;
+      vector.header = static_cast< U16 >( take( 2 ) );
+      vector.firstValue = takeBytes( size );
+      U64 const n = vector.header & 0x1fff;
+      if ( ( vector.header & 0xc000 ) != 0 ) {
+         fault( "bits 15 and 14 of a VectorHeader" );
+      }
+      if ( n == 0 && ( !vector.leaveAll() ||
+                       std::ranges::any_of( vector.firstValue, []( U8 b ) { return b != 0; } ) ) ) {
+         fault( "a vector of no values that is no LeaveAll with a FirstValue of zeros" );
+      }
+      Bytes const three = takeBytes( ( n + 2 ) / 3 );
+      Bytes const four =
+         isListener( decoded_.protocol, type ) ? takeBytes( ( n + 3 ) / 4 ) : Bytes();
+      for ( U64 i = 0; i < n && ok(); ++i ) {
+         static constexpr unsigned places[] = { 36, 6, 1 };
+         if ( three[i / 3] > 215 ) {
+            fault( "ThreePackedEvents byte ", unsigned{ three[i / 3] } );
+         }
+         Declared value;
+         value.type = type;
+         value.value = stepped( decoded_.protocol, type, vector.firstValue, i );
+         value.key = keyOf( decoded_.protocol, type, value.value );
+         value.event = static_cast< Event >( three[i / 3] / places[i % 3] % 6 );
+         if ( !four.empty() ) {
+            value.declaration =
+               static_cast< Declaration >( four[i / 4] >> ( 6 - 2 * ( i % 4 ) ) & 3 );
+         }
+         vector.values.push_back( std::move( value ) );
+      }
+      return vector;
+   }
+
+   Bytes const & frame_;
+   std::size_t at_ = 0;
+   Decoded decoded_;
+};
+
+} // namespace
+
+std::vector< Declared > Decoded::values() const {
+   std::vector< Declared > all;
+   for ( DecodedMessage const & message : messages ) {
+      for ( DecodedVector const & vector : message.vectors ) {
+         all.insert( all.end(), vector.values.begin(), vector.values.end() );
+      }
+   }
+   return all;
+}
+
+std::string Decoded::text() const {
+   std::ostringstream out;
+   char const * apart = "";
+   for ( DecodedMessage const & message : messages ) {
+      out << apart << kindOf( protocol, message.type ).name;
+      char const * before = "{";
+      for ( DecodedVector const & vector : message.vectors ) {
+         out << before << ( vector.leaveAll() ? "LeaveAll" : "" );
+         before = vector.leaveAll() ? " " : "";
+         for ( Declared const & value : vector.values ) {
+            bool const isStream = protocol == Protocol::msrp && value.type != domainType;
+            out << before << ( isStream ? std::hex : std::dec ) << ( isStream ? "0x" : "" )
+                << value.key << ' ' << name( value.event );
+            if ( isListener( protocol, value.type ) ) {
+               out << ' ' << name( value.declaration );
+            }
+            before = ", ";
+         }
+         before = "; ";
+      }
+      out << '}';
+      apart = " ";
+   }
+   for ( std::string const & fault : faults ) {
+      out << apart << '!' << fault;
+      apart = " ";
+   }
+   return out.str();
+}
+
+Decoded decode( Bytes const & frame ) { return Reader( frame ).read(); }
+
+std::string says( Bytes const & frame ) { return decode( frame ).text(); }
+
+std::ostream & operator<<( std::ostream & out, Decoded const & decoded ) {
+   return out << decoded.text();
+}
+
+} // namespace TestSupport

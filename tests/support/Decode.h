@@ -1,0 +1,61 @@
+// What a frame says, read by a strict reader of its own: it goes by the rules of the wire format
+// alone, and whatever breaks one of them is a fault with words.
+#pragma once
+
+#include "tests/support/Values.h"
+
+namespace TestSupport {
+
+// One value of a vector, the FirstValue stepped on.
+struct Declared {
+   U8 type = 0;
+   U64 key = 0;
+   Bytes value; // as a FirstValue would hold it
+   Event event = New;
+   Declaration declaration = Ignore; // a listener's
+};
+
+struct DecodedVector {
+   U16 header = 0;
+   Bytes firstValue;
+   std::vector< Declared > values;
+
+   bool leaveAll() const { return ( header & 0x2000 ) != 0; }
+};
+
+struct DecodedMessage {
+   U8 type = 0;
+   std::vector< DecodedVector > vectors;
+};
+
+struct Decoded {
+   Protocol protocol = Protocol::mvrp;
+   U64 to = 0;
+   U64 from = 0;
+   U16 type = 0;
+   U8 version = 0;
+   std::vector< DecodedMessage > messages;
+   std::vector< std::string > faults;
+
+   // All values of all vectors, in the order of the frame.
+   std::vector< Declared > values() const;
+
+   // A message in braces, its vectors apart by semicolons; values apart by commas, with the
+   // LeaveAll mark ahead of them:
+   //
+   //    vlan{10 JoinIn, 11 JoinIn; 20 Mt} vlan{LeaveAll}
+   //    talker{LeaveAll 0x100 New} listener{0x100 JoinMt Ready} domain{6 JoinIn}
+   //
+   // and faults at the end, each behind an exclamation mark.
+   std::string text() const;
+};
+
+// The frame's type tells the protocol; a frame of another type has that as its one fault.
+Decoded decode( Bytes const & frame );
+
+// decode( frame ).text()
+std::string says( Bytes const & frame );
+
+std::ostream & operator<<( std::ostream & out, Decoded const & decoded );
+
+} // namespace TestSupport

@@ -1,0 +1,215 @@
+#include "tests/support/Participant.h"
+
+#include "mrp/platform/pelk/EthAddr.h"
+
+#include <cstdlib>
+#include <sstream>
+
+namespace TestSupport {
+
+namespace {
+
+constexpr char const * noRandomization = "DISABLE_LEAVE_ALL_RANDOMIZATION";
+
+Pelk::EthAddr address( U64 number ) { return Pelk::EthAddr::fromNumber( number ); }
+
+std::string oneLine( SentFrame const & frame, bool withTime ) {
+   std::ostringstream out;
+   if ( withTime ) {
+      out << frame.time << ' ';
+   }
+   out << frame.interface << ": " << says( frame.bytes );
+   return out.str();
+}
+
+std::vector< std::string > lines( std::vector< SentFrame > const & frames, bool withTime ) {
+   std::vector< std::string > all;
+   for ( SentFrame const & frame : frames ) {
+      all.push_back( oneLine( frame, withTime ) );
+   }
+   return all;
+}
+
+Mrp::MsrpTalkerAdvertiseAttribute record( Talker const & value ) {
+   return { value.streamId, Mrp::DataFrameParameters( address( value.dmac ), value.vlanId ),
+            Mrp::Tspec( value.maxFrameSize, value.maxIntervalFrames ),
+            Mrp::PriorityAndRank::fromWire( value.priorityAndRank ), value.accumulatedLatency };
+}
+
+} // namespace
+
+std::string AttributeState::states() const {
+   return Mrp::stringValue( applicant ) + ' ' + Mrp::stringValue( registrar );
+}
+
+Participant::Participant( Mrp::MrpApplication application,
+                          std::vector< std::string > const & interfaces, Options const & options )
+   : ownActivity_( options.activity ? nullptr : std::make_unique< Memory::VirtualActivity >() ),
+     activity_( options.activity ? options.activity : ownActivity_.get() ),
+     host_( std::make_unique< Memory::Host >() ),
+     protocol_( application == Mrp::MSRP ? Protocol::msrp : Protocol::mvrp ),
+     lib_( new RecordingLib ), config_( Mrp::mrpConfigFactory( "MrpConfig" ) ),
+     status_( Mrp::mrpStatusFactory( "MrpStatus" ) ) {
+   if ( options.randomLeaveAll ) {
+      unsetenv( noRandomization );
+   } else {
+      setenv( noRandomization, "1", 1 );
+   }
+   host_->brConfig()->bridgeMacAddrIs( address( 0x0200'0000'00ff ) );
+   U64 port = 0x0200'0000'0001;
+   for ( std::string const & name : interfaces ) {
+      auto const addr = options.portAddresses ? std::optional( address( port++ ) ) : std::nullopt;
+      host_->interfaceIs( Pelk::IntfId( name ), addr, options.mtu );
+   }
+   host_->onTransmit( [this]( Pelk::IntfId const & intfId, Memory::FrameBytes frame ) {
+      if ( recording_ ) {
+         sent_.push_back(
+            { Korv::now(), intfId.stringValue(), Bytes( frame.begin(), frame.end() ) } );
+      }
+   } );
+   lib_->applicationIs( application );
+   lib_->applicationMacAddrIs( address( groupAddress( protocol_ ) ) );
+   lib_->applicationEtypeIs( etherType( protocol_ ) );
+   if ( options.configure ) {
+      options.configure( *config_ );
+   }
+   sm_ = Mrp::mrpSmFactory( host_->brConfig(), lib_.ptr(), config_, status_, host_->stpStatus(),
+                            host_->brTopoConfig(), host_->ethPhyIntfStatusDir(), host_->em(),
+                            options.standby );
+   if ( options.enabled ) {
+      for ( std::string const & name : interfaces ) {
+         lib_->mrpInterfaceEnable( Pelk::IntfId( name ) );
+      }
+   }
+}
+
+// What still stands on the host and the clock goes first.
+Participant::~Participant() {
+   host_->onTransmit( {} );
+   sm_ = nullptr;
+}
+
+bool Participant::receive( std::string const & interface, Bytes const & frame ) {
+   Memory::Pam * const pam = host_->pam( Pelk::IntfId( interface ) );
+   return pam && pam->deliverPastFilter( frame );
+}
+
+std::vector< std::string > Participant::said() const { return lines( sent_, false ); }
+std::vector< std::string > Participant::saidWithTimes() const { return lines( sent_, true ); }
+
+std::vector< std::string > Participant::indications() const {
+   std::vector< std::string > all;
+   for ( Indication const & indication : lib_->indications ) {
+      all.push_back( indication.text( protocol_ ) );
+   }
+   return all;
+}
+
+void Participant::clear() {
+   sent_.clear();
+   lib_->indications.clear();
+   lib_->mutatorCalls.clear();
+   if ( sm_->mrpCounters() ) {
+      counted_ = counts();
+   }
+}
+
+void Participant::recordingIs( bool on ) {
+   recording_ = on;
+   lib_->recording = on;
+}
+
+U8 Participant::load( Vlan const & value ) {
+   lib_->mvrpVlanVectorTxIs( Mrp::MvrpVlanAttribute( value.id ) );
+   return vlanType;
+}
+U8 Participant::load( Talker const & value ) {
+   lib_->msrpTalkerAdvertiseTxIs( record( value ) );
+   return talkerType;
+}
+U8 Participant::load( FailedTalker const & value ) {
+   lib_->msrpTalkerFailedTxIs( Mrp::MsrpTalkerFailedAttribute(
+      record( value.talker ), Mrp::FailureInformation( value.bridgeId, value.failureCode ) ) );
+   return failedType;
+}
+U8 Participant::load( Listener const & value ) {
+   lib_->msrpListenerVectorTxIs( Mrp::MsrpListenerAttribute(
+      value.streamId, static_cast< Mrp::MsrpListenerEvent >( value.declaration ) ) );
+   return listenerType;
+}
+U8 Participant::load( Domain const & value ) {
+   lib_->msrpDomainVectorTxIs(
+      Mrp::MsrpDomainAttribute( value.classId, value.priority, value.vid ) );
+   return domainType;
+}
+
+void Participant::sendAttribute( std::string const & interface, U8 type, unsigned event,
+                                 std::vector< std::string > const & queued ) {
+   for ( std::string const & name : queued ) {
+      lib_->mrpOutIntfQueueEnq( Pelk::IntfId( name ) );
+   }
+   lib_->mrpSendAttribute(
+      Mrp::MrpParameters( Pelk::IntfId( interface ), type, static_cast< U8 >( event ) ) );
+}
+
+std::optional< AttributeState > Participant::attribute( std::string const & interface, U8 type,
+                                                        U64 key ) const {
+   Pelk::IntfId const intfId( interface );
+   auto const * const found = sm_->mrpGetAttrFromDatabase( intfId, type, key, true );
+   if ( !found ) {
+      return std::nullopt;
+   }
+   AttributeState state;
+   state.applicant = found->applicantState();
+   state.registrar = found->registrarState();
+   auto const & value = found->attributeValue();
+   for ( U32 i = 0; i < value.count(); ++i ) {
+      state.value.push_back( value.at( value.position( i ) ) );
+   }
+   state.pending = sm_->addPendingAttr().isMember( Mrp::MrpAttribute( intfId, type, key ) );
+   state.committed = sm_->mrpGetAttrFromDatabase( intfId, type, key, false ) != nullptr;
+   return state;
+}
+
+std::string Participant::states( std::string const & interface, U8 type, U64 key ) const {
+   auto const found = attribute( interface, type, key );
+   return found ? found->states() : "none";
+}
+
+void Participant::attributeIs( std::string const & interface, U8 type, U64 key, Bytes const & value,
+                               Mrp::MrpApplicantState applicant,
+                               Mrp::MrpRegistrarState registrar ) {
+   Pelk::IntfId const intfId( interface );
+   auto * const entry = sm_->createEntryInDatabase( intfId, type, key );
+   entry->attributeValueDelAll();
+   for ( U8 const byte : value ) {
+      entry->attributeValueEnq( byte );
+   }
+   entry->applicantStateIs( applicant );
+   entry->registrarStateIs( registrar );
+   sm_->addToAttrIter( intfId, type, key );
+}
+
+Participant::Counts Participant::counts() const {
+   Counts all;
+   Korv::forEachScalar( *sm_->mrpCounters(), [&]( char const * counter, U64 value ) {
+      all.emplace_back( counter, value );
+   } );
+   return all;
+}
+
+std::string Participant::moved() {
+   Counts const now = counts();
+   std::ostringstream out;
+   for ( std::size_t i = 0; i < now.size(); ++i ) {
+      auto const & [counter, value] = now[i];
+      U64 const before = i < counted_.size() ? counted_[i].second : 0;
+      if ( value != before && counter != "numOfPktsTransmitted" ) {
+         out << ( out.tellp() > 0 ? " " : "" ) << counter << '=' << value - before;
+      }
+   }
+   counted_ = now;
+   return out.str();
+}
+
+} // namespace TestSupport
