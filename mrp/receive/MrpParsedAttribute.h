@@ -13,8 +13,8 @@ namespace Mrp {
 // them, byte i in slot i.
 class MrpParsedAttribute : public Korv::PtrInterface {
  public:
-   // Every kind's value fits inside; with its two bytes of bookkeeping it fills 64.
-   using AttributeValue = Korv::ByteQueue< 62 >;
+   // Every kind's value fits inside.
+   using AttributeValue = Korv::ByteQueue< 38 >;
 
    explicit MrpParsedAttribute( MrpParsedAttributeKey const & key ) : key_( key ) {}
 
@@ -45,8 +45,10 @@ class MrpParsedAttribute : public Korv::PtrInterface {
 
    void putEach( void const * bytes, U32 size );
 
+   // A large frame's records do not fit into the nearest cache: what each of them is asked for
+   // stands close together.
+   U8 attributeEvent_ = 0;
    MrpParsedAttributeKey key_;
-   U8 attributeEvent_ = 0; // beside the first bytes of the value, for the sake of the cache
    AttributeValue attributeValue_;
 };
 
