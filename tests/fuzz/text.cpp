@@ -33,6 +33,9 @@ void readAs( std::string_view text ) {
       T const value = Korv::fromText< T >( text );
       std::string const form = Korv::toText( value );
       check( Korv::fromText< T >( form ) == value, "a value comes back from its text", text );
+      if constexpr ( std::is_same_v< T, Bridging::VlanId > ) {
+         check( value.value() <= 4094, "a VLAN is at most 4094", text );
+      }
       if constexpr ( isExact< T > ) {
          check( form == text, "a value has one text", text );
       }

@@ -1,0 +1,255 @@
+// Attributes on their way into and out of the tree: what is seen of them meanwhile, and how fast
+// they go.
+#include "mrp/observability/MrpAttrLogSm.h"
+#include "mrp/platform/korv/RangeException.h"
+
+#include "tests/support/Participant.h"
+
+#include <gmock/gmock.h>
+
+#include <array>
+#include <linux/sockios.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace TestSupport {
+namespace {
+
+using testing::ElementsAre;
+
+std::string const et1 = "Ethernet1";
+Pelk::IntfId const ethernet1( et1 );
+
+Bytes vlanFrame( U16 vlan, Event event ) { return mvrpFrame( vlans( vlan, { event } ) ); }
+
+// "seen tree index" as far as they hold: by the machines, by a watcher, by a walk.
+std::string where( Participant & mvrp, U16 vlan ) {
+   std::string all = mvrp.attribute( et1, vlan ) ? "seen" : "";
+   auto const * const intf = mvrp.status().application( Mrp::MVRP )->attrDatabase( ethernet1 );
+   auto const * const type = intf ? intf->intfTypeApplicant( vlanType ) : nullptr;
+   if ( type && type->mrpAttribute( vlan ) ) {
+      all += " tree";
+   }
+   auto const * const iter = mvrp.sm().mrpAttrIter( { ethernet1, vlanType } );
+   if ( iter && iter->attributeKey( vlan ) ) {
+      all += " index";
+   }
+   return all;
+}
+
+void del( Participant & mvrp, U16 vlan ) {
+   mvrp.sm().addAttrToDeletePending( Mrp::MrpAttribute( ethernet1, vlanType, vlan ) );
+}
+
+TEST( Pending, reachesTheTreeATenthOfASecondLater ) {
+   Participant mvrp( Mrp::MVRP );
+   mvrp.receive( et1, vlanFrame( 10, JoinIn ) );
+   EXPECT_EQ( where( mvrp, 10 ), "seen index" );
+   EXPECT_TRUE( mvrp.sm().mrpGetAttrFromDatabase( ethernet1, vlanType, 10, true ) );
+   EXPECT_FALSE( mvrp.sm().mrpGetAttrFromDatabase( ethernet1, vlanType, 10, false ) );
+   mvrp.advanceTo( 0.09 );
+   EXPECT_EQ( where( mvrp, 10 ), "seen index" );
+   mvrp.receive( et1, vlanFrame( 10, JoinIn ) ); // goes on on the copy
+   mvrp.advanceTo( 0.11 );
+   EXPECT_EQ( where( mvrp, 10 ), "seen tree index" );
+   EXPECT_EQ( mvrp.states( et1, 10 ), "mrpQuietObserver mrpIn" );
+   EXPECT_EQ( hex( mvrp.attribute( et1, 10 )->value ), "00 0a" );
+
+   del( mvrp, 10 );
+   EXPECT_EQ( where( mvrp, 10 ), " tree index" );
+   EXPECT_FALSE( mvrp.sm().mrpGetAttrFromDatabase( ethernet1, vlanType, 10, false ) );
+   mvrp.advanceTo( 0.2 );
+   EXPECT_EQ( where( mvrp, 10 ), " tree index" );
+   mvrp.advanceTo( 0.22 );
+   EXPECT_EQ( where( mvrp, 10 ), "" );
+}
+
+// Each attribute arrives when the one before has been committed.
+TEST( Pending, commitsFourTimesQuicklyAndThenOnceASecond ) {
+   Participant mvrp( Mrp::MVRP );
+   std::vector< double > times;
+   U16 vlan = 10;
+   mvrp.receive( et1, vlanFrame( vlan, JoinIn ) );
+   for ( int hundredths = 1; hundredths <= 450; ++hundredths ) {
+      mvrp.advanceTo( hundredths / 100.0 );
+      if ( mvrp.attribute( et1, vlan )->committed ) {
+         times.push_back( Korv::now() );
+         mvrp.receive( et1, vlanFrame( ++vlan, JoinIn ) );
+      }
+   }
+   double const expected[] = { 0.1, 0.2, 0.3, 0.4, 1.1, 2.1, 3.1, 4.1 };
+   ASSERT_EQ( times.size(), std::size( expected ) );
+   for ( std::size_t i = 0; i < times.size(); ++i ) {
+      EXPECT_NEAR( times[i], expected[i], 0.06 );
+   }
+}
+
+// Steps within one review: + a join, - a deletion. The tree's entry stays the same object if it
+// outlives them.
+TEST( Pending, settlesWhatComesAndGoesBeforeAReview ) {
+   struct Row {
+      char const * steps;
+      bool committedBefore;
+      char const * at;    // once done
+      char const * later; // and reviewed
+      char const * states;
+   };
+   for ( Row const & row :
+         { Row{ "+-", false, "", "", "none" },
+           { "+-+", false, "seen index", "seen tree index", "mrpAnxiousObserver mrpIn" },
+           { "-", true, " tree index", "", "none" },
+           { "--", true, " tree index", "", "none" },
+           // A fresh copy, which has forgotten what stood in the tree.
+           { "-+", true, "seen tree index", "seen tree index", "mrpAnxiousObserver mrpIn" },
+           // Its copy takes the place in the index along.
+           { "-+-", true, " tree", "", "none" },
+           { "+", true, "seen tree index", "seen tree index", "mrpQuietObserver mrpIn" } } ) {
+      SCOPED_TRACE( row.steps );
+      Participant mvrp( Mrp::MVRP );
+      Mrp::MrpAttrDatabase * before = nullptr;
+      if ( row.committedBefore ) {
+         mvrp.receive( et1, vlanFrame( 10, JoinIn ) );
+         mvrp.advanceTo( 1 );
+         before = mvrp.sm().mrpGetAttrFromDatabase( ethernet1, vlanType, 10, false );
+         ASSERT_TRUE( before );
+      }
+      for ( char const * step = row.steps; *step; ++step ) {
+         if ( *step == '+' ) {
+            mvrp.receive( et1, vlanFrame( 10, JoinIn ) );
+         } else {
+            del( mvrp, 10 );
+         }
+      }
+      EXPECT_EQ( where( mvrp, 10 ), row.at );
+      mvrp.advanceBy( 0.3 );
+      EXPECT_EQ( where( mvrp, 10 ), row.later );
+      EXPECT_EQ( mvrp.states( et1, 10 ), row.states );
+      if ( before && std::string( row.later ) != "" ) {
+         EXPECT_EQ( mvrp.sm().mrpGetAttrFromDatabase( ethernet1, vlanType, 10, false ), before );
+      }
+      EXPECT_TRUE( mvrp.sm().addPendingAttr().empty() );
+      EXPECT_TRUE( mvrp.sm().deletePendingAttr().empty() );
+   }
+}
+
+// The stream that the mirror writes to, over a real socket.
+class Stream : public Korv::NboAttrLog::SocketOutSm {
+ public:
+   Stream() {
+      if ( socketpair( AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, fds_.data() ) != 0 ) {
+         throw std::runtime_error( "socketpair" );
+      }
+   }
+   ~Stream() override {
+      close( fds_[0] );
+      close( fds_[1] );
+   }
+   Korv::S32 sockFd() const override { return fds_[0]; }
+   // True once more than half of the buffer is unsent.
+   bool fill() {
+      int size = 0;
+      socklen_t length = sizeof size;
+      getsockopt( fds_[0], SOL_SOCKET, SO_SNDBUF, &size, &length );
+      while ( unsent() <= size / 2 ) {
+         std::array< char, 4096 > const block{};
+         if ( write( fds_[0], block.data(), block.size() ) <= 0 ) {
+            return false;
+         }
+      }
+      return true;
+   }
+   void drain() {
+      std::array< char, 4096 > block;
+      while ( read( fds_[1], block.data(), block.size() ) > 0 ) {
+      }
+   }
+
+ private:
+   int unsent() const {
+      int bytes = 0;
+      ioctl( fds_[0], SIOCOUTQ, &bytes );
+      return bytes;
+   }
+   std::array< int, 2 > fds_{};
+};
+
+TEST( Pending, waitsForACloggedStreamAndGoesOn ) {
+   Korv::Ptr< Stream > const stream( new Stream );
+   Korv::NboAttrLog::top().socketOutSmIs( "host", stream );
+   Participant mvrp( Mrp::MVRP );
+   Korv::NboAttrLog::top().socketOutSmDel( "host" );
+   ASSERT_EQ( mvrp.sm().mrpAttrLogSm()->attrLogSockFd(), stream->sockFd() );
+   mvrp.receive( et1, vlanFrame( 10, JoinIn ) );
+   mvrp.advanceTo( 1 );
+   ASSERT_EQ( where( mvrp, 10 ), "seen tree index" ); // an empty stream holds nothing up
+
+   ASSERT_TRUE( stream->fill() );
+   del( mvrp, 10 );
+   mvrp.receive( et1, vlanFrame( 11, JoinIn ) );
+   for ( double const time : { 1.15, 1.5, 8.0 } ) {
+      mvrp.advanceTo( time );
+      EXPECT_EQ( where( mvrp, 10 ), " tree index" ) << time;
+      EXPECT_EQ( where( mvrp, 11 ), "seen index" ) << time;
+   }
+   mvrp.receive( et1, vlanFrame( 11, JoinIn ) ); // the machines go on meanwhile
+   EXPECT_EQ( mvrp.states( et1, 11 ), "mrpQuietObserver mrpIn" );
+   stream->drain();
+   mvrp.advanceTo( 8.11 );
+   EXPECT_EQ( where( mvrp, 10 ), "" );
+   EXPECT_EQ( where( mvrp, 11 ), "seen tree index" );
+   EXPECT_EQ( mvrp.states( et1, 11 ), "mrpQuietObserver mrpIn" );
+}
+
+TEST( Tree, isWalkedByAscendingKeyWhateverTheOrderOfArrival ) {
+   Participant mvrp( Mrp::MVRP );
+   for ( U16 const vlan : std::initializer_list< U16 >{ 300, 5, 4000, 20 } ) {
+      mvrp.receive( et1, vlanFrame( vlan, JoinIn ) );
+   }
+   mvrp.advanceTo( 1 );
+   auto const * const type =
+      mvrp.status().application( Mrp::MVRP )->attrDatabase( ethernet1 )->intfTypeApplicant( 1 );
+   std::vector< U64 > keys;
+   for ( auto member = type->mrpAttribute().walk(); member; ++member ) {
+      keys.push_back( member.key() );
+      del( mvrp, static_cast< U16 >( member.key() ) );
+   }
+   EXPECT_THAT( keys, ElementsAre( 5, 20, 300, 4000 ) );
+   mvrp.advanceTo( 2 );
+   EXPECT_EQ( type->mrpAttribute().size(), 0u );
+   EXPECT_FALSE( mvrp.sm().mrpAttrIter( { ethernet1, vlanType } ) );
+}
+
+std::string errorOf( std::function< void() > const & work ) {
+   try {
+      work();
+   } catch ( Korv::RangeException const & error ) {
+      return error.what();
+   }
+   return "";
+}
+
+TEST( Tree, keepsAValueInOnePieceOfTheRing ) {
+   auto const attribute = Mrp::MrpAttrDatabaseIs( 1 );
+   auto const put = [&]( U32 slot ) {
+      return errorOf( [&] { attribute->attributeValueIs( slot, static_cast< U8 >( slot ) ); } );
+   };
+   EXPECT_EQ( put( 3 ), "" );
+   EXPECT_EQ( attribute->attributeValue().head(), 3u );
+   EXPECT_THAT( put( 5 ), testing::HasSubstr( "outside of queue" ) );
+   EXPECT_EQ( put( 4 ), "" );
+   EXPECT_EQ( put( 2 ), "" );
+   EXPECT_EQ( attribute->attributeValue().head(), 2u );
+   EXPECT_EQ( attribute->attributeValue().count(), 3u );
+   EXPECT_NE( put( 65 ), "" );
+   EXPECT_NE( errorOf( [&] { attribute->attributeValueMetadataIs( { 0, 66 } ); } ), "" );
+   for ( int i = 3; i < 65; ++i ) {
+      attribute->attributeValueEnq( 0 );
+   }
+   EXPECT_THAT( errorOf( [&] { attribute->attributeValueEnq( 0 ); } ),
+                testing::HasSubstr( "ArrayQueueStack full" ) );
+   EXPECT_EQ( attribute->attributeValue().count(), 65u );
+}
+
+} // namespace
+} // namespace TestSupport
