@@ -40,6 +40,23 @@ Heap heap() { return now; }
 
 } // namespace Performance
 
+// All forms: one left out would be the runtime's own, and a block of one would go back by the
+// other.
 void * operator new( std::size_t size ) { return Performance::take( size ); }
+void * operator new[]( std::size_t size ) { return Performance::take( size ); }
+void * operator new( std::size_t size, std::nothrow_t const & ) noexcept {
+   return Performance::take( size );
+}
+void * operator new[]( std::size_t size, std::nothrow_t const & ) noexcept {
+   return Performance::take( size );
+}
 void operator delete( void * block ) noexcept { Performance::give( block ); }
+void operator delete[]( void * block ) noexcept { Performance::give( block ); }
 void operator delete( void * block, std::size_t ) noexcept { Performance::give( block ); }
+void operator delete[]( void * block, std::size_t ) noexcept { Performance::give( block ); }
+void operator delete( void * block, std::nothrow_t const & ) noexcept {
+   Performance::give( block );
+}
+void operator delete[]( void * block, std::nothrow_t const & ) noexcept {
+   Performance::give( block );
+}

@@ -10,6 +10,11 @@ VlanId::VlanId( Korv::U16 value ) : value_( value ) {
    }
 }
 
+VlanId VlanId::textRead( Korv::TextReader & in ) {
+   auto const value = Korv::textReadField< Korv::U16 >( in, "value" );
+   return value == 0 ? VlanId() : VlanId( value );
+}
+
 VlanConfig * Config::vlanConfig( VlanId vlanId ) const {
    auto const * const found = vlanConfig_.find( vlanId );
    return found ? found->ptr() : nullptr;

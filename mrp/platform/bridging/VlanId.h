@@ -2,6 +2,7 @@
 #pragma once
 
 #include "mrp/platform/korv/Record.h"
+#include "mrp/platform/korv/Text.h"
 #include "mrp/platform/korv/Types.h"
 
 #include <compare>
@@ -19,6 +20,8 @@ class VlanId {
    Korv::U32 hash() const { return Korv::hashOf( *this ); }
 
    auto operator<=>( VlanId const & ) const = default;
+
+   static VlanId textRead( Korv::TextReader & in );
 
  private:
    Korv::U16 value_ = 0;
