@@ -6,6 +6,6 @@
 int main() {
    auto lib = Mrp::mrpLibFactory();
    lib->applicationIs( Mrp::MVRP );
-   std::cout << "application " << static_cast<int>( lib->application() ) << '\n';
+   std::cout << "application " << static_cast< int >( lib->application() ) << '\n';
    return lib->application() == Mrp::MVRP ? 0 : 1;
 }

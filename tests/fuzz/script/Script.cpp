@@ -20,7 +20,7 @@ constexpr std::size_t frameHead = 14;
 // What a script may cost, so that a fuzzer tries many instead of long ones. One that has spent it
 // ends; the application no longer reacts.
 constexpr std::size_t frameBytesMax = 1600;
-constexpr std::size_t attributesMax = 600;
+constexpr std::size_t attributesMax = 400;
 constexpr int reactionsMax = 200;
 constexpr double timeMax = 30;
 
@@ -323,7 +323,7 @@ class Run {
          lib().mrpInterfaceDisable( Pelk::IntfId( name ) );
       }
       // A shared leave machine lives until its timer fires; a commit waits for a credit.
-      participant_.advanceBy( longestLeaveTime + 10 );
+      participant_.advanceBy( longestLeaveTime + 5 );
       check( sm().addPendingAttr().empty(), "nothing is pending addition" );
       check( sm().deletePendingAttr().empty(), "nothing is pending deletion" );
       check( sm().mrpAttrIter().empty(), "nothing is indexed" );
