@@ -6,11 +6,41 @@
 
 namespace Bench {
 
-LookUps::LookUps( std::vector< Korv::U64 > inOrder ) : inOrder_( std::move( inOrder ) ) {
-   std::vector< Korv::U64 > ascending = inOrder_;
+namespace {
+
+// More than these no processor learns by heart.
+constexpr std::size_t learntKeys = 20'000;
+
+template < int copy >
+[[gnu::noinline]] Korv::U64 lookUpEach( LookUps::Map const & map, LookUps::Keys const & keys ) {
+   Korv::U64 sum = copy; // else the compiler makes one function of all copies
+   for ( Korv::U64 const key : keys ) {
+      sum += map.find( key )->second;
+   }
+   return sum;
+}
+
+} // namespace
+
+LookUps::LookUps( Keys inOrder ) : inOrder_( std::move( inOrder ) ) {
+   Keys ascending = inOrder_;
    std::sort( ascending.begin(), ascending.end() );
    for ( Korv::U64 const key : ascending ) {
       map_.emplace( key, key );
+   }
+   double fastest = 0;
+   for ( auto const loop :
+         { lookUpEach< 0 >, lookUpEach< 1 >, lookUpEach< 2 >, lookUpEach< 3 >, lookUpEach< 4 >,
+           lookUpEach< 5 >, lookUpEach< 6 >, lookUpEach< 7 > } ) {
+      auto const run = [&] { benchmark::DoNotOptimize( loop( map_, inOrder_ ) ); };
+      secondsOf( run, size() > learntKeys ? 1 : Round::settled );
+      for ( int i = 0; i < 16; ++i ) {
+         double const seconds = secondsOf( run, 1 );
+         if ( !loop_ || seconds < fastest ) {
+            loop_ = loop;
+            fastest = seconds;
+         }
+      }
    }
 }
 
