@@ -2,8 +2,7 @@
 //
 // The database holds a value as bytes only; the working copy that machines and encoder use is the
 // pair of Rx and Tx records of the kind in MrpLib.
-#include "mrp/frame/AttributeKinds.h"
-#include "mrp/frame/MrpSm.h"
+#include "mrp/database/ContextAttribute.h"
 #include "mrp/observability/Trace.h"
 
 namespace Mrp {
@@ -15,9 +14,7 @@ MrpApplicationDatabase * MrpSm::applicationDatabase() const {
 MrpIntfTypeApplicant * MrpSm::searchType( Pelk::IntfId intfId, U8 attributeType ) const {
    MrpApplicationDatabase const * const database = applicationDatabase();
    MrpIntfApplicant const * const intf = database ? database->attrDatabase( intfId ) : nullptr;
-   MrpIntfTypeApplicant * const type = intf ? intf->intfTypeApplicant( attributeType ) : nullptr;
-   foundType_ = { type, intfId, Korv::membershipChanges< Korv::Entity >, attributeType };
-   return type;
+   return intf ? intf->intfTypeApplicant( attributeType ) : nullptr;
 }
 
 MrpAttrDatabase * MrpSm::mrpGetAttrFromDatabase( Pelk::IntfId intfId, U8 attributeType,
@@ -29,7 +26,10 @@ MrpAttrDatabase * MrpSm::mrpGetAttrFromDatabase( Pelk::IntfId intfId, U8 attribu
          return copy->ptr();
       }
    }
-   MrpIntfTypeApplicant const * const type = findType( intfId, attributeType );
+   bool const isContext = parseContext_ && intfId == parseContext_->intfId() &&
+                          attributeType == parseContext_->attributeType();
+   MrpIntfTypeApplicant const * const type =
+      isContext ? contextType() : searchType( intfId, attributeType );
    MrpAttrDatabase * const found = type ? type->mrpAttribute( attributeKey ) : nullptr;
    if ( found && !deletePendingAttr_.empty() &&
         isDeletePending( MrpAttribute( intfId, attributeType, attributeKey ) ) ) {
@@ -56,28 +56,18 @@ MrpAttrDatabase * MrpSm::mrpAddAttrToDatabase( Pelk::IntfId intfId, U8 attribute
    return attribute;
 }
 
-// Looks the attribute up, and remembers it. While nothing is pending the tree is all there is, and
-// the neighbour of the last one the most likely: that is the way of a refresh.
 MrpAttrDatabase * MrpSm::mrpFindAttribute( bool addIfNotFound ) {
    MrpParseContext const & context = *parseContext_;
-   Pelk::IntfId const intfId = context.intfId();
-   U8 const attributeType = context.attributeType();
-   U64 const attributeKey = context.attributeKey();
-   MrpAttrDatabase * attribute = nullptr;
-   if ( addPendingAttr_.empty() && deletePendingAttr_.empty() ) [[likely]] {
-      MrpIntfTypeApplicant const * const type = findType( intfId, attributeType );
-      attribute = type ? type->mrpAttribute( attributeKey ) : nullptr;
-   } else {
-      attribute = mrpGetAttrFromDatabase( intfId, attributeType, attributeKey, true );
-   }
+   MrpAttrDatabase * attribute =
+      nothingIsPending() ? contextAttributeInTree()
+                         : mrpGetAttrFromDatabase( context.intfId(), context.attributeType(),
+                                                   context.attributeKey(), true );
    if ( !attribute && addIfNotFound ) {
-      attribute = mrpAddAttrToDatabase( intfId, attributeType, attributeKey, false );
+      attribute = mrpAddAttrToDatabase( context.intfId(), context.attributeType(),
+                                        context.attributeKey(), false );
    }
    found_.attribute = attribute;
-   found_.intfId = intfId;
-   found_.attributeKey = attributeKey;
-   found_.membership = membership();
-   found_.attributeType = attributeType;
+   found_.attributeAt = attribute ? attributeState() : Found::never;
    return attribute;
 }
 
@@ -166,11 +156,8 @@ bool MrpSm::mrpRxVectorSameAsDatabaseAttr() {
 bool MrpSm::msrpRxVectorSameAsDatabaseAttr() {
    bool same = false;
    withAttributeKind( MSRP, parseContext_->attributeType(), [&]( auto kind ) {
-      using Kind = decltype( kind );
-      if ( MrpAttrDatabase const * const stored = mrpGetAttribute( false ) ) {
-         typename Kind::Value const & received = ( mrpLib_->*Kind::rx )();
-         same = stored->attributeValue().sameAs( &received, sizeof received );
-      }
+      MrpAttrDatabase const * const stored = mrpGetAttribute( false );
+      same = stored && rxSameAs< decltype( kind ) >( *stored );
    } );
    return same;
 }

@@ -49,7 +49,7 @@ void MrpSm::addAttrToDeletePending( MrpAttribute const & attribute ) {
 }
 
 void MrpSm::addPendingAttrIs( MrpAttribute const & attribute, Korv::Ptr< MrpAttrDatabase > copy ) {
-   ++pendingChanges_;
+   ++Korv::membershipChanges< MrpAttrDatabase >;
    addPendingAttr_.insertOrAssign( attribute, std::move( copy ) );
 }
 
@@ -59,12 +59,12 @@ MrpAttrDatabase * MrpSm::addPendingAttr( MrpAttribute const & attribute ) const 
 }
 
 void MrpSm::addPendingAttrDel( MrpAttribute const & attribute ) {
-   ++pendingChanges_;
+   ++Korv::membershipChanges< MrpAttrDatabase >;
    addPendingAttr_.erase( attribute );
 }
 
 void MrpSm::addPendingAttrDelAll() {
-   ++pendingChanges_;
+   ++Korv::membershipChanges< MrpAttrDatabase >;
    addPendingAttr_.clear();
 }
 
@@ -77,17 +77,17 @@ bool MrpSm::isDeletePending( MrpAttribute const & attribute ) const {
 }
 
 void MrpSm::deletePendingAttrIs( MrpAttribute const & attribute, bool v ) {
-   ++pendingChanges_;
+   ++Korv::membershipChanges< MrpAttrDatabase >;
    deletePendingAttr_.insertOrAssign( attribute, v );
 }
 
 void MrpSm::deletePendingAttrDel( MrpAttribute const & attribute ) {
-   ++pendingChanges_;
+   ++Korv::membershipChanges< MrpAttrDatabase >;
    deletePendingAttr_.erase( attribute );
 }
 
 void MrpSm::deletePendingAttrDelAll() {
-   ++pendingChanges_;
+   ++Korv::membershipChanges< MrpAttrDatabase >;
    deletePendingAttr_.clear();
 }
 

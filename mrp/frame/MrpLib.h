@@ -19,9 +19,11 @@
 // DatabaseAccess.cpp both fields; the application the Tx field before mrpSendAttribute.
 #pragma once
 
+#include "mrp/platform/bridging/VlanId.h"
 #include "mrp/platform/korv/HashMap.h"
 #include "mrp/platform/korv/Notifier.h"
 #include "mrp/platform/korv/Queue.h"
+#include "mrp/platform/korv/String8.h"
 #include "mrp/platform/pelk/EthAddr.h"
 #include "mrp/platform/pelk/IntfId.h"
 #include "mrp/transmit/MrpTxPacketContext.h"
@@ -184,6 +186,13 @@ class MrpLib : public Korv::Notifier {
    // The application's door. Before the call the Tx field holds the value and mrpOutIntfQueue the
    // interfaces; the machines run once per queued entry, each time on attribute.intfId.
    void mrpSendAttribute( MrpParameters const & attribute );
+
+   // ---- topology/SpanningTree.cpp -------------------------------------------------------------
+   // The name of the tree instance in which the interface's role counts, from the spanning tree's
+   // mode as it is now; empty if there is none. Throws RangeException like the next.
+   Korv::String8 baseSpanningTreeTopo( Pelk::IntfId intfId ) const;
+   // As configured, or 0. Throws RangeException if it is over 4094.
+   Bridging::VlanId getNativeVlanId( Pelk::IntfId intfId ) const;
 
  private:
    MrpApplication application_ = InvalidApplication;

@@ -11,6 +11,7 @@
 #include "mrp/observability/Trace.h"
 #include "mrp/platform/korv/Assert.h"
 #include "mrp/platform/korv/NboAttrLog.h"
+#include "mrp/topology/SpanningTreeMirrors.h"
 #include "mrp/vocabulary/VectorFormat.h"
 
 namespace Mrp {
@@ -47,16 +48,22 @@ MrpSm::MrpSm( Korv::Ptr< Bridging::Config const > brConfig, MrpLib * mrpLib,
               Korv::Ptr< Interface::AllEthPhyIntfStatusDir const > ethPhyIntfStatusDir,
               Korv::Ptr< Mirel::EntityManager > em, bool standbyMode )
    : brConfig_( std::move( brConfig ) ), mrpLib_( mrpLib ), mrpConfig_( std::move( mrpConfig ) ),
-     mrpStatus_( std::move( mrpStatus ) ), stpStatus_( std::move( stpStatus ) ),
+     mrpStatus_( std::move( mrpStatus ) ),
+     stpStatus_( stpStatus ? new KorvStpStatus( std::move( stpStatus ), *this ) : nullptr ),
      brTopoConfig_( std::move( brTopoConfig ) ),
      ethPhyIntfStatusDir_( std::move( ethPhyIntfStatusDir ) ), em_( std::move( em ) ),
      standbyMode_( standbyMode ) {
+   if ( stpStatus_ ) {
+      stpStatus_->handleAppeared();
+   }
    handleInitialized();
 }
 
-// The interfaces close first, while the machines that they close with are there; then what stands
-// on the wheel.
+// The spanning tree says nothing any more. Then the interfaces close, while the machines that they
+// close with are there; then goes what stands on the wheel.
 MrpSm::~MrpSm() {
+   stpStatus_ = nullptr;
+   stpiStatus_ = {};
    mrpPamSm_ = nullptr;
    pamMan_ = nullptr;
    leaveAllSm_ = nullptr;

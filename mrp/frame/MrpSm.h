@@ -84,7 +84,6 @@ class MrpSm : public Korv::PtrInterface {
       return ethPhyIntfStatusDir_;
    }
    Korv::Ptr< Mirel::EntityManager > const & em() const { return em_; }
-   Korv::Ptr< Stp::Status const > const & stpStatus() const { return stpStatus_; }
 
    // The agent ends standby by standbyModeIs( false ) and then handleStandbyMode(), once; nothing
    // watches the attribute. A further call makes all machines anew and leaves the interfaces
@@ -218,12 +217,8 @@ class MrpSm : public Korv::PtrInterface {
    // The attribute that the parse context names. One call of an indication or a review may end it:
    // hold it by a Ptr across such a call.
    MrpAttrDatabase * mrpGetAttribute( bool addIfNotFound ) {
-      MrpParseContext const & context = *parseContext_;
-      bool const isRemembered = found_.attribute && found_.attributeKey == context.attributeKey() &&
-                                found_.intfId == context.intfId() &&
-                                found_.attributeType == context.attributeType() &&
-                                found_.membership == membership();
-      return isRemembered ? found_.attribute : mrpFindAttribute( addIfNotFound );
+      return found_.attributeAt == attributeState() ? found_.attribute
+                                                    : mrpFindAttribute( addIfNotFound );
    }
    void mrpDeleteAttrFromDatabase();
    // Writes the Tx or the Rx record of the parse context's type into the attribute's value.
@@ -285,52 +280,77 @@ class MrpSm : public Korv::PtrInterface {
    // The interface's leave time in seconds: its override, unless that is 0, or the system's.
    Korv::Seconds mrpGetLeaveTime( Pelk::IntfId intfId ) const;
 
+   // ---- topology/SpanningTree.cpp: port roles -------------------------------------------------
+   // Mirrors of the spanning tree's status, in SpanningTreeMirrors.h.
+   class KorvStpStatus;
+   class KorvStpiStatus;
+   class KorvMstiStatus;
+   class KorvMstiPortStatus;
+   template < class Mirror >
+   using SpanningTreeMirrors = Korv::HashMap< Korv::Name, Korv::Ptr< Mirror > >;
+   using PortRoles = Korv::HashMap< Pelk::IntfId, Stp::MstiPortStatus::Role >;
+
+   // The reactor on the status that the agent gave; null if it gave none.
+   Korv::Ptr< KorvStpStatus > const & stpStatus() const { return stpStatus_; }
+   SpanningTreeMirrors< KorvStpiStatus > const & stpiStatus() const { return stpiStatus_; }
+   // The role last seen on each interface while it was wanted, in standby too; no entry ever goes.
+   PortRoles const & oldPortRole() const { return oldPortRole_; }
+   Stp::MstiPortStatus::Role oldPortRole( Pelk::IntfId intfId ) const;
+   // The role of a port may have changed, or its record come or gone. Writes the parse context.
+   // Throws RangeException for an interface whose native VLAN is no VLAN's number.
+   void handleRole( Korv::Name const & portName, Korv::Name const & mstiName,
+                    Korv::Name const & stpiName );
+
  private:
-   // Where the parse context's attribute was found, good until membership changes anywhere.
-   struct FoundAttribute {
+   // Where the attribute of the parse context was found, and the node of its type: each good while
+   // the state that it was found in lasts.
+   struct Found {
+      static constexpr U64 never = ~U64{ 0 };
       MrpAttrDatabase * attribute = nullptr;
-      Pelk::IntfId intfId;
-      U64 attributeKey = 0;
-      U64 membership = 0;
-      U8 attributeType = 0;
-   };
-   struct FoundType {
       MrpIntfTypeApplicant * type = nullptr;
-      Pelk::IntfId intfId;
-      U64 membership = 0;
-      U8 attributeType = 0;
+      U64 attributeAt = never;
+      U64 typeAt = never;
    };
 
    MrpApplicationDatabase * applicationDatabase() const;
    void rebuildAttrIter();
-   // Rises with each change of membership that could change what a look-up of an attribute finds.
-   U64 membership() const {
-      return pendingChanges_ + Korv::membershipChanges< MrpAttrDatabase > +
-             Korv::membershipChanges< Korv::Entity >;
+   // Each rises with all that could change what a look-up by the parse context finds.
+   U64 typeState() const {
+      return parseContext_->placeChanges() + Korv::membershipChanges< Korv::Entity >;
    }
+   U64 attributeState() const {
+      return typeState() + parseContext_->keyChanges() +
+             Korv::membershipChanges< MrpAttrDatabase >;
+   }
+   bool nothingIsPending() const { return addPendingAttr_.empty() && deletePendingAttr_.empty(); }
    MrpAttrDatabase * mrpFindAttribute( bool addIfNotFound );
-   // The node of the type, remembered until one of the levels down to it changes anywhere.
-   MrpIntfTypeApplicant * findType( Pelk::IntfId intfId, U8 attributeType ) const {
-      FoundType const & found = foundType_;
-      bool const isRemembered = found.type && found.intfId == intfId &&
-                                found.attributeType == attributeType &&
-                                found.membership == Korv::membershipChanges< Korv::Entity >;
-      return isRemembered ? found.type : searchType( intfId, attributeType );
-   }
+   MrpAttrDatabase * contextAttributeInTree() const;
    MrpIntfTypeApplicant * searchType( Pelk::IntfId intfId, U8 attributeType ) const;
+   // The node of the parse context's type, remembered.
+   MrpIntfTypeApplicant * contextType() const;
 
    // The decoder's work on one value, its kind known.
    template < class Kind >
    void processValue( U8 event, U16 eventNum );
    template < class Kind >
    void saveValue();
+   template < class Kind >
+   bool rxSameAs( MrpAttrDatabase const & stored ) const;
+
+   // A saved value to the machines, its kind known.
+   template < class Kind >
+   void fillFromSavedValue( Pelk::IntfId intfId, MrpParsedAttribute const & attribute );
+   template < class Kind >
+   void processRecord( MrpParsedAttribute const & record, Pelk::IntfId intfId );
+   template < class Kind >
+   bool isRefresh( U8 event ) const;
 
    // given
    Korv::Ptr< Bridging::Config const > brConfig_;
    MrpLib * mrpLib_;
    Korv::Ptr< MrpConfig const > mrpConfig_;
    Korv::Ptr< MrpStatus > mrpStatus_;
-   Korv::Ptr< Stp::Status const > stpStatus_;
+   Korv::Ptr< KorvStpStatus > stpStatus_;
    Korv::Ptr< Bridging::Topology::Config const > brTopoConfig_;
    Korv::Ptr< Interface::AllEthPhyIntfStatusDir const > ethPhyIntfStatusDir_;
    Korv::Ptr< Mirel::EntityManager > em_;
@@ -345,6 +365,10 @@ class MrpSm : public Korv::PtrInterface {
    Korv::Ptr< Interface::EthDevPamCollection > pamCollection_;
    Korv::Ptr< Interface::EthDevPamManager > pamMan_;
    Korv::Ptr< MrpPamSm > mrpPamSm_;
+
+   // spanning tree
+   PortRoles oldPortRole_;
+   SpanningTreeMirrors< KorvStpiStatus > stpiStatus_;
 
    // machines
    Korv::Ptr< Dovr::TimerWheel > timerWheel_;
@@ -369,9 +393,7 @@ class MrpSm : public Korv::PtrInterface {
    AddPending addPendingAttr_;
    Korv::Ptr< MrpDatabaseDeleteSm > mrpDatabaseDeleteSm_;
    Korv::Ptr< MrpDatabaseAddSm > mrpDatabaseAddSm_;
-   U64 pendingChanges_ = 0; // of the two pending sets
-   mutable FoundAttribute found_;
-   mutable FoundType foundType_;
+   mutable Found found_;
 
    bool initialized_ = false;
 };

@@ -114,6 +114,23 @@ inline constexpr std::array< ApplicantRow, 13 > table{
 };
 // clang-format on
 
+// By event, a bit for each state in which it changes nothing and sends nothing.
+inline constexpr auto quiet = [] {
+   std::array< U16, table.size() > bits{};
+   for ( U32 event = 0; event < table.size(); ++event ) {
+      for ( U32 state = 0; state < table[event].cells.size(); ++state ) {
+         ApplicantCell const & cell = table[event].cells[state];
+         bool const isQuiet = cell.sends == ApplicantSends::nothing && !cell.moves;
+         bits[event] = static_cast< U16 >( bits[event] | ( isQuiet ? 1u << state : 0u ) );
+      }
+   }
+   return bits;
+}();
+// The event is one of the table's.
+constexpr bool isQuiet( MrpApplicantState state, MrpApplicantEvent event ) {
+   return state <= mrpLeavingObserver && ( quiet[event] >> state & 1u ) != 0;
+}
+
 constexpr bool rowsStandAtTheirEvents() {
    for ( U32 i = 0; i < table.size(); ++i ) {
       if ( table[i].event != i ) {

@@ -48,7 +48,7 @@ class MrpApplicantSm : public Korv::PtrInterface {
    void mrpSetApplicantState( MrpApplicantState state );
    // The event of a MrpThreePackedEvent number from the wire.
    MrpApplicantEvent mrpMapRxApplicantEvent( U8 rxEvent ) const {
-      constexpr std::array< MrpApplicantEvent, 6 > events{ rxNew,    rxJoinIn, rxIn,
+      static constexpr std::array< MrpApplicantEvent, 6 > events{ rxNew,    rxJoinIn, rxIn,
                                                            rxJoinMt, rxMt,     rxLv };
       return rxEvent < events.size() ? events[rxEvent] : invalidApplicantEvent;
    }

@@ -48,7 +48,9 @@ void MrpLeaveSm::handleLeaveTimer() {
 
 // A join that waits in the socket is to reach the registrar before its attribute expires.
 void MrpLeaveSm::doReceiveWaitingFrame() {
-   Korv::Ptr< MrpIntfPamSm > const intf = mrpSm_->mrpPamSm()->mrpIntfPamSm( key_.intfId() );
+   // Not held: over the frame the application may close the interface and open it anew, and a
+   // machine that closed only after its successor had opened would take its LeaveAll along.
+   MrpIntfPamSm * const intf = mrpSm_->mrpPamSm()->mrpIntfPamSm( key_.intfId() );
    if ( !intf ) {
       return;
    }

@@ -47,7 +47,7 @@ class MrpRegistrarSm : public Korv::PtrInterface {
    void mrpSetRegistrarState( MrpRegistrarState state );
    // The event of a MrpThreePackedEvent number from the wire.
    MrpRegistrarEvent mrpMapRxRegistrarEvent( U8 rxEvent ) const {
-      constexpr std::array< MrpRegistrarEvent, 6 > events{
+      static constexpr std::array< MrpRegistrarEvent, 6 > events{
          regNew, regJoinIn, invalidRegistrarEvent, regJoinMt, invalidRegistrarEvent, regLv };
       return rxEvent < events.size() ? events[rxEvent] : invalidRegistrarEvent;
    }

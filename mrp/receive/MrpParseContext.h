@@ -32,11 +32,30 @@ class MrpParseContext : public Korv::NamedEntity {
 
    // The attribute: interface, MsrpAttrType or MvrpAttrType number, key.
    Pelk::IntfId intfId() const { return intfId_; }
-   void intfIdIs( Pelk::IntfId v ) { set( intfId_, v, &Reactor::onIntfId ); }
+   void intfIdIs( Pelk::IntfId v ) {
+      if ( intfId_ != v ) {
+         ++placeChanges_;
+         set( intfId_, v, &Reactor::onIntfId );
+      }
+   }
    U8 attributeType() const { return attributeType_; }
-   void attributeTypeIs( U8 v ) { set( attributeType_, v, &Reactor::onAttributeType ); }
+   void attributeTypeIs( U8 v ) {
+      if ( attributeType_ != v ) {
+         ++placeChanges_;
+         set( attributeType_, v, &Reactor::onAttributeType );
+      }
+   }
    U64 attributeKey() const { return attributeKey_; }
-   void attributeKeyIs( U64 v ) { set( attributeKey_, v, &Reactor::onAttributeKey ); }
+   void attributeKeyIs( U64 v ) {
+      if ( attributeKey_ != v ) {
+         ++keyChanges_;
+         set( attributeKey_, v, &Reactor::onAttributeKey );
+      }
+   }
+   // How often interface or type have changed, and the key: who has looked the attribute up
+   // compares.
+   U64 placeChanges() const { return placeChanges_; }
+   U64 keyChanges() const { return keyChanges_; }
    // A MrpThreePackedEvent number.
    U8 attributeEvent() const { return attributeEvent_; }
    void attributeEventIs( U8 v ) { set( attributeEvent_, v, &Reactor::onAttributeEvent ); }
@@ -87,6 +106,8 @@ class MrpParseContext : public Korv::NamedEntity {
  private:
    Pelk::IntfId intfId_;
    U64 attributeKey_ = 0;
+   U64 placeChanges_ = 0;
+   U64 keyChanges_ = 0;
    U32 eventsCounter_ = 0;
    U16 attributeListBytesLeft_ = 0;
    U16 numberOfValues_ = 0;

@@ -14,7 +14,7 @@ void MrpParsedAttribute::putEach( void const * bytes, U32 size ) {
 
 // A record that somebody else still holds is left to them.
 void MrpParsedAttributes::replaceRecord( MrpParsedAttributeKey key ) {
-   if ( size_ == records_.size() ) {
+   if ( size_ + 1 == records_.size() ) {
       records_.emplace_back();
    }
    records_[size_] = new MrpParsedAttribute( key );

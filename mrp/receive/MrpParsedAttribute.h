@@ -56,7 +56,7 @@ class MrpParsedAttribute : public Korv::PtrInterface {
 // its room: after the first large frame it allocates nothing.
 //
 //  1. Records 0 to size() - 1 are the frame's, in the order of their first arrival; those behind
-//     wait for later frames.
+//     wait for later frames, and the last of all is null.
 //  2. While each key has come behind all before it, which is how frames are made, the records are
 //     sorted and need no index. With the first that does not, index_ has a place for each.
 //  3. A frame is asked for its attributes in the order of their arrival, so that a look-up first
@@ -86,7 +86,8 @@ class MrpParsedAttributes {
 
    // The next waiting record, made new.
    MrpParsedAttribute * append( MrpParsedAttributeKey key ) {
-      if ( size_ == records_.size() || records_[size_]->references() > 1 ) {
+      MrpParsedAttribute const * const waiting = records_[size_].ptr();
+      if ( !waiting || waiting->references() > 1 ) [[unlikely]] {
          replaceRecord( key );
       }
       MrpParsedAttribute & record = *records_[size_++];
@@ -102,7 +103,7 @@ class MrpParsedAttributes {
    std::size_t slotOf( MrpParsedAttributeKey key ) const;
    void rebuildIndex();
 
-   std::vector< Korv::Ptr< MrpParsedAttribute > > records_;
+   std::vector< Korv::Ptr< MrpParsedAttribute > > records_{ nullptr };
    std::size_t size_ = 0;
    bool isSorted_ = true;
    std::vector< U32 > index_; // 0: free; else a place in records_, counted from 1; not kept up

@@ -4,8 +4,8 @@
 // ascending type, a transmit pass, the MSRP domains, all other attributes in the order of the
 // frame. So a LeaveAll can take into account what the same frame says of each attribute, and a
 // frame's domains are in force when its talkers and listeners reach the application.
-#include "mrp/frame/AttributeKinds.h"
-#include "mrp/frame/MrpSm.h"
+#include "mrp/database/ContextAttribute.h"
+#include "mrp/machines/ApplicantTable.h"
 #include "mrp/machines/MrpApplicantSm.h"
 #include "mrp/machines/MrpLeaveAllSm.h"
 #include "mrp/machines/MrpRegistrarSm.h"
@@ -50,20 +50,76 @@ void MrpSm::processParsedAttribute( MrpParsedAttributeKey key, Pelk::IntfId intf
    if ( !record ) {
       return;
    }
-   fillMrpLibFromSavedValue( intfId, *record );
-   U8 const event = record->attributeEvent();
+   withAttributeKindOrNone( mrpLib_->application(), key.attributeType(), [&]( auto kind ) {
+      processRecord< decltype( kind ) >( *record, intfId );
+   } );
+}
+
+template < class Kind >
+void MrpSm::processRecord( MrpParsedAttribute const & record, Pelk::IntfId intfId ) {
+   fillFromSavedValue< Kind >( intfId, record );
+   U8 const event = record.attributeEvent();
    parseContext_->intfIdIs( intfId );
-   parseContext_->attributeTypeIs( record->key().attributeType() );
-   parseContext_->attributeKeyIs( record->key().attributeKey() );
+   parseContext_->attributeTypeIs( record.key().attributeType() );
+   parseContext_->attributeKeyIs( record.key().attributeKey() );
    parseContext_->attributeEventIs( event );
 
    // The applicant first: it makes a missing attribute, which the registrar then finds.
    applicantSm_->applicantEventIs( applicantSm_->mrpMapRxApplicantEvent( event ) );
+   if ( isRefresh< Kind >( event ) ) {
+      registrarSm_->registrarEventIs( registrarSm_->mrpMapRxRegistrarEvent( event ) );
+      mrpCounters_->numOfJoinIndicationsInc( 1 );
+      return;
+   }
    applicantSm_->handleApplicantEvent();
    registrarSm_->registrarEventIs( registrarSm_->mrpMapRxRegistrarEvent( event ) );
    registrarSm_->handleRegistrarEvent();
 }
 
+// What nearly all attributes of nearly all frames do: they are registered with this value already,
+// and there is nothing to say to them. All that the machines would then do is count a join, and it
+// would take them most of a frame's time. A domain is indicated every time.
+template < class Kind >
+bool MrpSm::isRefresh( U8 event ) const {
+   if constexpr ( std::is_same_v< Kind, NoKind > || std::is_same_v< Kind, DomainKind > ) {
+      return false;
+   } else {
+      if ( ( event != joinInEvent && event != joinMtEvent ) || !nothingIsPending() ||
+           traceIsOn( 8 ) ) {
+         return false;
+      }
+      MrpAttrDatabase const * const attribute = contextAttributeInTree();
+      return attribute && attribute->registrarState() == mrpIn &&
+             ApplicantCells::isQuiet( attribute->applicantState(),
+                                      applicantSm_->applicantEvent() ) &&
+             rxSameAs< Kind >( *attribute );
+   }
+}
+
+// The received value becomes the value to send.
+template < class Kind >
+void MrpSm::fillFromSavedValue( Pelk::IntfId intfId, MrpParsedAttribute const & attribute ) {
+   if constexpr ( std::is_same_v< Kind, NoKind > ) {
+      trace( 8, " valueSize = 0!! " );
+   } else {
+      typename Kind::Value value;
+      attribute.attributeValue().copyOut( &value, sizeof value );
+      ( mrpLib_->*Kind::rxIs )( value );
+      ( mrpLib_->*Kind::txIs )( value );
+   }
+   // But a domain is answered with what this participant already holds for the class.
+   if constexpr ( std::is_same_v< Kind, DomainKind > ) {
+      MrpAttrDatabase const * const stored =
+         mrpGetAttrFromDatabase( intfId, domainVector, attribute.key().attributeKey(), true );
+      if ( stored ) {
+         MsrpDomainAttribute value;
+         stored->attributeValue().copyOut( &value, sizeof value );
+         mrpLib_->msrpDomainVectorTxIs( value );
+      }
+   }
+}
+
+// The public forms find the kind afresh.
 void MrpSm::fillMrpLibFromSavedValue( Pelk::IntfId intfId, MrpParsedAttribute const & attribute ) {
    switch ( mrpLib_->application() ) {
    case MSRP: fillMsrpLibFromSavedValue( intfId, attribute ); break;
@@ -71,43 +127,15 @@ void MrpSm::fillMrpLibFromSavedValue( Pelk::IntfId intfId, MrpParsedAttribute co
    default: break;
    }
 }
-
-namespace {
-
-// The received value becomes the value to send.
-void fillBoth( MrpLib & lib, MrpApplication application, MrpParsedAttribute const & attribute ) {
-   bool const known =
-      withAttributeKind( application, attribute.key().attributeType(), [&]( auto kind ) {
-         using Kind = decltype( kind );
-         typename Kind::Value value;
-         attribute.attributeValue().copyOut( &value, sizeof value );
-         ( lib.*Kind::rxIs )( value );
-         ( lib.*Kind::txIs )( value );
-      } );
-   if ( !known ) {
-      trace( 8, " valueSize = 0!! " );
-   }
-}
-
-} // namespace
-
 void MrpSm::fillMsrpLibFromSavedValue( Pelk::IntfId intfId, MrpParsedAttribute const & attribute ) {
-   fillBoth( *mrpLib_, MSRP, attribute );
-   if ( attribute.key().attributeType() != domainVector ) {
-      return;
-   }
-   // A domain is answered with what this participant already holds for the class.
-   MrpAttrDatabase const * const stored =
-      mrpGetAttrFromDatabase( intfId, domainVector, attribute.key().attributeKey(), true );
-   if ( stored ) {
-      MsrpDomainAttribute value;
-      stored->attributeValue().copyOut( &value, sizeof value );
-      mrpLib_->msrpDomainVectorTxIs( value );
-   }
+   withAttributeKindOrNone( MSRP, attribute.key().attributeType(), [&]( auto kind ) {
+      fillFromSavedValue< decltype( kind ) >( intfId, attribute );
+   } );
 }
-
-void MrpSm::fillMvrpLibFromSavedValue( Pelk::IntfId, MrpParsedAttribute const & attribute ) {
-   fillBoth( *mrpLib_, MVRP, attribute );
+void MrpSm::fillMvrpLibFromSavedValue( Pelk::IntfId intfId, MrpParsedAttribute const & attribute ) {
+   withAttributeKindOrNone( MVRP, attribute.key().attributeType(), [&]( auto kind ) {
+      fillFromSavedValue< decltype( kind ) >( intfId, attribute );
+   } );
 }
 
 namespace {

@@ -11,6 +11,7 @@
 #include "mrp/platform/korv/Format.h"
 #include "mrp/vocabulary/VectorFormat.h"
 
+#include <array>
 #include <cstring>
 
 namespace Mrp {
@@ -152,21 +153,29 @@ MrpParseStatus eventsDoNotFit( MrpSm & mrpSm, U32 eventBytes, std::size_t bytesL
    return parseMalformedPkt;
 }
 
+// The events in each ThreePackedEvents byte; above 215 the first of them is none of the six.
+constexpr auto eventsOfByte = [] {
+   std::array< std::array< U8, eventsPerThreePackedByte >, 256 > events{};
+   for ( U32 byte = 0; byte < events.size(); ++byte ) {
+      events[byte] = { static_cast< U8 >( byte / 36 ), static_cast< U8 >( byte / 6 % 6 ),
+                       static_cast< U8 >( byte % 6 ) };
+   }
+   return events;
+}();
+
 // Walks the ThreePackedEvents at the cursor, which stays where it is: onEvent( event, eventNum )
 // for each of the n values. What is left over in the last byte is not read.
 template < class OnEvent >
 void walkThreePacked( U8 const * bytes, U16 n, OnEvent onEvent ) {
    U16 eventNum = 0;
-   while ( eventNum < n ) {
-      U8 const byte = *bytes++;
-      U8 const events[3] = { static_cast< U8 >( byte / 36 ), static_cast< U8 >( byte / 6 % 6 ),
-                             static_cast< U8 >( byte % 6 ) };
-      for ( U8 const event : events ) {
-         if ( eventNum == n ) {
-            return;
-         }
-         onEvent( event, eventNum++ );
-      }
+   while ( n - eventNum >= 3 ) {
+      auto const & events = eventsOfByte[*bytes++];
+      onEvent( events[0], eventNum++ );
+      onEvent( events[1], eventNum++ );
+      onEvent( events[2], eventNum++ );
+   }
+   for ( U32 i = 0; eventNum < n; ++i ) {
+      onEvent( eventsOfByte[*bytes][i], eventNum++ );
    }
 }
 

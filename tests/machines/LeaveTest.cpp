@@ -157,5 +157,33 @@ TEST( Leave, readsAFrameThatWaitsBeforeItLetsGo ) {
    }
 }
 
+// Over a frame that waited the application may close the interface and open it anew: that one is
+// alive like any other.
+TEST( Leave, leavesAnInterfaceAliveThatTheWaitingFrameHasReopened ) {
+   Participant::Options options;
+   options.standby = true;
+   Participant mvrp( MVRP, { et1 }, options );
+   mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn } ) ) );
+   mvrp.sm().standbyModeIs( false );
+   mvrp.sm().handleStandbyMode();
+   mvrp.receive( et1, mvrpFrame( vlans( 10, { Lv } ) ) );
+   mvrp.receive( et1, mvrpFrame( vlans( 20, { JoinIn } ) ) );
+   mvrp.lib().react = [&]( Indication const & indication ) {
+      ASSERT_EQ( indication.key, 20u );
+      mvrp.lib().mrpInterfaceDisable( id( et1 ) );
+      mvrp.lib().mrpInterfaceEnable( id( et1 ) );
+   };
+   mvrp.advanceTo( 3 );
+   ASSERT_EQ( mvrp.lib().indications.size(), 2u );
+   EXPECT_NEAR( mvrp.lib().indications[1].time, 0.6, 0.11 );
+   EXPECT_TRUE( mvrp.sm().leaveAllSm()->intfLeaveAllSm( id( et1 ) ) );
+   mvrp.lib().react = {};
+   mvrp.clear();
+   mvrp.receive( et1, mvrpFrame( vlans( 30, { JoinIn } ) ) );
+   EXPECT_EQ( mvrp.states( et1, 30 ), "mrpAnxiousObserver mrpIn" );
+   mvrp.advanceTo( 12 );
+   EXPECT_THAT( mvrp.said(), testing::Contains( testing::HasSubstr( "LeaveAll" ) ) );
+}
+
 } // namespace
 } // namespace TestSupport

@@ -3,23 +3,31 @@
 
 #include "mrp/platform/interface/IntfDir.h"
 
+#include <optional>
+
 namespace Interface {
 
 class IntfStatus : public IntfEntry {
  public:
-   IntfStatus( Pelk::IntfId const & intfId, Korv::U32 mtu ) : IntfEntry( intfId ), mtu_( mtu ) {}
+   IntfStatus( Pelk::IntfId const & intfId, Korv::U32 mtu, bool up )
+      : IntfEntry( intfId ), mtu_( mtu ), up_( up ) {}
 
    class Reactor : public Korv::ReactorOn< IntfStatus > {
     public:
       virtual void onMtu() {}
+      virtual void onUp() {}
    };
 
    // In bytes.
    Korv::U32 mtu() const { return mtu_; }
    void mtuIs( Korv::U32 mtu ) { set( mtu_, mtu, &Reactor::onMtu ); }
+   // Switched on, and with a partner at the other end. Packet access does not ask.
+   bool up() const { return up_; }
+   void upIs( bool up ) { set( up_, up, &Reactor::onUp ); }
 
  private:
    Korv::U32 mtu_;
+   bool up_;
 };
 
 // At "interface/status/all". An interface without an entry has no MTU of its own.
@@ -27,9 +35,12 @@ class AllIntfStatusDir : public IntfDir< IntfStatus > {
  public:
    using IntfDir::IntfDir;
 
-   IntfStatus * intfStatusIs( Pelk::IntfId const & intfId, Korv::U32 mtu ) {
-      auto const entry = findOrMake( intfId, mtu );
+   // An interface is up unless something else has been said.
+   IntfStatus * intfStatusIs( Pelk::IntfId const & intfId, Korv::U32 mtu,
+                              std::optional< bool > up = {} ) {
+      auto const entry = findOrMake( intfId, mtu, up.value_or( true ) );
       entry->mtuIs( mtu );
+      entry->upIs( up.value_or( entry->up() ) );
       return intfStatus( intfId );
    }
 };

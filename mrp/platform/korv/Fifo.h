@@ -30,8 +30,8 @@ class Fifo {
       if ( empty() ) {
          return T{};
       }
-      T const value = entries_[head_++];
-      if ( empty() ) {
+      T const value = front();
+      if ( ++head_ == tail_ ) [[unlikely]] {
          head_ = tail_ = 0;
       }
       return value;

@@ -1,9 +1,26 @@
 #include "mrp/platform/memory/Pam.h"
 
 #include "mrp/platform/memory/Device.h"
+#include "mrp/platform/pelk/PktManager.h"
 #include "mrp/platform/pelk/ReceivePool.h"
 
+#include <algorithm>
+
 namespace Memory {
+
+namespace {
+
+// The receive pool has no packets for these.
+Korv::Ptr< Pelk::Pkt > runt( FrameBytes frame ) {
+   Korv::Ptr< Pelk::Pkt > const pkt = Pelk::globalPktManager().newPkt();
+   if ( pkt ) {
+      pkt->newSharedHeadData( frame.size() );
+      std::copy( frame.begin(), frame.end(), pkt->frontData() );
+   }
+   return pkt;
+}
+
+} // namespace
 
 Pam::Pam( Korv::Ptr< Device > device, KernelNetInfo::PamSettings const & settings )
    : device_( std::move( device ) ), settings_( settings ) {
@@ -18,7 +35,9 @@ Korv::Ptr< Pelk::Pkt > Pam::rxPkt() {
    }
    FrameBytes const frame = waiting_.deq();
    handleTaken();
-   return Pelk::receivePool().newPkt( frame.data(), frame.size() );
+   return frame.size() < Pelk::ReceivePool::frameBytesMin
+             ? runt( frame )
+             : Pelk::receivePool().newPkt( frame.data(), frame.size() );
 }
 
 void Pam::txPkt( Korv::Ptr< Pelk::Pkt > pkt ) {
@@ -47,6 +66,10 @@ bool Pam::deliverPastFilter( FrameBytes frame ) {
       ++heldBack_;
       return false;
    }
+   return deliverAnything( frame );
+}
+
+bool Pam::deliverAnything( FrameBytes frame ) {
    if ( settings_.rxQueueFrames != 0 && waiting_.size() >= settings_.rxQueueFrames ) {
       ++overrun_;
       return false;

@@ -28,6 +28,8 @@ class Pam : public Pelk::EthDevPam {
    bool deliver( FrameBytes frame );
    // The same past the filter.
    bool deliverPastFilter( FrameBytes frame );
+   // The same for a runt too: whoever reads that has something to assert.
+   bool deliverAnything( FrameBytes frame );
 
    Korv::U64 heldBack() const { return heldBack_; } // by the filter, and runts
    Korv::U64 overrun() const { return overrun_; }   // with too many waiting

@@ -20,7 +20,9 @@ Child * make( Korv::Entity * parent, Children< Child > & children, Name const & 
 
 } // namespace
 
+// Who hears of a change may take a whole level away: until the result is known the record stays.
 MstiPortStatus * MstiStatus::mstiPortStatusIs( Name const & name, MstiPortStatus::Role role ) {
+   Korv::Ptr< MstiStatus const > const self( this );
    if ( make( this, mstiPortStatus_, name, role ) ) {
       notify( &Reactor::onMstiPortStatus, name );
    } else {
@@ -36,6 +38,7 @@ void MstiStatus::mstiPortStatusDel( Name const & name ) {
 }
 
 MstiStatus * StpiStatus::mstiStatusIs( Name const & name ) {
+   Korv::Ptr< StpiStatus const > const self( this );
    if ( make( this, mstiStatus_, name ) ) {
       notify( &Reactor::onMstiStatus, name );
    }

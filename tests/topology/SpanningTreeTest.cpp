@@ -1,0 +1,316 @@
+// Roles of ports in the spanning tree, and what they do to the attributes of an interface.
+#include "mrp/observability/RingSites.h"
+#include "mrp/platform/korv/RangeException.h"
+#include "mrp/topology/SpanningTreeMirrors.h"
+
+#include "tests/support/Participant.h"
+
+#include <gmock/gmock.h>
+
+namespace TestSupport {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using enum Stp::MstiPortStatus::Role;
+using Role = Stp::MstiPortStatus::Role;
+
+std::string const et1 = "Ethernet1";
+std::string const et2 = "Ethernet2";
+Pelk::IntfId const ethernet1( et1 );
+Pelk::IntfId const ethernet2( et2 );
+
+Stp::MstiStatus * tree( Memory::Host & host, std::string const & name = "Cist" ) {
+   return host.stpStatus()->stpiStatusIs( "default" )->mstiStatusIs( name );
+}
+void roleIs( Participant & participant, Role role, std::string const & interface = et1,
+             std::string const & instance = "Cist" ) {
+   tree( participant.host(), instance )->mstiPortStatusIs( interface, role );
+}
+
+// Writes down each call of handleRole that concerns a wanted interface in its base topology, and
+// what it leads to.
+class Calls : public Sornlog::File {
+ public:
+   Calls() { Sornlog::fileIs( this ); }
+   ~Calls() override { Sornlog::fileIs( nullptr ); }
+   void write( Sornlog::Site const & site, std::span< Sornlog::Argument const > names ) override {
+      if ( &site == &Mrp::Ring::handleRole || &site == &Mrp::Ring::flushOccurred ||
+           &site == &Mrp::Ring::redeclareOccurred ) {
+         calls_.push_back( Sornlog::text( site, names ) );
+      }
+   }
+   std::vector< std::string > taken() { return std::exchange( calls_, {} ); }
+
+ private:
+   std::vector< std::string > calls_;
+};
+std::string const call1 = "MrpSm::handleRole()Ethernet1, Cist, default";
+std::string const call2 = "MrpSm::handleRole()Ethernet2, Cist, default";
+
+// VLANs 10 and 11 are registered, 10 is declared, too; 12 is about to leave. All frames are out.
+void load( Participant & mvrp ) {
+   mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn, JoinMt, JoinMt } ) ) );
+   mvrp.declare( et1, Vlan{ 10 }, JoinIn );
+   mvrp.advanceBy( 1 );
+   mvrp.receive( et1, mvrpFrame( vlans( 12, { Lv } ) ) );
+   mvrp.advanceBy( 0.2 );
+   mvrp.clear();
+}
+
+// What a change of a role has then done to the three.
+std::string effect( Participant & mvrp ) {
+   std::string states;
+   for ( U64 const vlan : { 10u, 11u, 12u } ) {
+      auto const found = mvrp.attribute( et1, vlan );
+      states += found ? Mrp::stringValue( found->registrar ) + ' ' : "none ";
+   }
+   return states == "mrpIn mrpIn mrpLv "   ? "nothing"
+          : states == "mrpMt none none "   ? "flush"
+          : states == "mrpLv mrpLv mrpLv " ? "redeclare"
+                                           : states;
+}
+
+std::string effectOf( Participant & mvrp, Role from, Role to ) {
+   roleIs( mvrp, from );
+   load( mvrp );
+   roleIs( mvrp, to );
+   return effect( mvrp );
+}
+
+TEST( PortRole, flushesOrRedeclaresBetweenForwardingAndAlternate ) {
+   for ( unsigned from = 0; from <= 6; ++from ) {
+      for ( unsigned to = 0; to <= 6; ++to ) {
+         bool const flush = ( from == 1 || from == 2 ) && to == 3;
+         bool const redeclare = from == 3 && ( to == 1 || to == 2 );
+         Participant mvrp( Mrp::MVRP );
+         std::string const expected = flush ? "flush" : redeclare ? "redeclare" : "nothing";
+         EXPECT_EQ( effectOf( mvrp, Role{ from }, Role{ to } ), expected ) << from << " to " << to;
+      }
+   }
+}
+
+// The leaving VLAN is reported, the others go in silence; nothing is said to the neighbours.
+TEST( PortRole, aFlushActsOnTheRegistrarAlone ) {
+   Participant mvrp( Mrp::MVRP );
+   EXPECT_EQ( effectOf( mvrp, root, alternate ), "flush" );
+   mvrp.advanceBy( 2 );
+   EXPECT_THAT( mvrp.indications(), ElementsAre( "leave vlan 12 on Ethernet1" ) );
+   EXPECT_EQ( mvrp.states( et1, 10 ), "mrpQuietActive mrpMt" );
+   EXPECT_THAT( mvrp.said(), IsEmpty() );
+}
+
+// What is said waits for the transmit timer, in both frames; the registrations then run out.
+TEST( PortRole, aRedeclarationIsSaidAtTheNextTransmission ) {
+   Participant mvrp( Mrp::MVRP, { et1, et2 } );
+   mvrp.receive( et2, mvrpFrame( vlans( 10, { JoinIn } ) ) );
+   EXPECT_EQ( effectOf( mvrp, alternate, designated ), "redeclare" );
+   EXPECT_THAT( mvrp.said(), IsEmpty() );
+   mvrp.advanceBy( 0.11 );
+   EXPECT_THAT( mvrp.said(), ElementsAre( "Ethernet1: vlan{10 JoinIn, 11 In, 12 Mt}",
+                                          "Ethernet1: vlan{10 JoinIn}" ) );
+   EXPECT_THAT( mvrp.indications(), IsEmpty() );
+   mvrp.advanceBy( 1 );
+   EXPECT_EQ( mvrp.indications().size(), 3u );
+   EXPECT_EQ( mvrp.states( et2, 10 ), "mrpAnxiousObserver mrpIn" );
+}
+
+TEST( PortRole, reachesAllTypesOfTheApplication ) {
+   Participant msrp( Mrp::MSRP );
+   roleIs( msrp, root );
+   msrp.receive( et1, msrpFrame( domains( { 6, 3, 2 }, { JoinMt } ), talkers( 0x100, { JoinMt } ),
+                                 failedTalkers( FailedTalker{ talker( 0x200 ) }, { JoinMt } ),
+                                 listeners( 0x300, { { JoinMt, Ready } } ) ) );
+   roleIs( msrp, alternate );
+   EXPECT_EQ( msrp.indications().size(), 4u );
+   for ( auto const & [type, key] : { std::pair< U8, U64 >( talkerType, 0x100 ),
+                                      { failedType, 0x200 },
+                                      { listenerType, 0x300 },
+                                      { domainType, 6 } } ) {
+      EXPECT_EQ( msrp.states( et1, type, key ), "none" );
+   }
+}
+
+TEST( PortRole, ofAnUnwantedInterfaceIsNotRemembered ) {
+   Participant mvrp( Mrp::MVRP );
+   roleIs( mvrp, root );
+   mvrp.lib().mrpInterfaceDisable( ethernet1 );
+   roleIs( mvrp, alternate );
+   EXPECT_EQ( mvrp.sm().oldPortRole( ethernet1 ), root ); // kept meanwhile
+   mvrp.lib().mrpInterfaceEnable( ethernet1 );
+   load( mvrp );
+   EXPECT_EQ( effect( mvrp ), "nothing" );
+   tree( mvrp.host() )->mstiPortStatusDel( et1 );
+   roleIs( mvrp, alternate ); // seen at last
+   EXPECT_EQ( effect( mvrp ), "flush" );
+   mvrp.sm().desiredIntfDir()->intfDesiredIs( ethernet1, false ); // an entry that says no
+   roleIs( mvrp, root );
+   EXPECT_EQ( mvrp.sm().oldPortRole( ethernet1 ), alternate );
+}
+
+TEST( PortRole, isRememberedInStandbyAndNoMore ) {
+   Participant::Options options;
+   options.standby = true;
+   Participant mvrp( Mrp::MVRP, { et1 }, options );
+   Calls calls;
+   roleIs( mvrp, root );
+   roleIs( mvrp, alternate );
+   EXPECT_THAT( calls.taken(), ElementsAre( call1, call1 ) );
+   EXPECT_EQ( mvrp.sm().oldPortRole( ethernet1 ), alternate );
+   mvrp.sm().standbyModeIs( false );
+   roleIs( mvrp, root ); // there are no machines yet
+   roleIs( mvrp, alternate );
+   EXPECT_THAT( calls.taken(), ElementsAre( call1, "Re-declare! event occurred", call1,
+                                            "Flush! event occurred" ) );
+   mvrp.sm().handleStandbyMode();
+   load( mvrp );
+   tree( mvrp.host() )->mstiPortStatusDel( et1 );
+   roleIs( mvrp, alternate ); // the same one, seen again
+   EXPECT_EQ( effect( mvrp ), "nothing" );
+   roleIs( mvrp, designated );
+   EXPECT_EQ( effect( mvrp ), "redeclare" );
+}
+
+TEST( BaseTopology, followsModeAndNativeVlan ) {
+   Participant mvrp( Mrp::MVRP );
+   auto & bridge = *mvrp.host().brConfig();
+   bridge.vlanConfigIs( Bridging::VlanId( 7 ) );
+   EXPECT_EQ( mvrp.lib().getNativeVlanId( ethernet1 ).value(), 0 ); // of no record
+   struct Row {
+      std::vector< Korv::S32 > modes;
+      std::vector< U16 > nativeVlans; // 7 is a configured one
+      char const * name;
+   };
+   std::vector< Korv::S32 > const others{ 100, 101, 1, -2, 102 };
+   for ( Row const & row :
+         { Row{ { 0, 2, 3 }, { 7, 4095 }, "Cist" },
+           { { -1 }, { 7, 4095 }, "NoStp" },
+           { { 100 }, { 7 }, "Bkup7" },
+           { { 101 }, { 7 }, "Vl7" },
+           { { 1, -2, 102 }, { 7 }, "" },
+           { others, { 0, 8 }, "" },
+           { others, { 4095, 65535 }, "VlanId::value < 1 or > 4094 not allowed" } } ) {
+      for ( Korv::S32 const mode : row.modes ) {
+         for ( U16 const nativeVlan : row.nativeVlans ) {
+            mvrp.host().stpStatus()->stpModeIs( mode );
+            bridge.switchIntfConfigIs( ethernet1 )->nativeVlanIs( nativeVlan );
+            std::string name;
+            try {
+               name = mvrp.lib().baseSpanningTreeTopo( ethernet1 ).stringValue();
+            } catch ( Korv::RangeException const & refusal ) {
+               name = refusal.what();
+            }
+            EXPECT_EQ( name, row.name ) << "mode " << mode << ", VLAN " << nativeVlan;
+         }
+      }
+   }
+}
+
+// A change of the mode is no event; the next change of a role is looked at in the new tree.
+TEST( BaseTopology, isTheOneTreeThatCounts ) {
+   Participant mvrp( Mrp::MVRP );
+   mvrp.host().brConfig()->vlanConfigIs( Bridging::VlanId( 7 ) );
+   auto * const intf = mvrp.host().brConfig()->switchIntfConfigIs( ethernet1 );
+   intf->nativeVlanIs( 7 );
+   roleIs( mvrp, alternate, et1, "Bkup7" );
+   EXPECT_EQ( effectOf( mvrp, root, designated ), "nothing" );
+   roleIs( mvrp, root, et1, "Bkup7" );
+   mvrp.host().stpStatus()->stpModeIs( 100 );
+   roleIs( mvrp, alternate, et1, "Cist" );
+   EXPECT_EQ( effect( mvrp ), "nothing" );
+   EXPECT_EQ( mvrp.sm().oldPortRole( ethernet1 ), designated );
+
+   intf->nativeVlanIs( 5000 );
+   EXPECT_THROW( roleIs( mvrp, designated, et1, "Bkup7" ), Korv::RangeException );
+   intf->nativeVlanIs( 7 );
+   roleIs( mvrp, alternate, et1, "Bkup7" ); // against the role of the other tree
+   EXPECT_EQ( effect( mvrp ), "flush" );
+}
+
+TEST( Mirrors, comeAndGoWithTheirRecords ) {
+   Participant mvrp( Mrp::MVRP, { et1, et2 } );
+   Calls calls;
+   roleIs( mvrp, root );
+   EXPECT_THAT( calls.taken(), ElementsAre( call1 ) );
+   roleIs( mvrp, alternate );
+   roleIs( mvrp, alternate );
+   EXPECT_THAT( calls.taken(), ElementsAre( call1, "Flush! event occurred" ) );
+   tree( mvrp.host() )->mstiPortStatusDel( et1 );
+   EXPECT_THAT( calls.taken(), ElementsAre( call1 ) );
+   EXPECT_EQ( mvrp.sm().oldPortRole( ethernet1 ), alternate );
+
+   // With a level above them, one by one.
+   roleIs( mvrp, alternate );
+   roleIs( mvrp, root, et2 );
+   EXPECT_THAT( calls.taken(), ElementsAre( call1, call2 ) );
+   mvrp.host().stpStatus()->stpiStatus( "default" )->mstiStatusDel( "Cist" );
+   EXPECT_THAT( calls.taken(), ElementsAre( call1, call2 ) );
+   roleIs( mvrp, alternate );
+   mvrp.host().stpStatus()->stpiStatusDel( "default" );
+   EXPECT_THAT( calls.taken(), ElementsAre( call1, call1 ) );
+   EXPECT_TRUE( mvrp.sm().stpiStatus().empty() );
+}
+
+// An application that takes all records away when it hears of the leave.
+TEST( Mirrors, mayGoWithinTheirOwnChange ) {
+   Participant mvrp( Mrp::MVRP );
+   mvrp.lib().react = [&]( Indication const & indication ) {
+      if ( !indication.join ) {
+         mvrp.host().stpStatus()->stpiStatusDel( "default" );
+      }
+   };
+   EXPECT_EQ( effectOf( mvrp, root, alternate ), "flush" );
+   EXPECT_TRUE( mvrp.sm().stpiStatus().empty() );
+}
+
+// Ahead of the mirrors, puts another record in the place of one that has gone.
+struct Replacer : Stp::StpiStatus::Reactor {
+   explicit Replacer( Memory::Host & h ) : host( h ) {}
+   void onMstiStatus( Korv::Name const & ) override {
+      notifierIs( nullptr );
+      tree( host )->mstiPortStatusIs( et1, alternate );
+   }
+   Memory::Host & host;
+};
+
+TEST( Mirrors, startAndEndWithTheParticipant ) {
+   Memory::VirtualActivity const activity;
+   Memory::Host host;
+   host.brConfig()->switchIntfConfigIs( ethernet1 )->nativeVlanIs( 5000 );
+   host.stpStatus()->stpModeIs( 100 ); // no base topology can be had
+   tree( host )->mstiPortStatusIs( et1, root );
+   Replacer replacer( host );
+   replacer.notifierIs( host.stpStatus()->stpiStatus( "default" ) );
+   Korv::Ptr< RecordingLib > const lib( new RecordingLib );
+   auto const make = [&]( Korv::Ptr< Stp::Status const > stpStatus ) {
+      return Mrp::mrpSmFactory( host.brConfig(), lib.ptr(), Mrp::mrpConfigFactory( "MrpConfig" ),
+                                Mrp::mrpStatusFactory( "MrpStatus" ), stpStatus,
+                                host.brTopoConfig(), host.ethPhyIntfStatusDir(), host.em(), false );
+   };
+   auto sm = make( host.stpStatus() );
+   host.stpStatus()->stpModeIs( 0 );
+   lib->mrpInterfaceEnable( ethernet1 );
+   EXPECT_TRUE( sm->oldPortRole().empty() ); // nothing was wanted when the role was seen
+   tree( host )->mstiPortStatusIs( et1, designated );
+   EXPECT_EQ( sm->oldPortRole( ethernet1 ), designated );
+   host.stpStatus()->stpiStatus( "default" )->mstiStatusDel( "Cist" );
+   EXPECT_EQ( sm->oldPortRole( ethernet1 ), alternate );
+   tree( host )->mstiPortStatusIs( et1, root );
+   EXPECT_EQ( sm->oldPortRole( ethernet1 ), root );
+
+   // A change that has not been seen is not made up for at the end.
+   lib->mrpInterfaceDisable( ethernet1 );
+   tree( host )->mstiPortStatusIs( et1, alternate );
+   lib->mrpInterfaceEnable( ethernet1 );
+   Calls calls;
+   sm = nullptr;
+   tree( host )->mstiPortStatusIs( et1, root );
+   EXPECT_THAT( calls.taken(), IsEmpty() );
+
+   sm = make( nullptr );
+   EXPECT_FALSE( sm->stpStatus() );
+   EXPECT_EQ( lib->baseSpanningTreeTopo( ethernet1 ), "" );
+}
+
+} // namespace
+} // namespace TestSupport
