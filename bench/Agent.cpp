@@ -9,13 +9,11 @@ namespace Bench {
 
 namespace {
 
-constexpr Korv::Seconds never = 1e6;
-
 Pelk::EthAddr address( U64 number ) { return Pelk::EthAddr::fromNumber( number ); }
 
 } // namespace
 
-Agent::Agent( Mrp::MrpApplication application, std::size_t interfaces )
+Agent::Agent( Mrp::MrpApplication application, std::size_t interfaces, Korv::Seconds leaveAllTime )
    : lib_( Mrp::mrpLibFactory() ), status_( Mrp::mrpStatusFactory( "status" ) ) {
    auto const protocol =
       application == Mrp::MSRP ? TestSupport::Protocol::msrp : TestSupport::Protocol::mvrp;
@@ -27,7 +25,7 @@ Agent::Agent( Mrp::MrpApplication application, std::size_t interfaces )
    lib_->applicationMacAddrIs( address( TestSupport::groupAddress( protocol ) ) );
    lib_->applicationEtypeIs( TestSupport::etherType( protocol ) );
    auto const config = Mrp::mrpConfigFactory( "config" );
-   config->leaveAllTimeIs( never );
+   config->leaveAllTimeIs( leaveAllTime );
    sm_ = Mrp::mrpSmFactory( host_.brConfig(), lib_.ptr(), config, status_, host_.stpStatus(),
                             host_.brTopoConfig(), host_.ethPhyIntfStatusDir(), host_.em(), false );
    for ( Pelk::IntfId const & intfId : intfIds_ ) {

@@ -16,11 +16,12 @@ namespace Bench {
 using Korv::U64;
 using TestSupport::Bytes;
 
-// Stands on the activity manager that is installed. Its own LeaveAll never comes, so that time can
-// go on between rounds without one.
+// Stands on the activity manager that is installed. Its own LeaveAll comes as good as never unless
+// told otherwise, so that time can go on between rounds without one.
 class Agent {
  public:
-   Agent( Mrp::MrpApplication application, std::size_t interfaces );
+   Agent( Mrp::MrpApplication application, std::size_t interfaces,
+          Korv::Seconds leaveAllTime = 1e6 );
    ~Agent();
    Agent( Agent const & ) = delete;
    Agent & operator=( Agent const & ) = delete;
@@ -32,6 +33,9 @@ class Agent {
    }
    // An application's declaration of a VLAN, on the first interface.
    void declareVlan( Korv::U16 vlanId );
+
+   Mrp::MrpSm & sm() { return *sm_; }
+   Pelk::IntfId intfId( std::size_t interface ) const { return intfIds_[interface]; }
 
    U64 joins() const { return sm_->mrpCounters()->numOfJoinIndications(); }
    U64 framesSent() const { return sm_->mrpCounters()->numOfPktsTransmitted(); }

@@ -13,6 +13,10 @@ void leaveAllRound( benchmark::State & state );
 void declarations( benchmark::State & state );
 // StreamBench.cpp
 void refreshTalkers( benchmark::State & state );
+// LifeBench.cpp
+void sentLeaveAll( benchmark::State & state );
+void expiry( benchmark::State & state );
+void idle( benchmark::State & state );
 // ScaleBench.cpp
 void refreshAtScale( benchmark::State & state );
 

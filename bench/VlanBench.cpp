@@ -68,6 +68,7 @@ void firstRegistration( benchmark::State & state ) {
                 .check = [&] { return agent->committed( vlanType ) == allVlans; },
                 .attributes = allVlans } );
 }
+
 // A LeaveAll, which is answered and starts a leave timer, and everything joined again by the frame
 // behind it.
 void leaveAllRound( benchmark::State & state ) {
@@ -93,8 +94,10 @@ void leaveAllRound( benchmark::State & state ) {
         .yardstick = lookUps,
         .check =
            [&] { return agent.framesSent() > sent && agent.registered( vlanType ) == allVlans; },
-        .attributes = allVlans } );
+        .attributes = allVlans },
+      { .aim = 4.0 } );
 }
+
 // The application's side: each VLAN by a call, until the transmit timer has sent the last frame.
 void declarations( benchmark::State & state ) {
    Memory::VirtualActivity activity;

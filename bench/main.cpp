@@ -16,6 +16,9 @@ constexpr Entry entries[] = {
    { "leaveAllRound", Bench::leaveAllRound, 300 },
    { "declarations", Bench::declarations, 100 },
    { "refreshTalkers", Bench::refreshTalkers, 400 },
+   { "sentLeaveAll", Bench::sentLeaveAll, 100 },
+   { "expiry", Bench::expiry, 100 },
+   { "idle", Bench::idle, 3 },
    { "refreshAtScale", Bench::refreshAtScale, 60 },
 };
 

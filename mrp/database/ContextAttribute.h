@@ -16,6 +16,10 @@ inline MrpIntfTypeApplicant * MrpSm::contextType() const {
    return found_.type;
 }
 
+// How many attributes ahead of a frame's walk the database is brought near: a switch holds more of
+// them than its caches, and without this each would be waited for.
+inline constexpr std::size_t attributesAhead = 12;
+
 // While nothing is pending the tree is all there is, and the neighbour of the attribute found last
 // the most likely: that is the way of a refresh.
 inline MrpAttrDatabase * MrpSm::contextAttributeInTree() const {
@@ -24,6 +28,11 @@ inline MrpAttrDatabase * MrpSm::contextAttributeInTree() const {
       MrpIntfTypeApplicant const * const type = contextType();
       found_.attribute = type ? type->mrpAttribute( parseContext_->attributeKey() ) : nullptr;
       found_.attributeAt = found_.attribute ? state : Found::never;
+      if ( found_.attribute ) {
+         if ( auto const * const soon = type->mrpAttribute().ahead( attributesAhead ) ) {
+            ( *soon )->willBeRead();
+         }
+      }
    }
    return found_.attribute;
 }

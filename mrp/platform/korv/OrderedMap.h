@@ -58,6 +58,23 @@ class OrderedMap {
       return search( key );
    }
 
+   // The value some places behind the one found last, or null: for who walks by find() and wants
+   // what comes to be near when its turn has come.
+   V const * ahead( std::size_t places ) const {
+      Row const * row = last_.row;
+      if ( !row ) {
+         return nullptr;
+      }
+      std::size_t at = last_.at + places;
+      if ( at >= row->cells.size() ) [[unlikely]] {
+         at -= row->cells.size();
+         if ( ++row == rows_.data() + rows_.size() || at >= row->cells.size() ) {
+            return nullptr;
+         }
+      }
+      return &row->cells[at].value;
+   }
+
    // The value under the key, made by `make()` if there is none yet.
    template < class Make >
    V & findOrMake( K const & key, Make && make ) {
