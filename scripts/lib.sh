@@ -5,8 +5,10 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 mkdir -p build/log
 
-build_packages=( g++ cmake ninja-build pkg-config libpcap-dev libcli11-dev nlohmann-json3-dev )
+build_packages=( g++ cmake ninja-build pkg-config libpcap-dev libcli11-dev nlohmann-json3-dev
+   libtomlplusplus-dev )
 bench_packages=( libgtest-dev libgmock-dev libbenchmark-dev )
+demo_packages=( iproute2 python3 tcpdump )
 test_packages=( "${bench_packages[@]}" python3 iproute2 tshark )
 clang_packages=( clang libclang-rt-14-dev )
 format_packages=( clang-format )
@@ -24,6 +26,7 @@ proof() {
       libpcap-dev) echo pcap/pcap.h ;;
       libcli11-dev) echo CLI/CLI.hpp ;;
       nlohmann-json3-dev) echo nlohmann/json.hpp ;;
+      libtomlplusplus-dev) echo toml++/toml.h ;;
       libgtest-dev) echo gtest/gtest.h ;;
       libgmock-dev) echo gmock/gmock.h ;;
       libbenchmark-dev) echo benchmark/benchmark.h ;;
