@@ -59,6 +59,16 @@ Korv::U16 ethertypeArgument( std::string const & text ) {
    return *number;
 }
 
+Korv::U64 numberArgument( std::string const & text, std::string const & what, Korv::U64 lowest,
+                          Korv::U64 highest ) {
+   auto const number = numberIn< Korv::U64 >( text, 10 );
+   if ( !number || *number < lowest || *number > highest ) {
+      throw CommandError( "'" + text + "' is no " + what + ": " + std::to_string( lowest ) +
+                          " to " + std::to_string( highest ) );
+   }
+   return *number;
+}
+
 Nanoseconds durationArgument( std::string const & text ) {
    constexpr double longest = 1e9;
    auto const seconds = numberIn< double >( text, std::chars_format::fixed );

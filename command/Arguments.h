@@ -16,6 +16,9 @@ Mrp::MrpApplication applicationArgument( std::string const & text );
 Pelk::EthAddr addressArgument( std::string const & text );
 // In decimal, or in hexadecimal with 0x.
 Korv::U16 ethertypeArgument( std::string const & text );
+// A whole number in decimal, of these bounds; `what` says what it would be, as "VLAN".
+Korv::U64 numberArgument( std::string const & text, std::string const & what, Korv::U64 lowest,
+                          Korv::U64 highest );
 // Seconds, with a fraction or without; up to a billion.
 Nanoseconds durationArgument( std::string const & text );
 

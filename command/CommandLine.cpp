@@ -4,6 +4,8 @@
 
 #include "command/CommandError.h"
 #include "command/ReplayCommand.h"
+#include "command/RunCommand.h"
+#include "command/ScriptCommand.h"
 
 #include <CLI/CLI.hpp>
 
@@ -81,6 +83,87 @@ void describeReplay( CLI::App & mrp, Run & run ) {
    } );
 }
 
+void describeScript( CLI::App & mrp, Run & run ) {
+   CLI::App & app = *mrp.add_subcommand(
+      "script", "Run a participant through a script of timed steps, and show what it does" );
+   auto const options = std::make_shared< ScriptOptions >();
+   app.add_option( "--out", options->outDirectory,
+                   "Write what interface NAME transmitted to DIR/NAME.pcap" )
+      ->type_name( "DIR" );
+   app.add_flag( "-j,--json", options->json, "Print one JSON document and nothing else" );
+   app.add_option( "FILE", options->path, "The script" )->type_name( "FILE.json" )->required();
+   app.footer(
+      "The participant stands alone on in-memory wires and a virtual clock. The times of LeaveAll\n"
+      "are drawn with the C library's rand() and its default seed: the same script always gives\n"
+      "the same output.\n"
+      "\n"
+      "The exit status is 1 if the engine gave up on a broken invariant or a value out of range:\n"
+      "what happened up to there is printed all the same. docs/scenario-scripts.md has the form." );
+   app.callback( [options, &run] {
+      run = [options]( std::ostream & out, std::ostream & err ) {
+         return script( *options, out, err );
+      };
+   } );
+}
+
+// An option of `mrp run`, on the command line as the table of them has it.
+void addRunOption( CLI::App & app, RunOption const & option, RunOptions & target ) {
+   std::string const name = option.name;
+   auto const read = [&option, &target]( std::vector< std::string > const & texts ) {
+      for ( std::string const & text : texts ) {
+         try {
+            option.read( target, text );
+         } catch ( CommandError const & error ) {
+            throw CommandError( "--" + std::string( option.name ) + ": " + error.what() );
+         }
+      }
+   };
+   if ( !option.typeName ) {
+      app.add_flag_function(
+         ( name == "json" ? "-j,--" : "--" ) + name,
+         [read]( std::int64_t count ) { read( { count > 0 ? "true" : "false" } ); },
+         option.description );
+      return;
+   }
+   bool const isPositional = name == "interfaces";
+   CLI::Option * const added = app.add_option_function< std::vector< std::string > >(
+      isPositional ? option.typeName : "--" + name, read, option.description );
+   added->type_name( isPositional ? "" : option.typeName );
+   if ( !isPositional ) {
+      // One text each time it is given, and not all that follow.
+      using Policy = CLI::MultiOptionPolicy;
+      added->expected( 1 )->allow_extra_args( false )->multi_option_policy(
+         option.isList ? Policy::TakeAll : Policy::Throw );
+   }
+}
+
+void describeRun( CLI::App & mrp, Run & run ) {
+   CLI::App & app = *mrp.add_subcommand( "run", "Take part on network interfaces" );
+   auto const arguments = std::make_shared< RunArguments >();
+   app.add_option( "--config", arguments->configFile,
+                   "A TOML file with any of these options; the command line goes before it" )
+      ->type_name( "FILE" );
+   for ( RunOption const & option : runOptions() ) {
+      addRunOption( app, option, arguments->options );
+   }
+   app.footer(
+      "A line is printed for each join and each leave: the seconds since the start, the\n"
+      "interface, what happened to what.\n"
+      "\n"
+      "A talker is given as stream=ID,dest=MAC,frame-size=BYTES and, where the default will not\n"
+      "do, interval-frames=N [1], class=A|B [A], vlan=VLAN [that of the class], rank=0|1 [1],\n"
+      "latency=NANOSECONDS [0]. An ID is eight bytes: 02:00:00:00:00:01:00:07. A domain is given\n"
+      "as class=A,priority=3,vlan=2, which is class A if nothing is said; class B has priority 2.\n"
+      "\n"
+      "SIGTERM and SIGINT withdraw what was declared and end the command with exit status 0;\n"
+      "SIGUSR1 prints all attributes. It takes CAP_NET_RAW. docs/running.md tells more." );
+   app.callback( [arguments, &run] {
+      run = [arguments]( std::ostream & out, std::ostream & err ) {
+         return Command::run( *arguments, out, err );
+      };
+   } );
+}
+
 // CLI11 speaks of what is missing, also where something else stands in its place.
 std::string usageWords( CLI::App const & app, CLI::ParseError const & error, int argc,
                         char const * const * argv ) {
@@ -107,6 +190,8 @@ int runCommandLine( int argc, char const * const * argv, std::ostream & out, std
    app.require_subcommand( 1 );
    Run run;
    describeReplay( app, run );
+   describeRun( app, run );
+   describeScript( app, run );
 
    try {
       app.parse( argc, argv );

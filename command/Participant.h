@@ -11,6 +11,7 @@
 
 #include "command/RecordingLib.h"
 
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -28,6 +29,9 @@ struct ParticipantSettings {
    Korv::U16 ethertype;
    Pelk::EthAddr bridgeAddress;
    std::vector< Interface > interfaces;
+   bool standby = false; // at the start
+   // Called before the start; may be empty.
+   std::function< void( Mrp::MrpConfig &, Mrp::MrpStatus & ) > prepare = {};
 };
 
 class Participant {
@@ -39,23 +43,36 @@ class Participant {
    ~Participant();
 
    ParticipantSettings const & settings() const { return settings_; }
-   Memory::Host const & host() const { return host_; }
+   Memory::Host & host() { return host_; }
+   Mrp::MrpConfig & config() { return *config_; }
    RecordingLib & lib() { return *lib_; }
+   Mrp::MrpSm & sm() { return *sm_; }
    Mrp::MrpSm const & sm() const { return *sm_; }
    Timeline const & timeline() const { return timeline_; }
 
    void advanceTo( Korv::Seconds time ) { activity_.advanceTo( time ); }
 
    // A frame from the wire, now, through the filter.
-   void deliver( Pelk::IntfId intfId, Memory::FrameBytes frame );
+   void deliver( Pelk::IntfId intfId, Memory::FrameBytes frame ) {
+      deliver( intfId, frame, &Memory::Pam::deliver );
+   }
+   // The same past the filter, whatever the frame is.
+   void deliverPastFilter( Pelk::IntfId intfId, Memory::FrameBytes frame ) {
+      deliver( intfId, frame, &Memory::Pam::deliverAnything );
+   }
    // Of an interface that is enabled: how many frames the filter has held back.
    Korv::U64 heldBack( Pelk::IntfId intfId ) const;
 
  private:
+   void deliver( Pelk::IntfId intfId, Memory::FrameBytes frame,
+                 bool ( Memory::Pam::*intake )( Memory::FrameBytes ) );
+
    ParticipantSettings settings_;
    Timeline timeline_;
    Memory::VirtualActivity activity_;
    Memory::Host host_;
+   Korv::Ptr< Mrp::MrpConfig > config_;
+   Korv::Ptr< Mrp::MrpStatus > status_;
    Korv::Ptr< RecordingLib > lib_;
    Korv::Ptr< Mrp::MrpSm > sm_;
 };

@@ -4,10 +4,10 @@
 #include "command/Participant.h"
 #include "command/Progress.h"
 #include "command/Report.h"
+#include "command/SentCaptures.h"
+#include "command/WellKnown.h"
 
 #include <algorithm>
-#include <cmath>
-#include <filesystem>
 #include <set>
 
 namespace Command {
@@ -17,12 +17,6 @@ namespace {
 constexpr Korv::U32 mtu = 1500;
 constexpr Korv::U64 firstAddress = 0x0200'0000'0001;
 constexpr Pelk::EthAddr bridgeAddress( 0x02, 0, 0, 0, 0, 0 );
-
-// What IEEE 802.1Q assigns: tables 8-1 and 10-1 for addresses, 10-2 for types.
-constexpr Pelk::EthAddr mvrpAddress( 0x01, 0x80, 0xC2, 0x00, 0x00, 0x21 );
-constexpr Pelk::EthAddr msrpAddress( 0x01, 0x80, 0xC2, 0x00, 0x00, 0x0E );
-constexpr Korv::U16 mvrpEthertype = 0x88F5;
-constexpr Korv::U16 msrpEthertype = 0x22EA;
 
 Korv::Seconds inSeconds( Nanoseconds time ) {
    return static_cast< Korv::Seconds >( time ) / nanosecondsPerSecond;
@@ -38,36 +32,21 @@ void checkNames( std::vector< NamedCapture > const & captures ) {
    }
 }
 
-// The directory, with a file for each interface; none of them may be a capture that was given.
-std::vector< std::filesystem::path > outputFiles( ReplayOptions const & options ) {
-   namespace fs = std::filesystem;
-   std::vector< fs::path > files;
-   if ( options.outDirectory.empty() ) {
-      return files;
+SentCaptures sentCaptures( ReplayOptions const & options ) {
+   std::vector< std::string > interfaces;
+   std::vector< std::string > inputs;
+   for ( NamedCapture const & capture : options.captures ) {
+      interfaces.push_back( capture.interface );
+      inputs.push_back( capture.path );
    }
-   std::error_code error;
-   fs::create_directories( options.outDirectory, error );
-   if ( error ) {
-      throw CommandError( options.outDirectory + ": cannot be made: " + error.message() );
-   }
-   for ( NamedCapture const & named : options.captures ) {
-      files.push_back( fs::path( options.outDirectory ) / ( named.interface + ".pcap" ) );
-      for ( NamedCapture const & capture : options.captures ) {
-         if ( fs::equivalent( files.back(), capture.path, error ) ) {
-            throw CommandError( capture.path + ": would be overwritten by --out " +
-                                options.outDirectory );
-         }
-      }
-   }
-   return files;
+   return SentCaptures( options.outDirectory, interfaces, inputs );
 }
 
 ParticipantSettings settingsOf( ReplayOptions const & options ) {
-   bool const isMvrp = options.application == Mrp::MVRP;
    ParticipantSettings settings{
       options.application,
-      options.address.value_or( isMvrp ? mvrpAddress : msrpAddress ),
-      options.ethertype.value_or( isMvrp ? mvrpEthertype : msrpEthertype ),
+      options.address.value_or( wellKnownAddress( options.application ) ),
+      options.ethertype.value_or( wellKnownEthertype( options.application ) ),
       bridgeAddress,
       {} };
    Korv::U64 address = firstAddress;
@@ -129,20 +108,6 @@ void run( Participant & participant, std::vector< Arrival > const & arrivals, Na
    advanceTo( end );
 }
 
-// What the interface sent, from the time that is the participant's 0.
-std::vector< CapturedFrame > sentFrames( Report const & report, std::string const & interface,
-                                         Nanoseconds start ) {
-   std::vector< CapturedFrame > frames;
-   for ( Happening const & happening : report.timeline ) {
-      if ( happening.kind == Happening::Kind::said &&
-           happening.intfId.stringValue() == interface ) {
-         Nanoseconds const since = std::llround( happening.time * nanosecondsPerSecond );
-         frames.push_back( { start + since, happening.bytes } );
-      }
-   }
-   return frames;
-}
-
 } // namespace
 
 int replay( ReplayOptions const & options, std::ostream & out, std::ostream & err ) {
@@ -162,7 +127,7 @@ int replay( ReplayOptions const & options, std::ostream & out, std::ostream & er
 
    Nanoseconds const end = last + options.tail;
    checkDuration( end );
-   auto const files = outputFiles( options );
+   SentCaptures const sent = sentCaptures( options );
 
    Participant participant( settings );
    for ( auto const & interface : settings.interfaces ) {
@@ -171,9 +136,7 @@ int replay( ReplayOptions const & options, std::ostream & out, std::ostream & er
    run( participant, arrivals, start, end );
 
    Report const report = gatherReport( participant );
-   for ( std::size_t i = 0; i < files.size(); ++i ) {
-      writeCapture( files[i].string(), sentFrames( report, options.captures[i].interface, start ) );
-   }
+   sent.write( report, start );
    ( options.json ? writeJson : writeText )( report, out );
    return 0;
 }

@@ -3,6 +3,7 @@
 #include "command/Participant.h"
 
 #include <algorithm>
+#include <map>
 #include <tuple>
 
 namespace Command {
@@ -35,6 +36,22 @@ void addCommitted( Report & report, Mrp::MrpSm const & sm, Pelk::IntfId intfId,
    }
 }
 
+void countFrames( Report & report ) {
+   std::map< std::string_view, Report::Interface * > byName;
+   for ( auto & interface : report.interfaces ) {
+      byName[interface.name] = &interface;
+   }
+   for ( Happening const & happening : report.timeline ) {
+      auto const found = byName.find( happening.intfId.stringValue() );
+      if ( found != byName.end() ) {
+         found->second->received += happening.kind == Happening::Kind::heard ? 1 : 0;
+         found->second->transmitted += happening.kind == Happening::Kind::said ? 1 : 0;
+      }
+   }
+}
+
+} // namespace
+
 void addAttributes( Report & report, Mrp::MrpSm const & sm ) {
    if ( auto const * const tree = sm.mrpStatus()->application( report.application ) ) {
       for ( auto intf = tree->attrDatabase().walk(); intf; ++intf ) {
@@ -52,28 +69,20 @@ void addAttributes( Report & report, Mrp::MrpSm const & sm ) {
    std::ranges::sort( report.attributes, {}, order );
 }
 
-Korv::U64 count( Timeline const & timeline, Pelk::IntfId intfId, Happening::Kind kind ) {
-   return static_cast< Korv::U64 >( std::ranges::count_if( timeline, [&]( auto const & happening ) {
-      return happening.intfId == intfId && happening.kind == kind;
-   } ) );
-}
-
-} // namespace
-
 Report gatherReport( Participant const & participant ) {
    Report report;
    report.application = participant.settings().application;
    report.timeline = participant.timeline();
    for ( auto const & interface : participant.settings().interfaces ) {
-      Pelk::IntfId const intfId = interface.intfId;
-      report.interfaces.push_back( { intfId.stringValue(),
-                                     count( report.timeline, intfId, Happening::Kind::heard ),
-                                     count( report.timeline, intfId, Happening::Kind::said ),
-                                     participant.heldBack( intfId ) } );
+      report.interfaces.push_back(
+         { interface.intfId.stringValue(), 0, 0, participant.heldBack( interface.intfId ) } );
    }
-   Korv::forEachScalar( *participant.sm().mrpCounters(), [&]( char const * name, auto value ) {
-      report.counters.emplace_back( name, value );
-   } );
+   countFrames( report );
+   if ( auto const & counters = participant.sm().mrpCounters() ) {
+      Korv::forEachScalar( *counters, [&]( char const * name, auto value ) {
+         report.counters.emplace_back( name, value );
+      } );
+   }
    addAttributes( report, participant.sm() );
    return report;
 }

@@ -4,12 +4,18 @@
 
 #include "mrp/vocabulary/Mrp.h"
 
+#include "command/ReportInside.h"
 #include "command/Timeline.h"
 
+#include <optional>
 #include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
+
+namespace Mrp {
+class MrpSm;
+}
 
 namespace Command {
 
@@ -34,20 +40,34 @@ struct Report {
 
    Mrp::MrpApplication application = Mrp::InvalidApplication;
    std::vector< Interface > interfaces; // in the order in which they were given
-   std::vector< std::pair< std::string, Korv::U64 > > counters; // all of them, by name
+   // All of them, by name; none in standby, where there are none.
+   std::vector< std::pair< std::string, Korv::U64 > > counters;
    Timeline timeline;
    // Those that the machines see, by interface name, type and key: a pending copy, or else a
    // committed attribute that is not marked for deletion.
    std::vector< Attribute > attributes;
+
+   // Of a script only.
+   std::optional< ReportInside > inside;
+   std::optional< std::string > aborted; // why the engine gave up
 };
 
 // What the participant stands at now.
 Report gatherReport( Participant const & participant );
+// The attributes alone; the application is there already.
+void addAttributes( Report & report, Mrp::MrpSm const & sm );
 
 // One document; its members and their order do not depend on what there is.
 void writeJson( Report const & report, std::ostream & out );
 
 // What happened, a line a frame; then tables of what there is.
 void writeText( Report const & report, std::ostream & out );
+// Its tables of attributes alone.
+void writeAttributes( Report const & report, std::ostream & out );
+
+// For whoever tells of a participant as it goes, one line each: a member of the document's
+// `indications`, and its `attributes` with the time.
+void writeIndicationLine( Happening const & indication, std::ostream & out );
+void writeAttributesLine( Report const & report, Korv::Seconds time, std::ostream & out );
 
 } // namespace Command

@@ -37,6 +37,46 @@ Json attributeOf( Report::Attribute const & attribute ) {
             { "committed", attribute.committed } };
 }
 
+Json attributesOf( Report const & report ) {
+   Json attributes = Json::array();
+   for ( auto const & attribute : report.attributes ) {
+      attributes.push_back( attributeOf( attribute ) );
+   }
+   return attributes;
+}
+
+void addInside( Json & document, ReportInside const & inside ) {
+   Json indexes = Json::array();
+   for ( auto const & index : inside.attributeIndex ) {
+      Json keys = Json::array();
+      for ( Korv::U64 const key : index.keys ) {
+         keys.push_back( std::to_string( key ) );
+      }
+      indexes.push_back( { { "interface", index.interface },
+                           { "attributeType", index.attributeType },
+                           { "keys", std::move( keys ) } } );
+   }
+   Json times = Json::array();
+   for ( auto const & time : inside.leaveAllTime ) {
+      times.push_back( { { "interface", time.interface },
+                         { "attributeType", time.attributeType },
+                         { "seconds", time.seconds } } );
+   }
+   Json context = Json::object();
+   for ( auto const & [name, field] : inside.parseContext ) {
+      std::visit( [&, &key = name]( auto const & value ) { context[key] = value; }, field );
+   }
+   document["attributeIndex"] = std::move( indexes );
+   document["leaveAllTime"] = std::move( times );
+   document["parseContext"] = std::move( context );
+}
+
+std::string text( Json const & json, int indent ) {
+   return json.dump( indent, ' ', false, Json::error_handler_t::replace );
+}
+
+constexpr int oneLine = -1;
+
 } // namespace
 
 void writeJson( Report const & report, std::ostream & out ) {
@@ -60,17 +100,29 @@ void writeJson( Report const & report, std::ostream & out ) {
       case Happening::Kind::leave: indications.push_back( indication( happening ) ); break;
       }
    }
-   Json attributes = Json::array();
-   for ( auto const & attribute : report.attributes ) {
-      attributes.push_back( attributeOf( attribute ) );
+   Json document = { { "application", Mrp::stringValue( report.application ) },
+                     { "interfaces", std::move( interfaces ) },
+                     { "counters", std::move( counters ) },
+                     { "indications", std::move( indications ) },
+                     { "attributes", attributesOf( report ) },
+                     { "transmitted", std::move( transmitted ) } };
+   if ( report.inside ) {
+      addInside( document, *report.inside );
    }
-   Json const document = { { "application", Mrp::stringValue( report.application ) },
-                           { "interfaces", std::move( interfaces ) },
-                           { "counters", std::move( counters ) },
-                           { "indications", std::move( indications ) },
-                           { "attributes", std::move( attributes ) },
-                           { "transmitted", std::move( transmitted ) } };
-   out << document.dump( 2, ' ', false, Json::error_handler_t::replace ) << '\n';
+   if ( report.aborted ) {
+      document["aborted"] = *report.aborted;
+   }
+   out << text( document, 2 ) << '\n';
+}
+
+void writeIndicationLine( Happening const & happening, std::ostream & out ) {
+   out << text( indication( happening ), oneLine ) << '\n';
+}
+
+void writeAttributesLine( Report const & report, Korv::Seconds time, std::ostream & out ) {
+   Json const line = {
+      { "time", time }, { "kind", "attributes" }, { "attributes", attributesOf( report ) } };
+   out << text( line, oneLine ) << '\n';
 }
 
 } // namespace Command

@@ -84,6 +84,39 @@ bool sharesRow( Mrp::MrpApplication application, Report::Attribute const & last,
           nextValue( application, last.attributeType, last.value ) == next.value;
 }
 
+void writeCounts( Report const & report, std::ostream & out ) {
+   bool const isAnyHeldBack = std::ranges::any_of(
+      report.interfaces, []( auto const & interface ) { return interface.heldBack > 0; } );
+   Table::Row headings{ "interface", "heard", "said" };
+   if ( isAnyHeldBack ) {
+      headings.push_back( "held back by the filter" );
+   }
+   Table interfaces( headings );
+   for ( auto const & interface : report.interfaces ) {
+      Table::Row row{ interface.name, std::to_string( interface.received ),
+                      std::to_string( interface.transmitted ) };
+      if ( isAnyHeldBack ) {
+         row.push_back( std::to_string( interface.heldBack ) );
+      }
+      interfaces.add( row );
+   }
+   out << '\n';
+   interfaces.write( out );
+
+   Table counters( { "counter", "value" } );
+   for ( auto const & [name, value] : report.counters ) {
+      if ( value != 0 ) {
+         counters.add( { name, std::to_string( value ) } );
+      }
+   }
+   if ( !counters.empty() ) {
+      out << '\n';
+      counters.write( out );
+   }
+}
+
+} // namespace
+
 // Types have columns of their own, and so their own tables.
 void writeAttributes( Report const & report, std::ostream & out ) {
    std::map< std::pair< Korv::U8, Table::Row >, Table > tables; // by type and headings
@@ -121,41 +154,11 @@ void writeAttributes( Report const & report, std::ostream & out ) {
    }
 }
 
-void writeCounts( Report const & report, std::ostream & out ) {
-   bool const isAnyHeldBack = std::ranges::any_of(
-      report.interfaces, []( auto const & interface ) { return interface.heldBack > 0; } );
-   Table::Row headings{ "interface", "heard", "said" };
-   if ( isAnyHeldBack ) {
-      headings.push_back( "held back by the filter" );
-   }
-   Table interfaces( headings );
-   for ( auto const & interface : report.interfaces ) {
-      Table::Row row{ interface.name, std::to_string( interface.received ),
-                      std::to_string( interface.transmitted ) };
-      if ( isAnyHeldBack ) {
-         row.push_back( std::to_string( interface.heldBack ) );
-      }
-      interfaces.add( row );
-   }
-   out << '\n';
-   interfaces.write( out );
-
-   Table counters( { "counter", "value" } );
-   for ( auto const & [name, value] : report.counters ) {
-      if ( value != 0 ) {
-         counters.add( { name, std::to_string( value ) } );
-      }
-   }
-   if ( !counters.empty() ) {
-      out << '\n';
-      counters.write( out );
-   }
-}
-
-} // namespace
-
 void writeText( Report const & report, std::ostream & out ) {
    writeTimeline( report, out );
+   if ( report.aborted ) {
+      out << "\nHere the engine gave up: " << *report.aborted << '\n';
+   }
    writeAttributes( report, out );
    writeCounts( report, out );
 }

@@ -71,10 +71,10 @@ TEST( Filter, passesTheFramesOfTheFirstApplicationToAll ) {
    Participant::Options options;
    options.activity = &activity;
    Participant mvrp( Mrp::MVRP, { et1 }, options );
-   Participant msrp( Mrp::MSRP, { et1 }, options );
    auto const & program = mvrp.host().pam( ethernet1 )->settings().filterProgram;
    ASSERT_EQ( program.length(), 11 );
    bool const mvrpWasFirst = program.address()[5].k == etherType( Protocol::mvrp );
+   Participant msrp( Mrp::MSRP, { et1 }, options );
    U64 const group = groupAddress( mvrpWasFirst ? Protocol::mvrp : Protocol::msrp );
    U16 const own = etherType( mvrpWasFirst ? Protocol::mvrp : Protocol::msrp );
    U16 const other = etherType( mvrpWasFirst ? Protocol::msrp : Protocol::mvrp );

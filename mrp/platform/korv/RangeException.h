@@ -1,4 +1,5 @@
-// The exception of a value outside its range. The library throws no other; it catches none.
+// The exception of a value outside its range. The engine throws no other
+// and catches none; on Linux, what the library stands on can refuse itself by std::system_error.
 #pragma once
 
 #include <stdexcept>

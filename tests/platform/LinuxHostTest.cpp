@@ -1,0 +1,193 @@
+// The entities that follow the kernel, and a participant that stands on them.
+#include "mrp/frame/MrpSm.h"
+#include "mrp/platform/linux/Host.h"
+
+#include "tests/platform/LinuxScene.h"
+#include "tests/support/Mrpdu.h"
+
+#include <linux/if_bridge.h>
+#include <optional>
+
+namespace Linux {
+namespace {
+
+using Role = Stp::MstiPortStatus::Role;
+
+Pelk::IntfId const va( "va" );
+
+// "designated", or "none" for a port without a record.
+std::string roleOf( Stp::Status const & status, Pelk::IntfId const & intfId ) {
+   auto const * const tree = status.stpiStatus( "Stp" )->mstiStatus( "Cist" );
+   auto const * const port = tree->mstiPortStatus( intfId.stringValue() );
+   return port ? Korv::stringValue( port->role() ) : "none";
+}
+
+TEST( LinuxBridgePorts, aPortThatForwardsHasARoleAndOneThatDoesNotAnother ) {
+   RealActivity activity;
+   Korv::Ptr< Stp::Status > const status( new Stp::Status( "stpStatus" ) );
+   BridgePorts ports( activity.clock(), status );
+   EXPECT_EQ( status->stpMode(), 0 );
+   EXPECT_EQ( roleOf( *status, va ), "none" );
+   for ( int const state :
+         { BR_STATE_DISABLED, BR_STATE_LISTENING, BR_STATE_LEARNING, BR_STATE_BLOCKING } ) {
+      ports.portStateIs( va, static_cast< Korv::U8 >( state ) );
+      EXPECT_EQ( roleOf( *status, va ), "alternate" ) << state;
+   }
+   ports.portStateIs( va, BR_STATE_FORWARDING );
+   EXPECT_EQ( roleOf( *status, va ), "designated" );
+   ports.portStateIs( va, std::nullopt );
+   EXPECT_EQ( roleOf( *status, va ), "none" );
+}
+
+class LinuxHost : public Scene {
+ protected:
+   Korv::U32 mtu() const {
+      auto const * const status = host->allIntfStatusDir()->intfStatus( va );
+      return status ? status->mtu() : 0;
+   }
+   bool up() const { return host->allIntfStatusDir()->intfStatus( va )->up(); }
+   std::string role() const { return roleOf( *host->stpStatus(), va ); }
+   void follow() {
+      host.emplace( activity );
+      host->interfaceIs( va );
+   }
+
+   std::optional< Host > host;
+};
+
+TEST_F( LinuxHost, theDirectoriesAreAsTheKernelSays ) {
+   host.emplace( activity );
+   run( "ip link set va address 02:00:00:00:00:0a mtu 1400" );
+   EXPECT_EQ( mtu(), 0u ); // not followed
+   host->interfaceIs( va );
+   EXPECT_EQ( mtu(), 1400u ); // at once, with what has changed since the host was made
+   auto const * const port = host->ethPhyIntfStatusDir()->intfStatus( va );
+   ASSERT_TRUE( port );
+   EXPECT_EQ( port->addr(), Pelk::EthAddr( "02:00:00:00:00:0a" ) );
+   EXPECT_TRUE( host->network()->hasDevice( va ) );
+   EXPECT_FALSE( host->network()->hasDevice( Pelk::IntfId( "vb" ) ) );
+   EXPECT_EQ( host->em()->getEntity( "interface/status/all" ), host->allIntfStatusDir().ptr() );
+   EXPECT_EQ( host->em()->getEntity( "kni/ns/default/status" ), host->network().ptr() );
+
+   run( "ip link set va address 02:00:00:00:00:0b mtu 1300" );
+   ASSERT_TRUE( runUntil( [&] { return mtu() == 1300; } ) );
+   EXPECT_EQ( port->addr(), Pelk::EthAddr( "02:00:00:00:00:0b" ) );
+   ASSERT_TRUE( runUntil( [&] { return up(); } ) );
+   run( "ip link set vb down" ); // no partner any more
+   EXPECT_TRUE( runUntil( [&] { return !up(); } ) );
+   EXPECT_TRUE( host->network()->hasDevice( va ) );
+   run( "ip link set vb up" );
+   EXPECT_TRUE( runUntil( [&] { return up(); } ) );
+
+   // Renamed away, and back: gone, and come.
+   run( "ip link set va down && ip link set va name vc" );
+   ASSERT_TRUE( runUntil( [&] { return !host->network()->hasDevice( va ); } ) );
+   EXPECT_EQ( mtu(), 0u );
+   EXPECT_FALSE( host->ethPhyIntfStatusDir()->intfStatus( va ) );
+   run( "ip link set vc name va" );
+   EXPECT_TRUE( runUntil( [&] { return host->network()->hasDevice( va ); } ) );
+   EXPECT_EQ( mtu(), 1300u );
+   host->interfaceDel( va );
+   EXPECT_EQ( mtu(), 0u );
+}
+
+TEST_F( LinuxHost, announcementsThatWereLostAreMadeUpFor ) {
+   follow();
+   struct Changes : Interface::IntfStatus::Reactor {
+      void onMtu() override { ++heard; }
+      int heard = 0;
+   } changes;
+   changes.notifierIs( host->allIntfStatusDir()->intfStatus( va ) );
+   constexpr int made = 4'000;
+   run( "for i in $(seq 1 " + std::to_string( made ) +
+        "); do echo link set dev va mtu $((1000 + i % 400)); done | ip -batch - && "
+        "ip link del va && ip link add name va type veth peer name vb && "
+        "ip link set va mtu 777" );
+   ASSERT_TRUE( runUntil( [&] { return mtu() == 777; } ) );
+   EXPECT_LT( changes.heard, made ); // some were indeed lost
+   run( "ip link set va mtu 778" );
+   EXPECT_TRUE( runUntil( [&] { return mtu() == 778; } ) );
+}
+
+TEST_F( LinuxHost, rolesFollowThePortsOfBridges ) {
+   follow();
+   EXPECT_EQ( role(), "none" );
+   run( "ip link add name br0 type bridge && ip link set br0 up && ip link set va master br0" );
+   EXPECT_TRUE( runUntil( [&] { return role() == "designated"; } ) );
+   run( "ip link set vb down" );
+   EXPECT_TRUE( runUntil( [&] { return role() == "alternate"; } ) );
+   run( "ip link set va nomaster" );
+   EXPECT_TRUE( runUntil( [&] { return role() == "none"; } ) );
+   EXPECT_TRUE( host->network()->hasDevice( va ) );
+   run( "ip link set va master br0 && ip link set vb up" );
+   EXPECT_TRUE( runUntil( [&] { return role() == "designated"; } ) );
+   Host late( activity ); // learns of the port from its dump
+   late.interfaceIs( va );
+   EXPECT_EQ( roleOf( *late.stpStatus(), va ), "designated" );
+   run( "ip link del va" );
+   EXPECT_TRUE( runUntil( [&] { return role() == "none"; } ) );
+}
+
+// A loop between two bridges, of which the kernel's own spanning tree blocks one port.
+TEST_F( LinuxHost, aBlockedPortIsHeardAndSends ) {
+   run( "ip link add name br0 type bridge stp_state 1 forward_delay 200 priority 100 && "
+        "ip link add name br1 type bridge stp_state 1 forward_delay 200 priority 200 && "
+        "ip link add name vc type veth peer name vd && "
+        "ip link set va master br0 && ip link set vc master br0 && "
+        "ip link set vb master br1 && ip link set vd master br1 && "
+        "for i in br0 br1 vc vd; do ip link set $i up; done" );
+   host.emplace( activity );
+   Pelk::IntfId const vd( "vd" );
+   host->interfaceIs( vd );
+   bool blocked = false;
+   ASSERT_TRUE( runUntil( [&] {
+      blocked = blocked || std::system( "bridge link show dev vd | grep -q blocking" ) == 0;
+      return blocked;
+   } ) );
+   EXPECT_EQ( roleOf( *host->stpStatus(), vd ), "alternate" );
+   auto const pam = host->network()->newPam( vd, mvrpSettings() );
+   Wire const end( "vc" );
+   end.send( numberedFrame( 1 ) );
+   ASSERT_TRUE( pam->hasDataOnSocket() );
+   auto const heard = pam->rxPkt();
+   pam->txPkt( heard );
+   EXPECT_EQ( end.heard().size(), 1u );
+}
+
+TEST_F( LinuxHost, aParticipantForgetsWhatABlockedPortHasRegistered ) {
+   run( "ip link add name br0 type bridge && ip link set br0 up && ip link set va master br0" );
+   follow();
+   ASSERT_TRUE( runUntil( [&] { return role() == "designated"; } ) );
+   Korv::Ptr< Mrp::MrpLib > const lib( new Mrp::MrpLib );
+   lib->applicationIs( Mrp::MVRP );
+   lib->applicationMacAddrIs( Pelk::EthAddr( "01:80:c2:00:00:21" ) );
+   lib->applicationEtypeIs( 0x88f5 );
+   auto const participant =
+      Mrp::mrpSmFactory( host->brConfig(), lib.ptr(), Mrp::mrpConfigFactory( "config" ),
+                         Mrp::mrpStatusFactory( "status" ), host->stpStatus(), host->brTopoConfig(),
+                         host->ethPhyIntfStatusDir(), host->em(), false );
+   lib->mrpInterfaceEnable( va );
+   EXPECT_TRUE( host->pam( va ) );
+   activity.runFor( 0.02 ); // it hears of the role that there is
+
+   Wire const neighbour( "vb" );
+   using namespace TestSupport;
+   neighbour.send( mvrpFrame( vlans( 10, { JoinIn } ) ).append( Bytes( 40 ) ) );
+   auto const attribute = [&] {
+      return participant->mrpGetAttrFromDatabase( va, vlanType, 10, true );
+   };
+   ASSERT_TRUE( runUntil( [&] { return attribute() != nullptr; } ) );
+   EXPECT_EQ( attribute()->registrarState(), Mrp::mrpIn );
+   activity.runFor( 0.25 ); // it commits what it has registered
+
+   run( "ip link set vb down" );
+   ASSERT_TRUE( runUntil( [&] { return role() == "alternate"; } ) );
+   EXPECT_EQ( attribute()->registrarState(), Mrp::mrpMt );
+   EXPECT_EQ( attribute()->applicantState(), Mrp::mrpAnxiousObserver );
+   // Asked to declare anew, it finds nothing that it still wanted to know of.
+   run( "ip link set vb up" );
+   EXPECT_TRUE( runUntil( [&] { return !attribute(); } ) );
+}
+
+} // namespace
+} // namespace Linux

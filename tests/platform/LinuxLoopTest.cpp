@@ -1,0 +1,360 @@
+#include "mrp/platform/dovr/TimerWheel.h"
+#include "mrp/platform/linux/DescriptorWatch.h"
+#include "mrp/platform/linux/RealActivity.h"
+#include "mrp/platform/linux/SignalWatch.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <sys/timerfd.h>
+#include <system_error>
+#include <unistd.h>
+#include <vector>
+
+namespace Linux {
+namespace {
+
+using Korv::never;
+using Korv::now;
+using Rank = Korv::Clock::Rank;
+
+class Timer : public Korv::Clock::Reactor {
+ public:
+   explicit Timer( std::function< void() > action, Rank rank = Rank::outside )
+      : Reactor( Korv::activityManager().clock(), rank ), action_( std::move( action ) ) {}
+   void onTime() override { action_(); }
+
+ private:
+   std::function< void() > action_;
+};
+
+class WheelTimer : public Dovr::TimerWheel::Reactor {
+ public:
+   WheelTimer( Korv::Ptr< Dovr::TimerWheel > wheel, std::function< void() > action )
+      : Reactor( std::move( wheel ) ), action_( std::move( action ) ) {}
+   void onTime() override { action_(); }
+
+ private:
+   std::function< void() > action_;
+};
+
+struct Pipe {
+   Pipe() {
+      std::array< int, 2 > ends{};
+      EXPECT_EQ( ::pipe( ends.data() ), 0 );
+      out = Descriptor( ends[0] );
+      in = Descriptor( ends[1] );
+   }
+   void write() const { EXPECT_EQ( ::write( in.number(), "x", 1 ), 1 ); }
+   void read() const {
+      char c;
+      EXPECT_EQ( ::read( out.number(), &c, 1 ), 1 );
+   }
+   Descriptor out;
+   Descriptor in;
+};
+
+class LinuxLoop : public testing::Test {
+ protected:
+   // A watch for reading.
+   std::unique_ptr< DescriptorWatch > watch( Pipe const & pipe,
+                                             DescriptorWatch::Callback callback ) {
+      return std::make_unique< DescriptorWatch >( activity, pipe.out.number(),
+                                                  DescriptorWatch::reading, std::move( callback ) );
+   }
+   void rounds( int n ) {
+      for ( int i = 0; i < n; ++i ) {
+         activity.runFor( 0 );
+      }
+   }
+
+   RealActivity activity;
+   Pipe a, b;
+};
+
+TEST_F( LinuxLoop, theWheelIsAheadOfReviewsAndTheseOfInput ) {
+   std::string order;
+   Korv::Ptr< Dovr::TimerWheel > const wheel(
+      new Dovr::TimerWheel( nullptr, activity.clock(), 100, 600, true, 16 ) );
+   a.write();
+   auto const input = watch( a, [&]( Korv::U32 ) {
+      a.read();
+      order += 'I';
+   } );
+   Timer outside( [&] { order += 'o'; } );
+   Timer review( [&] { order += 'R'; }, Rank::review );
+   WheelTimer tick( wheel, [&] { order += 'W'; } );
+   Seconds const at = wheel->tickTime( 1 );
+   outside.timeMinIs( at );
+   review.timeMinIs( at );
+   tick.timeMinIs( at );
+   ::usleep( 120'000 ); // the loop is late, and all of it is due
+   rounds( 1 );
+   EXPECT_EQ( order, "WRoI" );
+}
+
+TEST_F( LinuxLoop, aWatchMayEndInAnyCallback ) {
+   a.write();
+   b.write();
+   std::unique_ptr< DescriptorWatch > first, second;
+   int calls = 0;
+   auto const ends = [&, keeps = std::string( "the callback's own" )]( Korv::U32 ) {
+      ++calls;
+      first.reset();
+      second.reset();
+      EXPECT_EQ( keeps, "the callback's own" );
+   };
+   first = watch( a, ends );
+   second = watch( b, ends );
+   rounds( 3 );
+   EXPECT_EQ( calls, 1 );
+
+   // A descriptor of the same number afterwards is another one.
+   int const number = a.out.number();
+   a = Pipe();
+   a.write();
+   auto const third = watch( a, [&]( Korv::U32 ready ) {
+      EXPECT_EQ( ready, DescriptorWatch::reading );
+      a.read();
+      calls += 10;
+   } );
+   rounds( 2 );
+   EXPECT_EQ( calls, 11 ) << number;
+}
+
+TEST_F( LinuxLoop, descriptorsThatStayReadyTakeTurns ) {
+   a.write();
+   b.write();
+   std::string order;
+   auto const first = watch( a, [&]( Korv::U32 ) { order += 'a'; } );
+   auto const second = watch( b, [&]( Korv::U32 ) { order += 'b'; } );
+   rounds( 6 );
+   EXPECT_TRUE( order == "ababab" || order == "bababa" ) << order;
+}
+
+TEST_F( LinuxLoop, whatIsWaitedForCanChange ) {
+   int reads = 0, writes = 0;
+   DescriptorWatch source( activity, a.in.number(), DescriptorWatch::writing,
+                           [&]( Korv::U32 ready ) {
+                              EXPECT_EQ( ready, DescriptorWatch::writing );
+                              ++writes;
+                           } );
+   rounds( 2 );
+   EXPECT_EQ( writes, 2 );
+   source.eventsIs( 0 );
+   rounds( 2 );
+   EXPECT_EQ( writes, 2 );
+
+   auto const sink = watch( a, [&]( Korv::U32 ) { ++reads; } );
+   sink->modeIs( DescriptorWatch::Mode::atArrival );
+   for ( int arrivals = 1; arrivals <= 3; ++arrivals ) {
+      a.write();
+      rounds( 5 );
+      EXPECT_EQ( reads, arrivals ); // though nothing is taken out
+   }
+   sink->modeIs( DescriptorWatch::Mode::whileReady );
+   rounds( 5 );
+   EXPECT_EQ( reads, 8 );
+}
+
+TEST_F( LinuxLoop, tellsOfAFailureAndRefusesWhatCannotBeWaitedFor ) {
+   Korv::U32 seen = 0;
+   auto const sink = watch( a, [&]( Korv::U32 ready ) { seen = ready; } );
+   a.in = Descriptor();
+   rounds( 1 );
+   EXPECT_EQ( seen & DescriptorWatch::failure, DescriptorWatch::failure );
+
+   std::unique_ptr< std::FILE, int ( * )( std::FILE * ) > const file( std::tmpfile(),
+                                                                      &std::fclose );
+   ASSERT_TRUE( file );
+   EXPECT_THROW( DescriptorWatch( activity, ::fileno( file.get() ), DescriptorWatch::reading,
+                                  []( Korv::U32 ) {} ),
+                 std::system_error );
+}
+
+TEST_F( LinuxLoop, inputThatNeverEndsHoldsUpNoTimer ) {
+   a.write();
+   int turns = 0;
+   auto const storm = watch( a, [&]( Korv::U32 ) { ++turns; } );
+   int fired = 0;
+   std::optional< Timer > periodic;
+   periodic.emplace( [&] {
+      ++fired;
+      periodic->timeMinIs( now() + 0.005 );
+   } );
+   periodic->timeMinIs( now() );
+   activity.runFor( 0.1 );
+   EXPECT_GE( fired, 5 );
+   EXPECT_GE( turns, 100 );
+}
+
+TEST_F( LinuxLoop, aTimerThatIsAlwaysDueKeepsNoInputOut ) {
+   std::optional< Timer > restless;
+   restless.emplace( [&] { restless->timeMinIs( now() ); } );
+   restless->timeMinIs( now() );
+   a.write();
+   auto const input = watch( a, [&]( Korv::U32 ) { activity.doStop(); } );
+   Seconds const start = now();
+   activity.runFor( 30 );
+   EXPECT_LT( now() - start, 15 );
+}
+
+TEST_F( LinuxLoop, idleTimersCostNothing ) {
+   std::vector< std::unique_ptr< Timer > > timers;
+   int fired = 0;
+   for ( int i = 0; i < 5'000; ++i ) {
+      timers.push_back( std::make_unique< Timer >( [&] { ++fired; } ) );
+      timers.back()->timeMinIs( now() + 3'600 + i );
+   }
+   timers.front()->timeMinIs( now() + 0.02 );
+   activity.runFor( 0.1 );
+   EXPECT_EQ( fired, 1 );
+   EXPECT_LE( activity.wakeUps(), 4u ); // the timer, the end, and each once again if a hair early
+
+   // Input that leaves the next time as it is sets no timer.
+   auto const input = watch( a, [&]( Korv::U32 ) {
+      a.read();
+      if ( ++fired < 100 ) {
+         a.write();
+      } else {
+         activity.doStop();
+      }
+   } );
+   a.write();
+   auto const settings = activity.timerSettings();
+   activity.runFor( 30 );
+   EXPECT_EQ( fired, 100 );
+   EXPECT_LE( activity.timerSettings() - settings, 1u );
+}
+
+TEST_F( LinuxLoop, sleepsOnThroughATimerThatWasTakenBack ) {
+   Descriptor const input( ::timerfd_create( CLOCK_MONOTONIC, 0 ) );
+   itimerspec setting{};
+   setting.it_value.tv_nsec = 10'000'000;
+   ASSERT_EQ( ::timerfd_settime( input.number(), 0, &setting, nullptr ), 0 );
+   Timer taken( [] { FAIL(); } );
+   taken.timeMinIs( now() + 0.03 );
+   std::optional< DescriptorWatch > watch;
+   watch.emplace( activity, input.number(), DescriptorWatch::reading, [&]( Korv::U32 ) {
+      taken.timeMinIs( never );
+      watch.reset();
+   } );
+   Seconds const start = now();
+   activity.runFor( 0.06 );
+   EXPECT_GE( now() - start, 0.06 );
+   EXPECT_EQ( activity.wakeUps(), 2u ); // by the input, and at the end
+}
+
+TEST_F( LinuxLoop, whatIsThrownLeavesTheLoopAndNothingElse ) {
+   a.write();
+   b.write();
+   std::string order;
+   auto const throws = watch( a, [&]( Korv::U32 ) {
+      a.read();
+      order += 'a';
+      throw std::runtime_error( "input" );
+   } );
+   auto const follows = watch( b, [&]( Korv::U32 ) {
+      b.read();
+      order += 'b';
+   } );
+   Timer fails( [&] {
+      order += 't';
+      throw std::runtime_error( "timer" );
+   } );
+   fails.timeMinIs( now() );
+   int thrown = 0;
+   for ( int i = 0; i < 6; ++i ) {
+      try {
+         activity.runFor( 0 );
+      } catch ( std::runtime_error const & ) {
+         ++thrown;
+      }
+   }
+   EXPECT_EQ( thrown, 2 );
+   EXPECT_TRUE( order == "tab" || order == "tba" ) << order;
+}
+
+TEST_F( LinuxLoop, stopsAtOnceAndRunsOnWhereItWas ) {
+   a.write();
+   b.write();
+   int calls = 0;
+   auto const stops = [&]( Korv::U32 ) {
+      ++calls;
+      activity.doStop();
+   };
+   auto const first = watch( a, stops );
+   auto const second = watch( b, stops );
+   activity.run();
+   EXPECT_EQ( calls, 1 );
+   activity.run();
+   EXPECT_EQ( calls, 2 );
+}
+
+TEST( LinuxLoopDeath, isNotEnteredFromWithin ) {
+   RealActivity activity;
+   Timer nested( [&] { activity.run(); } );
+   nested.timeMinIs( now() );
+   EXPECT_DEATH( activity.runFor( 1 ), "from outside of all notifications" );
+}
+
+TEST_F( LinuxLoop, signalsComeInTheirTurn ) {
+   std::vector< int > signals;
+   sigset_t held;
+   {
+      SignalWatch const watching( activity, { SIGUSR1, SIGUSR2 }, [&]( int signal ) {
+         signals.push_back( signal );
+         activity.doStop();
+      } );
+      std::raise( SIGUSR1 );
+      std::raise( SIGUSR1 ); // one with the first
+      activity.runFor( 30 );
+      std::raise( SIGUSR2 );
+      activity.runFor( 30 );
+      rounds( 2 );
+      ::pthread_sigmask( SIG_SETMASK, nullptr, &held );
+      EXPECT_EQ( ::sigismember( &held, SIGUSR1 ), 1 );
+   }
+   EXPECT_EQ( signals, ( std::vector< int >{ SIGUSR1, SIGUSR2 } ) );
+   ::pthread_sigmask( SIG_SETMASK, nullptr, &held );
+   EXPECT_EQ( ::sigismember( &held, SIGUSR1 ), 0 );
+
+   std::unique_ptr< SignalWatch > once;
+   once = std::make_unique< SignalWatch >( activity, std::initializer_list< int >{ SIGUSR1 },
+                                           [&]( int ) { once.reset(); } );
+   std::raise( SIGUSR1 );
+   rounds( 2 );
+   EXPECT_FALSE( once );
+}
+
+// Else a period of one tick would be two: no loop wakes up on the dot.
+TEST_F( LinuxLoop, aTimerOfTheWheelFiresAtTheTimeOfItsTick ) {
+   Korv::Ptr< Dovr::TimerWheel > const wheel(
+      new Dovr::TimerWheel( nullptr, activity.clock(), 10, 600, true, 16 ) );
+   Korv::Seconds const start = now();
+   int fired = 0;
+   int onTheDot = 0;
+   WheelTimer * self = nullptr;
+   WheelTimer timer( wheel, [&] {
+      auto const ticks = static_cast< Korv::U64 >( ( now() - start ) / 0.01 + 0.5 );
+      onTheDot += now() == wheel->tickTime( ticks ) ? 1 : 0;
+      if ( ++fired == 20 ) {
+         activity.doStop();
+      } else {
+         self->timeMinIs( now() + 0.01 );
+      }
+   } );
+   self = &timer;
+   timer.timeMinIs( now() + 0.01 );
+   activity.runFor( 10 );
+   EXPECT_EQ( fired, 20 );
+   EXPECT_GT( onTheDot, 10 );
+}
+
+} // namespace
+} // namespace Linux

@@ -1,0 +1,418 @@
+// Packet access to real interfaces.
+#include "mrp/platform/interface/EthDevPamManager.h"
+#include "mrp/platform/interface/NetNsIntfStatusManagerRoot.h"
+#include "mrp/platform/linux/Host.h"
+#include "mrp/platform/pelk/ReceivePool.h"
+
+#include "tests/platform/LinuxScene.h"
+
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <linux/capability.h>
+#include <optional>
+#include <sys/syscall.h>
+#include <thread>
+#include <unistd.h>
+
+namespace Linux {
+namespace {
+
+Pelk::IntfId const va( "va" );
+
+// Takes one frame out of its Pam for each that is announced.
+class Reader : public Pelk::Pam::Reactor {
+ public:
+   void onReadableCount() override {
+      ++announced;
+      if ( !reading ) {
+         return;
+      }
+      if ( auto const pkt = const_cast< Pelk::Pam * >( notifier() )->rxPkt() ) {
+         frames.emplace_back( pkt->frontData(), pkt->frontData() + pkt->bytes() );
+      }
+      if ( action ) {
+         action();
+      }
+   }
+   int announced = 0;
+   bool reading = true;
+   std::vector< Frame > frames;
+   std::function< void() > action;
+};
+
+class LinuxPam : public Scene {
+ protected:
+   void SetUp() override {
+      Scene::SetUp();
+      if ( !IsSkipped() ) {
+         wire.emplace( "vb" );
+         host.emplace( activity );
+         host->interfaceIs( va );
+      }
+   }
+   // Opens va, with a reader.
+   void open( KernelNetInfo::PamSettings const & settings = mvrpSettings() ) {
+      opened = host->network()->newPam( va, settings );
+      ASSERT_TRUE( opened );
+      pam = host->pam( va );
+      reader.notifierIs( opened.ptr() );
+   }
+   static Korv::Ptr< Pelk::Pkt > pkt( Frame const & frame ) {
+      return Pelk::receivePool().newPkt( frame.data(), frame.size() );
+   }
+
+   std::optional< Wire > wire;
+   std::optional< Host > host;
+   Reader reader;
+   Korv::Ptr< Pelk::EthDevPam > opened;
+   Pam * pam = nullptr;
+};
+
+TEST_F( LinuxPam, framesAreAsTheyWereOnTheWire ) {
+   open();
+   std::vector< Frame > const wanted{
+      numberedFrame( 1 ),
+      numberedFrame( 2, { 0x81, 0x00, 0x60, 0x05 } ), // VLAN 5 at priority 3
+      numberedFrame( 3, { 0x81, 0x00, 0xe0, 0x00 } ), // a priority tag
+      numberedFrame( 4, { 0x81, 0x00, 0x00, 0x00 } ), // the same of priority 0, all zeros
+      numberedFrame( 5 ),
+   };
+   for ( Frame const & frame : wanted ) {
+      wire->send( frame );
+   }
+   // The kernel's filter looks behind every tag; on the wire only 0x8100 may stand there.
+   wire->send( numberedFrame( 6, { 0x88, 0xa8, 0x00, 0x05 } ) );
+   wire->send( numberedFrame( 7, { 0x81, 0x00, 0x00, 0x05, 0x81, 0x00, 0x00, 0x05 } ) );
+   Frame other = numberedFrame( 8 );
+   other[5] = 0x20;
+   wire->send( other );
+   wire->send( numberedFrame( 9 ) );
+   ASSERT_TRUE( runUntil( [&] { return reader.frames.size() >= wanted.size() + 1; } ) );
+   EXPECT_EQ( reader.frames.back(), numberedFrame( 9 ) );
+   reader.frames.pop_back();
+   EXPECT_EQ( reader.frames, wanted );
+   EXPECT_EQ( pam->received(), wanted.size() + 1 );
+   EXPECT_EQ( pam->heldBack(), 2u );
+}
+
+TEST_F( LinuxPam, aPortOfABridgeHearsTheGroupAddressToo ) {
+   run( "ip link add name br0 type bridge && ip link set br0 up && ip link set va master br0" );
+   open();
+   wire->send( numberedFrame( 1 ) );
+   wire->send( numberedFrame( 2, { 0x81, 0x00, 0x00, 0x00 } ) );
+   ASSERT_TRUE( runUntil( [&] { return reader.frames.size() == 2; } ) );
+   EXPECT_EQ( reader.frames[1], numberedFrame( 2, { 0x81, 0x00, 0x00, 0x00 } ) );
+}
+
+TEST_F( LinuxPam, takesPartInTheGroupAddressWhileItIsOpen ) {
+   char const * const shows = "ip maddress show dev va | grep -q 01:80:c2:00:00:21";
+   EXPECT_NE( std::system( shows ), 0 );
+   open();
+   EXPECT_EQ( std::system( shows ), 0 );
+   opened = nullptr;
+   EXPECT_NE( std::system( shows ), 0 );
+}
+
+TEST_F( LinuxPam, whatThisHostSendsItDoesNotHear ) {
+   open();
+   auto const second = host->network()->newPam( va, mvrpSettings() );
+   Wire const neighbourly( "va" ); // another program of this host
+   pam->txPkt( pkt( numberedFrame( 1 ) ) );
+   neighbourly.send( numberedFrame( 2 ) );
+   auto const inTwoParts = pkt( numberedFrame( 3 ) );
+   Frame head( inTwoParts->frontData(), inTwoParts->frontData() + 14 );
+   inTwoParts->delSharedHeadData( 14 );
+   inTwoParts->privateHeadIs( head.data(), head.size() );
+   pam->txPkt( inTwoParts );
+   EXPECT_EQ( wire->heard(), ( std::vector< Frame >{ numberedFrame( 1 ), numberedFrame( 2 ),
+                                                     numberedFrame( 3 ) } ) );
+   activity.runFor( 0.02 );
+   EXPECT_EQ( reader.announced, 0 );
+   EXPECT_FALSE( second->rxPkt() );
+   EXPECT_EQ( host->pam( va )->heldBack(), 0u );
+   EXPECT_EQ( pam->sent(), 2u );
+   EXPECT_EQ( pam->sendErrors(), 0u );
+}
+
+TEST_F( LinuxPam, nothingUnfilteredEverWaits ) {
+   std::atomic< bool > over = false;
+   std::atomic< int > sent = 0;
+   std::thread flood( [&] {
+      Frame other = numberedFrame();
+      other[13] = 0xf6;
+      while ( !over ) {
+         wire->send( other );
+         ++sent;
+      }
+   } );
+   while ( sent == 0 ) {
+      std::this_thread::yield();
+   }
+   int const before = sent;
+   int waiting = 0;
+   for ( int i = 0; i < 60; ++i ) {
+      waiting += host->network()->newPam( va, mvrpSettings() )->hasDataOnSocket();
+   }
+   EXPECT_GT( sent, before );
+   over = true;
+   flood.join();
+   EXPECT_EQ( waiting, 0 );
+}
+
+TEST_F( LinuxPam, asksTheKernelWhetherAFrameWaits ) {
+   open();
+   EXPECT_FALSE( opened->hasDataOnSocket() );
+   EXPECT_FALSE( opened->rxPkt() );
+   wire->send( numberedFrame( 1 ) );
+   EXPECT_TRUE( opened->hasDataOnSocket() );
+   EXPECT_TRUE( opened->rxPkt() ); // ahead of its announcement
+   EXPECT_FALSE( opened->hasDataOnSocket() );
+   activity.runFor( 0.01 );
+   EXPECT_EQ( reader.announced, 0 );
+   EXPECT_EQ( opened->readableCount(), 0u );
+}
+
+TEST_F( LinuxPam, framesLeftWhereTheyAreCostNothingUntilTheNext ) {
+   open();
+   reader.reading = false;
+   wire->send( numberedFrame( 1 ) );
+   ASSERT_TRUE( runUntil( [&] { return reader.announced > 0; } ) );
+   activity.runFor( 0.01 );
+   int const first = reader.announced;
+   auto const wakeUps = activity.wakeUps();
+   activity.runFor( 0.05 );
+   EXPECT_EQ( reader.announced, first );
+   EXPECT_LE( activity.wakeUps() - wakeUps, 3u );
+
+   wire->send( numberedFrame( 2 ) );
+   ASSERT_TRUE( runUntil( [&] { return reader.announced > first; } ) );
+   reader.reading = true;
+   wire->send( numberedFrame( 3 ) );
+   ASSERT_TRUE( runUntil( [&] { return reader.frames.size() == 3; } ) );
+   EXPECT_EQ( reader.frames, ( std::vector< Frame >{ numberedFrame( 1 ), numberedFrame( 2 ),
+                                                     numberedFrame( 3 ) } ) );
+}
+
+TEST_F( LinuxPam, aStormHoldsUpNoTimer ) {
+   open();
+   constexpr std::size_t frames = 5'000;
+   for ( std::size_t i = 0; i < frames; ++i ) {
+      wire->send( numberedFrame( static_cast< Korv::U8 >( i ) ) );
+   }
+   // Each frame takes a while to work off.
+   reader.action = [] {
+      auto const until = std::chrono::steady_clock::now() + std::chrono::microseconds( 40 );
+      while ( std::chrono::steady_clock::now() < until ) {
+      }
+   };
+   class Periodic : public Korv::Clock::Reactor {
+    public:
+      explicit Periodic( Pam & p )
+         : Reactor( Korv::activityManager().clock(), Korv::Clock::Rank::wheel ), pam( p ) {}
+      void onTime() override {
+         fired += pam.hasDataOnSocket() ? 1 : 0;
+         timeMinIs( Korv::now() + 0.01 );
+      }
+      Pam & pam;
+      int fired = 0;
+   } periodic( *pam );
+   auto const lost = pam->overrun(); // where the system grants no such queue
+   ASSERT_LT( lost, frames / 2 ) << "net.core.rmem_max is too small for this test";
+   periodic.onTime();
+   ASSERT_TRUE( runUntil( [&] { return reader.frames.size() == frames - lost; } ) );
+   EXPECT_GE( periodic.fired, 5 ); // of 10 and more
+   for ( std::size_t i = 0; i < frames - lost; ++i ) {
+      ASSERT_EQ( reader.frames[i][numberAt], static_cast< Korv::U8 >( i ) );
+   }
+}
+
+TEST_F( LinuxPam, framesBeyondTheQueueAreCounted ) {
+   auto settings = mvrpSettings();
+   settings.rxQueueFrames = 10;
+   open( settings );
+   for ( int i = 0; i < 1'000; ++i ) {
+      wire->send( numberedFrame() );
+   }
+   ASSERT_TRUE( runUntil( [&] { return !pam->hasDataOnSocket(); } ) );
+   EXPECT_LT( reader.frames.size(), 100u );
+   EXPECT_EQ( reader.frames.size() + pam->overrun(), 1'000u );
+}
+
+TEST_F( LinuxPam, aFrameBeyondTheBufferIsDroppedWhole ) {
+   run( "ip link set va mtu 65535 && ip link set vb mtu 65535" );
+   open();
+   Frame longest = numberedFrame(), tooLong = longest;
+   longest.resize( PacketSocket::frameBytesMax, 7 );
+   tooLong.resize( PacketSocket::frameBytesMax + 1, 7 );
+   wire->send( tooLong );
+   wire->send( longest );
+   ASSERT_TRUE( runUntil( [&] { return reader.frames.size() == 1; } ) );
+   EXPECT_EQ( reader.frames[0], longest );
+   EXPECT_EQ( pam->tooLong(), 1u );
+   pam->txPkt( pkt( numberedFrame( 2 ) ) );
+   EXPECT_EQ( wire->heard().size(), 1u );
+}
+
+TEST_F( LinuxPam, theReaderMayCloseItWhileItReads ) {
+   open();
+   reader.action = [&] { opened = nullptr; };
+   wire->send( numberedFrame( 1 ) );
+   wire->send( numberedFrame( 2 ) );
+   ASSERT_TRUE( runUntil( [&] { return !opened; } ) );
+   activity.runFor( 0.01 );
+   EXPECT_EQ( reader.announced, 1 );
+   EXPECT_FALSE( host->pam( va ) );
+}
+
+// The way of a participant: wishes on one side, the collection on the other.
+class LinuxPams : public LinuxPam {
+ protected:
+   struct Watcher : Interface::EthDevPamCollection::Reactor {
+      void onIntfPam( Pelk::IntfId const & intfId ) override {
+         events += notifier()->intfPam( intfId ) ? '+' : '-';
+      }
+      std::string events;
+   };
+   void SetUp() override {
+      LinuxPam::SetUp();
+      if ( IsSkipped() ) {
+         return;
+      }
+      root = new Interface::NetNsIntfStatusManagerRoot( nullptr, host->allIntfStatusDir(), nullptr,
+                                                        false );
+      root->intfStatusManagerIs( nullptr, devices, host->network(), "default" );
+      manager = new Interface::EthDevPamManager( desired, collection, devices );
+      auto const settings = mvrpSettings();
+      manager->filterProgramIs( settings.filterProgram );
+      manager->destinationIs( settings.destination );
+      manager->enabledIs( true );
+      watcher.notifierIs( collection.ptr() );
+   }
+   Pam * inCollection() const { return static_cast< Pam * >( collection->intfPam( va ) ); }
+   bool carries() {
+      reader.frames.clear();
+      reader.notifierIs( collection->intfPam( va ) );
+      Wire const end( "vb" );
+      end.send( numberedFrame( 1 ) );
+      inCollection()->txPkt( pkt( numberedFrame( 2 ) ) );
+      return runUntil( [&] { return reader.frames.size() == 1; } ) && end.heard().size() == 1;
+   }
+
+   Korv::Ptr< Interface::PamDesiredIntfDir > desired =
+      new Interface::PamDesiredIntfDir( "desired" );
+   Korv::Ptr< Interface::EthDevPamCollection > collection =
+      new Interface::EthDevPamCollection( "pams" );
+   Korv::Ptr< Interface::DeviceIntfStatusDir > devices =
+      new Interface::DeviceIntfStatusDir( "devices" );
+   Korv::Ptr< Interface::NetNsIntfStatusManagerRoot > root;
+   Korv::Ptr< Interface::EthDevPamManager > manager;
+   Watcher watcher;
+};
+
+TEST_F( LinuxPams, aLinkThatGoesDownCostsOneError ) {
+   desired->intfDesiredIs( va, true );
+   EXPECT_EQ( watcher.events, "+" ); // within the wish
+   EXPECT_TRUE( carries() );
+   Pam * const before = inCollection();
+   run( "ip link set va down" );
+   ASSERT_TRUE( runUntil( [&] { return before->receiveErrors() > 0; } ) );
+   auto const wakeUps = activity.wakeUps();
+   before->txPkt( pkt( numberedFrame() ) );
+   EXPECT_EQ( before->sendErrors(), 1u );
+   EXPECT_EQ( before->lastSendError(), ENETDOWN );
+   activity.runFor( 0.03 );
+   EXPECT_EQ( before->receiveErrors(), 1u );
+   EXPECT_LE( activity.wakeUps() - wakeUps, 10u );
+   run( "ip link set va up" );
+   EXPECT_TRUE( carries() );
+   EXPECT_EQ( inCollection(), before );
+   EXPECT_EQ( watcher.events, "+" );
+}
+
+TEST_F( LinuxPams, anInterfaceThatComesBackUnderItsNameIsAnotherOne ) {
+   desired->intfDesiredIs( va, true );
+   Korv::Ptr< Pam > const dead( inCollection() );
+   run( "ip link del va" );
+   ASSERT_TRUE( runUntil( [&] { return watcher.events == "+-"; } ) );
+   EXPECT_FALSE( host->allIntfStatusDir()->intfStatus( va ) );
+   dead->txPkt( pkt( numberedFrame() ) );
+   EXPECT_EQ( dead->lastSendError(), ENXIO );
+
+   run( "ip link add name va type veth peer name vb && ip link set va up && ip link set vb up" );
+   ASSERT_TRUE( runUntil( [&] { return watcher.events == "+-+"; } ) );
+   EXPECT_TRUE( carries() );
+
+   // Both changes between two looks at the kernel.
+   run( "ip link del va && ip link add name va type veth peer name vb && ip link set va up && "
+        "ip link set vb up" );
+   ASSERT_TRUE( runUntil( [&] { return watcher.events == "+-+-+"; } ) );
+   EXPECT_TRUE( carries() );
+   desired->intfDesiredDel( va );
+   EXPECT_EQ( watcher.events, "+-+-+-" );
+}
+
+TEST_F( LinuxPams, anInterfaceMayComeAfterTheWishAndTheFollowing ) {
+   host->interfaceDel( va );
+   run( "ip link del va" );
+   desired->intfDesiredIs( va, true );
+   host->interfaceIs( va );
+   EXPECT_EQ( watcher.events, "" );
+   EXPECT_EQ( interfaceProblem( va ).kind, InterfaceProblem::Kind::noSuchInterface );
+   run( "ip link add name va type veth peer name vb && ip link set va up && ip link set vb up" );
+   ASSERT_TRUE( runUntil( [&] { return watcher.events == "+"; } ) );
+   EXPECT_TRUE( carries() );
+   host->interfaceDel( va );
+   EXPECT_EQ( watcher.events, "+-" );
+}
+
+// The process holds some capabilities only, for a while.
+class Capabilities {
+ public:
+   explicit Capabilities( std::function< Korv::U32( Korv::U32 ) > const & held ) {
+      EXPECT_EQ( ::syscall( SYS_capget, &header_, before_ ), 0 );
+      __user_cap_data_struct now[2]{ before_[0], before_[1] };
+      now[0].effective = held( now[0].effective );
+      EXPECT_EQ( ::syscall( SYS_capset, &header_, now ), 0 );
+   }
+   ~Capabilities() { EXPECT_EQ( ::syscall( SYS_capset, &header_, before_ ), 0 ); }
+
+ private:
+   __user_cap_header_struct header_{ _LINUX_CAPABILITY_VERSION_3, 0 };
+   __user_cap_data_struct before_[2];
+};
+
+constexpr Korv::U32 netRaw = 1u << CAP_NET_RAW;
+
+TEST_F( LinuxPams, takesOneCapabilityAndSaysSoWithoutIt ) {
+   std::string said;
+   host->onProblem( [&]( Pelk::IntfId const & intfId, InterfaceProblem const & problem ) {
+      said = intfId.stringValue() + ": " + problem.text;
+   } );
+   {
+      Capabilities const less( []( Korv::U32 all ) { return all & ~netRaw; } );
+      EXPECT_EQ( interfaceProblem( va ).kind, InterfaceProblem::Kind::noPermission );
+      desired->intfDesiredIs( va, true );
+      EXPECT_EQ( said, "va: no permission to open packet sockets (it takes CAP_NET_RAW)" );
+      EXPECT_EQ( watcher.events, "" );
+      desired->intfDesiredDel( va );
+   }
+   Capabilities const enough( []( Korv::U32 ) { return netRaw; } );
+   EXPECT_FALSE( interfaceProblem( va ) );
+   desired->intfDesiredIs( va, true );
+   EXPECT_EQ( watcher.events, "+" );
+   EXPECT_TRUE( carries() );
+}
+
+TEST_F( LinuxPams, othersThanEthernetAreNotOpened ) {
+   if ( std::system( "ip tuntap add name t0 mode tun 2> /dev/null" ) != 0 ) {
+      GTEST_SKIP() << "no tun devices here";
+   }
+   Pelk::IntfId const t0( "t0" );
+   EXPECT_EQ( interfaceProblem( t0 ).kind, InterfaceProblem::Kind::notEthernet );
+   host->interfaceIs( t0 );
+   EXPECT_FALSE( host->network()->hasDevice( t0 ) );
+}
+
+} // namespace
+} // namespace Linux

@@ -1,0 +1,112 @@
+#!/usr/bin/env bash
+# Frames of all sizes and kinds on a cable: small and large MTUs, tags, and a storm of what is
+# foreign or broken, in which registrations stay.
+. "$(dirname "$0")/stations.bash"
+
+host left right
+wire left eth0 right eth0
+
+# All odd VLANs: 2047 vectors of one value, which take 10 kB.
+odd=$(seq -s , 1 2 4093)
+all_joined() {
+   [ "$(count right join)" -ge 2047 ]
+}
+for mtu in 100 9000; do
+   ip -n left link set eth0 mtu $mtu
+   ip -n right link set eth0 mtu $mtu
+   capture right eth0
+   run left left --application mvrp --declare "$odd" eth0
+   run right right --application mvrp eth0
+   heard right 10 'VLAN 1 ' 'VLAN 2047 ' 'VLAN 4093 '
+   until_true 5 all_joined || fail "$(count right join) joins at MTU $mtu"
+   stop left
+   heard right 3 'leave +VLAN 4093$'
+   stop right
+   decode right eth0 'Multiple VLAN Registration Protocol'
+   if [ -e "$work/decoded" ]; then
+      longest=$(grep -oP '^Frame \d+: \K\d+' "$work/decoded" | sort -n | tail -n 1)
+      [ "$longest" -le $(( (mtu < 1500 ? mtu : 1500) + 14 )) ] || fail "a frame of $longest bytes"
+   fi
+done
+ip -n left link set eth0 mtu 1500
+ip -n right link set eth0 mtu 1500
+
+# frames.py one [TAG]: a frame on eth0 that joins three VLANs, with the tag in hexadecimal.
+# frames.py storm NUMBER: that many frames that say nothing which is valid of VLANs below 100.
+cat > "$work/frames.py" <<'PY'
+import random
+import socket
+import sys
+
+out = socket.socket(socket.AF_PACKET, socket.SOCK_RAW)
+out.bind(("eth0", 0))
+mvrp = bytes.fromhex("0180c2000021")
+source = bytes.fromhex("020000000099")
+# VLAN 100, 101, 102 JoinIn.
+good = bytes.fromhex("00 01 02 0003 0064 2b 0000 0000")
+
+
+def send(frame):
+    while True:
+        try:
+            return out.send(frame)
+        except OSError:
+            pass  # no room at the moment
+
+
+def storm(number):
+    dice = random.Random(1)
+    for i in range(number):
+        kind = i % 5
+        body = bytearray(good)
+        if kind == 0:  # somebody else's protocol
+            send(bytes.fromhex("0180c200000e") + source + b"\x88\xcc" + bytes(46))
+        elif kind == 1:  # the address, and another type
+            send(mvrp + source + b"\x88\xf6" + bytes(body))
+        elif kind == 2:  # cut short
+            send(mvrp + source + b"\x88\xf5" + bytes(body[: dice.randrange(len(body))]))
+        elif kind == 3:  # noise, which must not name an attribute: a wrong length
+            body[2] = 3 + dice.randrange(250)
+            send(mvrp + source + b"\x88\xf5" + bytes(body) + dice.randbytes(dice.randrange(1000)))
+        else:  # a tag in a tag
+            tags = bytes.fromhex("81000005 81000006")
+            send(mvrp + source + tags + b"\x88\xf5" + bytes(body))
+
+
+if sys.argv[1] == "storm":
+    storm(int(sys.argv[2]))
+else:
+    tag = bytes.fromhex(sys.argv[2]) if len(sys.argv) > 2 else b""
+    send(mvrp + source + tag + b"\x88\xf5" + good)
+PY
+
+# A tag in front changes nothing, not even one of VLAN 0 and priority 0.
+run left left --application mvrp eth0
+run right right --application mvrp --declare 30 "${short[@]}" eth0
+heard left 5 'join +VLAN 30 ' # so the right is listening
+stop left
+for tag in 81000005 8100e007 81000000; do
+   on left python3 "$work/frames.py" one $tag
+   heard right 2 'join +VLAN 100 ' 'join +VLAN 101 ' 'join +VLAN 102 '
+   heard right 5 'leave +VLAN 102$'
+done
+stop right
+
+# The storm.
+run left left --application mvrp --declare 10,20-29 "${short[@]}" eth0
+run right right --application mvrp --declare 30 "${short[@]}" eth0
+heard right 5 'join +VLAN 10 ' 'join +VLAN 29 '
+heard left 5 'join +VLAN 30 '
+arrived() {
+   on right cat /sys/class/net/eth0/statistics/rx_packets
+}
+before=$(arrived)
+on left python3 "$work/frames.py" storm 100000
+[ $(( $(arrived) - before )) -ge 100000 ] || fail "the storm has not arrived"
+kill -USR1 "${pids[right]}"
+heard right 10 'eth0 +VLAN +10 .* IN( |$)' 'eth0 +VLAN +20-29 .* IN( |$)'
+[ "$(count right 'leave +VLAN (10|2.)$')" = 0 ] || fail "a registration was lost in the storm"
+[ "$(count left leave)" = 0 ] || fail "a registration was lost in the storm"
+stop left
+heard right 3 'leave +VLAN 10$' 'leave +VLAN 29$'
+stop right
