@@ -263,6 +263,14 @@ TEST_F( RunTest, OnlyPortsThatForwardTakePart ) {
    run( 1 );
    EXPECT_THAT( left.printed(), ElementsAre( "eth0 join VLAN 20 JoinMt" ) );
    EXPECT_THAT( right.printed(), ElementsAre( "eth0 join VLAN 10 JoinMt" ) );
+
+   // A record that has come since is watched like the others.
+   bridge.roleIs( "p1", Role::designated );
+   run( 1 );
+   EXPECT_THAT( left.printed(), IsEmpty() );
+   bridge.roleIs( "p1", Role::backup );
+   run( 2 );
+   EXPECT_THAT( left.printed(), ElementsAre( "eth0 leave VLAN 20" ) );
 }
 
 TEST_F( RunTest, ADeclarationThatComesBackIsHeardAtOnce ) {
@@ -293,6 +301,10 @@ TEST_F( RunTest, ANewIsPassedOnAsANew ) {
    run( 1 );
    // It travels in two frames.
    EXPECT_THAT( right.printed(), ElementsAre( "eth0 join VLAN 10 New", "eth0 join VLAN 10 New" ) );
+   // Once: what else happens to the VLAN is nothing new.
+   bridge.hear( "p1", mvrpFrame( vlans( 10, { JoinIn } ) ) );
+   run( 1 );
+   EXPECT_THAT( right.printed(), IsEmpty() );
 }
 
 TEST_F( RunTest, NumbersThatAreNoVlansAreNotPassedOn ) {

@@ -13,12 +13,18 @@ unsigned long allocations() { return count; }
 
 } // namespace Platform
 
-void * operator new( std::size_t size ) {
+// The forms that the library uses: one left out would be the runtime's own, and a block of one
+// would go back by the other.
+void * operator new( std::size_t size, std::nothrow_t const & ) noexcept {
    ++Platform::count;
-   if ( void * const memory = std::malloc( size ) ) {
+   return std::malloc( size );
+}
+void * operator new( std::size_t size ) {
+   if ( void * const memory = operator new( size, std::nothrow ) ) {
       return memory;
    }
    throw std::bad_alloc();
 }
 void operator delete( void * memory ) noexcept { std::free( memory ); }
 void operator delete( void * memory, std::size_t ) noexcept { std::free( memory ); }
+void operator delete( void * memory, std::nothrow_t const & ) noexcept { std::free( memory ); }
