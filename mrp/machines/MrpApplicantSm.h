@@ -49,7 +49,7 @@ class MrpApplicantSm : public Korv::PtrInterface {
    // The event of a MrpThreePackedEvent number from the wire.
    MrpApplicantEvent mrpMapRxApplicantEvent( U8 rxEvent ) const {
       static constexpr std::array< MrpApplicantEvent, 6 > events{ rxNew,    rxJoinIn, rxIn,
-                                                           rxJoinMt, rxMt,     rxLv };
+                                                                  rxJoinMt, rxMt,     rxLv };
       return rxEvent < events.size() ? events[rxEvent] : invalidApplicantEvent;
    }
 
