@@ -171,7 +171,8 @@ void Agent::send( Name const & name, Bytes const & value, unsigned event, U32 ti
    }
 }
 
-void Agent::forget( Book & book, U32 port ) {
+void Agent::sweep( Book & book, U32 port ) {
+   ports_[port].swept = true;
    std::erase_if( book, [&]( auto const & entry ) { return entry.first.port == port; } );
 }
 
@@ -182,8 +183,8 @@ void Agent::enabledIs( U32 port, bool enabled ) {
       participant_->lib().mrpInterfaceEnable( intfId( port ) );
    } else {
       participant_->lib().mrpInterfaceDisable( intfId( port ) );
-      forget( declared_, port );
-      forget( told_, port );
+      sweep( declared_, port );
+      sweep( told_, port );
    }
    propagateAll();
 }
@@ -191,8 +192,8 @@ void Agent::enabledIs( U32 port, bool enabled ) {
 void Agent::cleanUp( U32 port ) {
    note( "cleans up " + interface( port ) );
    participant_->lib().mrpCleanUpIntfDatabase( intfId( port ) );
-   forget( declared_, port );
-   forget( told_, port );
+   sweep( declared_, port );
+   sweep( told_, port );
    propagateAll();
 }
 
@@ -203,6 +204,7 @@ void Agent::cleanUpAttribute( Name const & name ) {
    note( "cleans up one attribute on " + interface( name.port ) );
    participant_->lib().mrpCleanUpIntfDatabaseAttribute( intfId( name.port ), kind.type, kind.key );
    if ( found && found->committed ) {
+      ports_[name.port].swept = true;
       declared_.erase( name );
       told_.erase( name );
       propagate( kind );
@@ -243,6 +245,16 @@ void Agent::roleIs( U32 port, Role role ) {
    }
    note( interface( port ) + " has role " + Korv::stringValue( role ) );
    Role const seen = ports_[port].roleSeen;
+   bool const flushes =
+      enabled( port ) && !standby() && isForwarding( seen ) && role == Role::alternate;
+   // Those that were about to leave are told of; all others go silently.
+   U64 toTell = changesTold_;
+   for ( auto const & [name, value] : told_ ) {
+      toTell +=
+         flushes && name.port == port &&
+         participant_->attribute( interface( port ), name.kind.type, name.kind.key )->registrar ==
+            Mrp::mrpLv;
+   }
    if ( enabled( port ) ) {
       ports_[port].roleSeen = role;
    }
@@ -251,9 +263,11 @@ void Agent::roleIs( U32 port, Role role ) {
    } else {
       tree->mstiPortStatusIs( interface( port ), role );
    }
-   // A flush says nothing of what was registered.
-   if ( enabled( port ) && !standby() && isForwarding( seen ) && role == Role::alternate ) {
-      forget( told_, port );
+   if ( changesTold_ != toTell ) {
+      throw Violation( "agent " + std::to_string( number() ) + ": a role's leave indications" );
+   }
+   if ( flushes ) {
+      sweep( told_, port );
       propagateAll();
    }
 }

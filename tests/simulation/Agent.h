@@ -85,6 +85,9 @@ class Agent {
    bool hasHadKeyZero( U32 port, U8 type ) const {
       return keyZero_.contains( { port, { type, 0 } } );
    }
+   // Attributes have been removed from the port past the machines, or flushed: their entries in
+   // leave timers may outlast them.
+   bool isSwept( U32 port ) const { return ports_[port].swept; }
    // Registrations that came or went. A join may be indicated again and again: a domain's, a New,
    // and any with another value.
    U64 changesTold() const { return changesTold_; }
@@ -101,13 +104,14 @@ class Agent {
    struct Port {
       bool enabled = false;
       bool device = true;
+      bool swept = false;
       Role roleSeen = Role::unknown; // by the participant
    };
 
    void load( U8 type, Bytes const & value );
    void handleFrame( std::string const & interface, Bytes const & frame );
    void handleIndication( Indication const & indication );
-   static void forget( Book & book, U32 port );
+   void sweep( Book & book, U32 port );
    void propagate( Kind const & kind );
    void propagateAll();
    void note( std::string const & text ) { trace_.line( Korv::now(), number(), text ); }

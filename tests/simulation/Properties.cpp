@@ -10,13 +10,27 @@ namespace {
 using State = Mrp::MrpApplicantState;
 
 struct Record {
-   State applicant{};
-   Mrp::MrpRegistrarState registrar{};
    Mrp::MrpAttrDatabase const * entry = nullptr;
-   bool committed = false;
-   bool marked = false;
+   bool marked = false; // for deletion
+
+   State applicant() const { return entry->applicantState(); }
+   Mrp::MrpRegistrarState registrar() const { return entry->registrarState(); }
+   bool isRegistered() const { return registrar() != Mrp::mrpMt; }
+   Bytes value() const {
+      Bytes bytes;
+      auto const & queue = entry->attributeValue();
+      for ( U32 i = 0; i < queue.count(); ++i ) {
+         bytes.push_back( queue.at( queue.position( i ) ) );
+      }
+      return bytes;
+   }
 };
 using Records = std::map< Name, Record >;
+
+std::ostream & operator<<( std::ostream & out, Record const & record ) {
+   return out << "in " << Mrp::stringValue( record.applicant() ) << ' '
+              << Mrp::stringValue( record.registrar() ) << " with " << hex( record.value() );
+}
 
 Mrp::MrpAttribute attribute( Name const & name ) {
    return Mrp::MrpAttribute( Agent::intfId( name.port ), name.kind.type, name.kind.key );
@@ -24,10 +38,6 @@ Mrp::MrpAttribute attribute( Name const & name ) {
 
 Mrp::MrpApplicationDatabase & tree( Mrp::MrpSm const & sm ) {
    return *sm.mrpStatus()->application( sm.mrpLib()->application() );
-}
-
-Record recordOf( Mrp::MrpAttrDatabase const & entry ) {
-   return { entry.applicantState(), entry.registrarState(), &entry };
 }
 
 // All that is in the tree or pending, the pending copy ahead of the committed one.
@@ -43,19 +53,14 @@ Records records( Agent const & agent, U32 port ) {
       }
       for ( auto member = node->mrpAttribute().walk(); member; ++member ) {
          Name const name{ port, { type, member.key() } };
-         Record & record = all[name] = recordOf( *member.value() );
-         record.committed = true;
-         record.marked = sm.isDeletePending( attribute( name ) );
+         all[name] = { member.value().ptr(), sm.isDeletePending( attribute( name ) ) };
       }
    }
    for ( auto member = sm.addPendingAttr().walk(); member; ++member ) {
       if ( member.key().intfId() == intfId ) {
          Name const name{ port, { member.key().attributeType(), member.key().attributeVal() } };
-         Record const & before = all[name];
-         Record record = recordOf( *member.value() );
-         record.committed = before.committed;
-         require( !before.marked, agent, name, "pending and marked for deletion" );
-         all[name] = record;
+         require( !all[name].marked, agent, name, "pending and marked for deletion" );
+         all[name].entry = member.value().ptr();
       }
    }
    return all;
@@ -68,7 +73,6 @@ bool isReachable( State state ) {
    return isDeclared( state ) || state == Mrp::mrpVeryAnxiousObserver ||
           state == Mrp::mrpAnxiousObserver || state == Mrp::mrpQuietObserver;
 }
-bool isRegistered( Record const & record ) { return record.registrar != Mrp::mrpMt; }
 
 bool waitsOnTimer( Mrp::MrpRegistrarSm const & registrar, Name const & name ) {
    auto const * const shared =
@@ -78,30 +82,23 @@ bool waitsOnTimer( Mrp::MrpRegistrarSm const & registrar, Name const & name ) {
           ( own && ( *own )->isLeavePending( name.kind.key ) );
 }
 
-Bytes valueOf( Mrp::MrpAttrDatabase const & entry ) {
-   Bytes value;
-   auto const & queue = entry.attributeValue();
-   for ( U32 i = 0; i < queue.count(); ++i ) {
-      value.push_back( queue.at( queue.position( i ) ) );
-   }
-   return value;
-}
-
 void checkRecord( Agent const & agent, Name const & name, Record const & record ) {
-   std::string const states =
-      Mrp::stringValue( record.applicant ) + ' ' + Mrp::stringValue( record.registrar );
    auto const declared = agent.declared().find( name );
-   bool const isTold = agent.told().contains( name );
-   require( isReachable( record.applicant ), agent, name, "in ", states );
-   require( isDeclared( record.applicant ) == ( declared != agent.declared().end() ), agent, name,
-            "in ", states, ", against what was declared" );
-   require( declared == agent.declared().end() || valueOf( *record.entry ) == declared->second,
-            agent, name, "not with the value declared, but ", hex( valueOf( *record.entry ) ) );
-   require( isRegistered( record ) == isTold, agent, name, "in ", states,
+   bool const isDeclaredThere = declared != agent.declared().end();
+   require( isReachable( record.applicant() ), agent, name, record );
+   require( isDeclared( record.applicant() ) == isDeclaredThere, agent, name, record,
+            ", against what was declared" );
+   require( !isDeclaredThere || record.value() == declared->second, agent, name, record,
+            ", not the value declared" );
+   require( record.isRegistered() == agent.told().contains( name ), agent, name, record,
             ", against what was told" );
-   require( record.registrar != Mrp::mrpLv || waitsOnTimer( *agent.sm().registrarSm(), name ) ||
-               agent.hasHadKeyZero( name.port, name.kind.type ),
-            agent, name, "waits in Lv on no timer" );
+   bool const waits = waitsOnTimer( *agent.sm().registrarSm(), name );
+   if ( record.registrar() == Mrp::mrpLv ) {
+      require( waits || agent.hasHadKeyZero( name.port, name.kind.type ), agent, name,
+               "waits in Lv on no timer" );
+   } else {
+      require( !waits || agent.isSwept( name.port ), agent, name, record, ", waits on a timer" );
+   }
 }
 
 void checkIndex( Agent const & agent, U32 port, Records const & all ) {
@@ -211,13 +208,13 @@ void checkAtRest( Agent const & agent, U32 port, U8 type, Book const & expected 
       if ( name.kind.type != type ) {
          continue;
       }
-      require( isDeclared( record.applicant ) || isRegistered( record ) ||
+      require( isDeclared( record.applicant() ) || record.isRegistered() ||
                   agent.refuses( name.kind ),
-               agent, name, "left behind" );
+               agent, name, record, ", left behind" );
       auto const found = expected.find( name );
-      require( found == expected.end() || !isRegistered( record ) || found->second.empty() ||
-                  found->second == valueOf( *record.entry ),
-               agent, name, "registered with the value ", hex( valueOf( *record.entry ) ) );
+      require( found == expected.end() || !record.isRegistered() || found->second.empty() ||
+                  found->second == record.value(),
+               agent, name, record, ", not the value that a neighbour declares" );
    }
    require( !agent.sm().mrpLib()->mrpTxPacketContext( Agent::intfId( port ) ), agent,
             { port, { type, 0 } }, "a first packet context is open" );

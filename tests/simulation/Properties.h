@@ -44,7 +44,8 @@ void require( bool holds, Agent const & agent, Name const & name, Words const &.
 //   - the index names what exists: committed and not marked, or pending; and nothing else but what
 //     is committed and marked; no index is empty;
 //   - what is marked for deletion is committed and has no pending copy;
-//   - an attribute in Lv waits on a leave timer;
+//   - an attribute in Lv waits on a leave timer, and no other attribute does, unless its port was
+//     swept;
 //   - nothing of a frame is left in the parser's queues, nothing in the interface queue, and no
 //     LeaveAll mark is raised;
 //   - MSRP sends and receives no malformed frame;

@@ -168,7 +168,7 @@ std::vector< Scene::Operation > const & Scene::operations() {
            // Declared and withdrawn, for the most part; the rest does not declare anything.
            unsigned const event = s.random_.oneOf( { 0u, 1u, 1u, 1u, 1u, 3u, 3u, 5u, 5u, 5u, 6u, 7u,
                                                      s.random_.oneOf( { 2u, 4u, 8u, 255u } ) } );
-           s.say( agent, port, s.random_.oneOf( s.attributes_ ), event,
+           s.say( agent, port, s.anyAttribute(), event,
                   s.random_.oneOf( { 0u, 1u, 1u, 1u, 1u, 1u, 1u, 1u, 2u } ) );
         } },
       { 3, false,
@@ -187,7 +187,7 @@ std::vector< Scene::Operation > const & Scene::operations() {
       { 2, false, []( Scene &, Agent & agent, U32 port ) { agent.cleanUp( port ); } },
       { 2, false,
         []( Scene & s, Agent & agent, U32 port ) {
-           agent.cleanUpAttribute( { port, s.random_.oneOf( s.attributes_ ).kind } );
+           agent.cleanUpAttribute( { port, s.anyAttribute().kind } );
         } },
       { 3, false, []( Scene &, Agent & agent, U32 port ) { agent.transmitAllLeaveAll( port ); } },
       { 5, true, []( Scene & s, Agent & agent, U32 port ) { s.configure( agent, port ); } },
@@ -217,6 +217,12 @@ std::vector< Scene::Operation > const & Scene::operations() {
         } },
    };
    return all;
+}
+
+// A few of them meet again and again.
+Scene::Attribute const & Scene::anyAttribute() {
+   std::size_t const few = std::min< std::size_t >( attributes_.size(), 3 );
+   return attributes_[random_.below( random_.chance( 0.5 ) ? few : attributes_.size() )];
 }
 
 void Scene::say( Agent & agent, U32 port, Attribute const & attribute, unsigned event, U32 times ) {

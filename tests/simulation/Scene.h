@@ -63,6 +63,7 @@ class Scene {
    void settle();
    void verify();
 
+   Attribute const & anyAttribute();
    void say( Agent & agent, U32 port, Attribute const & attribute, unsigned event, U32 times = 1 );
    void configure( Agent & agent, U32 port );
    void plug( End const & end, bool in );

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
 # Three hosts in a row, the one in the middle a bridge: what one end declares the other registers.
+# shellcheck source-path=SCRIPTDIR source=stations.bash
 . "$(dirname "$0")/stations.bash"
 
 host left bridge right

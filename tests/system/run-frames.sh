@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Frames of all sizes and kinds on a cable: small and large MTUs, tags, and a storm of what is
 # foreign or broken, in which registrations stay.
+# shellcheck source-path=SCRIPTDIR source=stations.bash
 . "$(dirname "$0")/stations.bash"
 
 host left right

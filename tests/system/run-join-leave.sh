@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Two hosts on a cable: what one declares the other registers, and gives up when it is withdrawn,
 # when nobody says it any more, and when the link goes.
+# shellcheck source-path=SCRIPTDIR source=stations.bash
 . "$(dirname "$0")/stations.bash"
 
 host left right

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
 # A talker and a listener on a cable, configured by a file and by options.
+# shellcheck source-path=SCRIPTDIR source=stations.bash
 . "$(dirname "$0")/stations.bash"
 
 host talker listener
