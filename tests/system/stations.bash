@@ -41,9 +41,13 @@ cleanup() {
 }
 trap cleanup EXIT
 
-# Times that a test can wait for, and the same in each run.
+# Times that a test can wait for, and the same in each run; and times so long that what happens
+# has another cause.
 export DISABLE_LEAVE_ALL_RANDOMIZATION=1
-short=( --leave-time 0.4 --leave-all-time 1.5 )
+short=( --leave-time 1 --leave-all-time 2.5 )
+long=( --leave-time 1 --leave-all-time 300 )
+# Seconds until something that has not happened never will: a bound for tests that fail.
+patience=20
 
 # host NAME...: a namespace each.
 host() {
@@ -90,12 +94,11 @@ stop() {
 since() {
    tail -n "+$(( marks[$1] + 1 ))" "$work/$1.out"
 }
-# until_true SECONDS COMMAND...
+# until_true COMMAND...: polls it.
 until_true() {
-   local end=$(( $(date +%s%N) + $1 * 1000000000 ))
-   shift
+   local end=$(( SECONDS + patience ))
    until "$@"; do
-      [ "$(date +%s%N)" -lt "$end" ] || return 1
+      [ $SECONDS -lt $end ] || return 1
       sleep 0.05
    done
 }
@@ -103,14 +106,15 @@ has_lines() {
    local name=$1 line
    shift
    for line; do
-      since "$name" | grep -Eq -- "$line" || return 1
+      # Not -q, which leaves whoever writes alone with a broken pipe.
+      since "$name" | grep -E -- "$line" > /dev/null || return 1
    done
 }
-# heard NAME SECONDS PATTERN...: it has printed, or prints within that time, a line of each.
+# heard NAME PATTERN...: it has printed, or prints before long, a line of each.
 heard() {
-   local name=$1 within=$2
-   shift 2
-   until_true "$within" has_lines "$name" "$@" || fail "$name has not printed: $*"
+   local name=$1
+   shift
+   until_true has_lines "$name" "$@" || fail "$name has not printed: $*"
    marks[$name]=$(wc -l < "$work/$name.out")
 }
 # silent NAME PATTERN: it has printed no such line since.
@@ -131,14 +135,14 @@ capture() {
    ip netns exec "$1" tshark -q -i "$2" -w - 'ether proto 0x88f5 or ether proto 0x22ea' \
       > "$work/capture-$1-$2" 2> "$work/capture-$1-$2.err" &
    pids[capture-$1-$2]=$!
-   until_true 20 grep -qs 'Capturing on' "$work/capture-$1-$2.err" || fail "tshark does not capture"
+   until_true grep -qs 'Capturing on' "$work/capture-$1-$2.err" || fail "tshark does not capture"
 }
 # decode HOST INTERFACE PROTOCOL: ends the capture. Every frame in it is of the protocol, and none
 # is malformed; the lines that tshark makes of them are in $work/decoded.
 decode() {
    local file=$work/capture-$1-$2 frames
    [ -n "${pids[capture-$1-$2]-}" ] || return 0
-   until_true 5 test -s "$file" || fail "nothing was captured"
+   until_true test -s "$file" || fail "nothing was captured"
    stop "capture-$1-$2" INT || true
    tshark -r "$file" -V > "$work/decoded" 2> /dev/null
    frames=$(grep -c '^Frame ' "$work/decoded" || true)
