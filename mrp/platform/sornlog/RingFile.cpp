@@ -178,7 +178,7 @@ Layout::Header newHeader( U32 recordsPerRing ) {
 
 RingFile::RingFile( std::string const & path, U32 recordsPerRing )
    : recordsPerRing_( recordsPerRing ) {
-   if ( recordsPerRing == 0 || recordsPerRing > 1u << 20 ) {
+   if ( recordsPerRing == 0 || recordsPerRing > Layout::mostRecordsPerRing ) {
       throwRangeException( "a ring has 1 to 1048576 records" );
    }
    keepOld( path );

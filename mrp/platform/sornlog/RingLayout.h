@@ -21,6 +21,7 @@ inline constexpr U32 byteOrder = 0x01020304;
 inline constexpr U32 version = 1;
 inline constexpr U32 siteSlots = 128;
 inline constexpr U32 rings = 10;
+inline constexpr U32 mostRecordsPerRing = 1u << 20;
 
 struct Header {
    char magic[8];

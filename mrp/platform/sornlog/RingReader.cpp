@@ -36,8 +36,7 @@ T copyOf( std::span< U8 const > bytes ) {
 }
 
 Layout::Header checkedHeader( std::span< U8 const > bytes ) {
-   if ( bytes.size() < sizeof( Layout::Header ) ||
-        std::memcmp( bytes.data(), Layout::magic, sizeof Layout::magic ) != 0 ) {
+   if ( !isRing( bytes ) || bytes.size() < sizeof( Layout::Header ) ) {
       throw RingError( "it is no ring file" );
    }
    return copyOf< Layout::Header >( bytes );
@@ -221,6 +220,11 @@ std::string printable( std::string const & text ) {
 }
 
 } // namespace
+
+bool isRing( std::span< U8 const > bytes ) {
+   return bytes.size() >= sizeof Layout::magic &&
+          std::memcmp( bytes.data(), Layout::magic, sizeof Layout::magic ) == 0;
+}
 
 RingContents readRing( std::span< U8 const > bytes ) { return Reader( bytes ).read(); }
 

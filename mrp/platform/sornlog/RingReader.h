@@ -48,6 +48,9 @@ struct RingContents {
    std::vector< RingRecord > records; // in the order in which they were written
 };
 
+// They begin as a ring file does.
+bool isRing( std::span< Korv::U8 const > bytes );
+
 // Throws RingError. Bytes that are missing at the end are records that are not there.
 RingContents readRing( std::span< Korv::U8 const > bytes );
 
