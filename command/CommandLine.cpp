@@ -175,7 +175,7 @@ void describeRing( CLI::App & mrp, Run & run ) {
       ->type_name( "LEVELS" );
    app.add_flag( "-j,--json", options->json, "Print one JSON document and nothing else" );
    app.add_option( "FILE", options->path, "What mrp run --ring has written" )
-      ->type_name( "FILE" )
+      ->type_name( "" )
       ->required();
    app.footer(
       "Each line: when, the level, what. A level has a ring of its own, so that rare errors (2 to\n"

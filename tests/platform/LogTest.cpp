@@ -101,10 +101,11 @@ TEST( TraceLevels, areReadByHandle ) {
    traceLevelsAre( "Other/9,0-1,One/2,One/4-8", handles );
    EXPECT_EQ( one.levels(), levels4To8 | 1u << 2 );
    EXPECT_EQ( other.levels(), 0x203u );
+   EXPECT_THROW( traceLevelsAre( "4-8", handles ), RangeException );
    traceLevelsAre( "One/3", handles );
    EXPECT_EQ( one.levels(), 1u << 3 ) << "these and no others";
 
-   for ( char const * wrong : { "", "One", "One/", "4-8", "One/4-", "One/-8", "One/8-4", "One/10",
+   for ( char const * wrong : { "", "One", "One/", "a", "One/4-", "One/-8", "One/8-4", "One/10",
                                 "One/a", "One/4,", ",One/4", "one/4", "One/4/5", "One/4 " } ) {
       EXPECT_THROW( traceLevelsAre( wrong, handles ), RangeException ) << wrong;
       EXPECT_THROW( traceLevelsAre( std::string( "Other/7," ) + wrong, handles ), RangeException )

@@ -1,7 +1,6 @@
 #include "mrp/platform/sornlog/RingFile.h"
 
 #include "mrp/platform/korv/RangeException.h"
-#include "mrp/platform/korv/TimeOfDay.h"
 
 #include <algorithm>
 #include <atomic>
@@ -170,7 +169,7 @@ Layout::Header newHeader( U32 recordsPerRing ) {
    header.rings = Layout::rings;
    header.recordsPerRing = recordsPerRing;
    header.process = static_cast< U32 >( ::getpid() );
-   header.started = timeOfDay();
+   header.started = coarseTime();
    return header;
 }
 
