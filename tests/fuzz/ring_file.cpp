@@ -49,10 +49,10 @@ Bytes goodFile() {
    return bytes;
 }
 
-// Three bytes a change: where, what. The front and the records are near.
+// Three bytes a change: where, what.
 void change( Bytes & file, U8 const * changes, std::size_t size ) {
    for ( ; size >= 3; changes += 3, size -= 3 ) {
-      std::size_t const at = changes[0] << 8u | changes[1];
+      std::size_t const at = std::size_t{ changes[0] } << 8u | changes[1];
       file[at % file.size()] = changes[2];
    }
 }

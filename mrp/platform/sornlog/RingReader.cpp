@@ -204,9 +204,12 @@ RingContents Reader::read() {
    }
    std::ranges::sort( ring_.records, {}, &RingRecord::sequence );
    // One place writes a sequence once.
-   auto const again = std::ranges::unique( ring_.records, {}, &RingRecord::sequence );
-   ring_.damaged += again.size();
-   ring_.records.erase( again.begin(), again.end() );
+   auto const isSame = []( RingRecord const & a, RingRecord const & b ) {
+      return a.sequence == b.sequence;
+   };
+   auto const again = std::unique( ring_.records.begin(), ring_.records.end(), isSame );
+   ring_.damaged += static_cast< U64 >( ring_.records.end() - again );
+   ring_.records.erase( again, ring_.records.end() );
    return std::move( ring_ );
 }
 
