@@ -31,7 +31,8 @@ std::vector< Korv::U8 > contentOf( std::string const & path ) {
    std::array< char, 1 << 16 > chunk;
    std::size_t most = sizeof( Sornlog::Layout::Header );
    while ( file && bytes.size() < most ) {
-      file.read( chunk.data(), std::min< std::streamsize >( chunk.size(), most - bytes.size() ) );
+      std::size_t const wanted = std::min( chunk.size(), most - bytes.size() );
+      file.read( chunk.data(), static_cast< std::streamsize >( wanted ) );
       bytes.insert( bytes.end(), chunk.data(), chunk.data() + file.gcount() );
       if ( Sornlog::isRing( bytes ) ) {
          most = Sornlog::Layout::fileBytes( Sornlog::Layout::mostRecordsPerRing );
