@@ -236,7 +236,7 @@ TEST_F( RingReaderTest, TornAndDamagedRecordsAreToldApart ) {
    EXPECT_TRUE( isDamaged() );
    damaged.arguments[5] = 100;
    EXPECT_TRUE( isDamaged() ) << "a string that ends elsewhere";
-   damaged.site = 0;
+   damaged.site = damaged.argumentBytes = 0;
    EXPECT_TRUE( isDamaged() ) << "a message of another level";
    damaged.site = 0xffff;
    EXPECT_TRUE( isDamaged() );
