@@ -219,11 +219,10 @@ RingFile::Number & RingFile::numberOf( Site const & site ) {
 }
 
 bool RingFile::registerSite( Number & number, Site const & site ) {
-   U32 const next = header_->sites;
-   if ( next == Layout::siteSlots ) {
+   if ( registered_ == Layout::siteSlots ) {
       return false;
    }
-   Layout::Site & entry = sites_[next];
+   Layout::Site & entry = sites_[registered_];
    entry.level = site.level;
    entry.codeCount =
       static_cast< U8 >( std::min( std::strlen( site.arguments ), sizeof entry.codes ) );
@@ -231,8 +230,9 @@ bool RingFile::registerSite( Number & number, Site const & site ) {
    entry.messageBytes =
       static_cast< U16 >( std::min( std::strlen( site.message ), sizeof entry.message ) );
    std::memcpy( entry.message, site.message, entry.messageBytes );
-   store( header_->sites, next + 1, std::memory_order_release );
-   number = { &site, static_cast< U16 >( next ) };
+   number = { &site, static_cast< U16 >( registered_ ) };
+   ++registered_;
+   store( header_->sites, registered_, std::memory_order_release );
    return true;
 }
 

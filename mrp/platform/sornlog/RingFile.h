@@ -15,7 +15,8 @@ namespace Sornlog {
 //
 //  1. A file is always new. One that a process before has left is kept under the name with ".old"
 //     behind it, so that a restart does not take the traces of a crash away.
-//  2. All of its blocks are there from the start: no write can fail for a full disk.
+//  2. All of its blocks are there from the start: no write can fail for a full disk. (Whoever cuts
+//     the file short while it is written ends the process, as with any mapped file.)
 //  3. A record is either whole or known not to be, wherever the process ends. (When the machine
 //     ends, what the kernel has not written back is lost.)
 //  4. A write allocates nothing and calls nothing in the kernel.
@@ -50,6 +51,8 @@ class RingFile : public File {
    Layout::Header * header_;
    Layout::Site * sites_;
    Layout::Record * records_;
+   // Nothing that is read back decides where is written: others can change the file.
+   Korv::U32 registered_ = 0;
    Korv::U64 sequence_ = 0;
    std::array< Korv::U32, Layout::rings > next_{};
    std::array< Number, numberSlots > numbers_{}; // hashed by the site's address
