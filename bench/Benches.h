@@ -17,6 +17,9 @@ void refreshTalkers( benchmark::State & state );
 void sentLeaveAll( benchmark::State & state );
 void expiry( benchmark::State & state );
 void idle( benchmark::State & state );
+// RingBench.cpp
+void ringSite( benchmark::State & state );
+void ringSiteWithoutFile( benchmark::State & state );
 // ScaleBench.cpp
 void refreshAtScale( benchmark::State & state );
 

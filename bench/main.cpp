@@ -19,6 +19,8 @@ constexpr Entry entries[] = {
    { "sentLeaveAll", Bench::sentLeaveAll, 100 },
    { "expiry", Bench::expiry, 100 },
    { "idle", Bench::idle, 3 },
+   { "ringSite", Bench::ringSite, 200 },
+   { "ringSiteWithoutFile", Bench::ringSiteWithoutFile, 200 },
    { "refreshAtScale", Bench::refreshAtScale, 60 },
 };
 

@@ -2,8 +2,12 @@
 // options described here and is run from here, with its arguments read into a plain struct.
 #include "command/CommandLine.h"
 
+#include "mrp/observability/TraceSetting.h"
+#include "mrp/platform/korv/RangeException.h"
+
 #include "command/CommandError.h"
 #include "command/ReplayCommand.h"
+#include "command/RingCommand.h"
 #include "command/RunCommand.h"
 #include "command/ScriptCommand.h"
 
@@ -164,6 +168,29 @@ void describeRun( CLI::App & mrp, Run & run ) {
    } );
 }
 
+void describeRing( CLI::App & mrp, Run & run ) {
+   CLI::App & app = *mrp.add_subcommand( "ring", "Print the ring buffer of a process" );
+   auto const options = std::make_shared< RingOptions >();
+   addOption( app, "--level", options->levels, levelsArgument, "These levels alone" )
+      ->type_name( "LEVELS" );
+   app.add_flag( "-j,--json", options->json, "Print one JSON document and nothing else" );
+   app.add_option( "FILE", options->path, "What mrp run --ring has written" )
+      ->type_name( "" )
+      ->required();
+   app.footer(
+      "Each line: when, the level, what. A level has a ring of its own, so that rare errors (2 to\n"
+      "4) outlive the everyday detail (8). LEVELS is such as 2,4-8.\n"
+      "\n"
+      "The file may be that of a process that runs, or of one that has ended in whatever way. The\n"
+      "exit status is 1 if something in it was written by none. docs/observability.md tells "
+      "more." );
+   app.callback( [options, &run] {
+      run = [options]( std::ostream & out, std::ostream & err ) {
+         return ring( *options, out, err );
+      };
+   } );
+}
+
 // CLI11 speaks of what is missing, also where something else stands in its place.
 std::string usageWords( CLI::App const & app, CLI::ParseError const & error, int argc,
                         char const * const * argv ) {
@@ -173,6 +200,15 @@ std::string usageWords( CLI::App const & app, CLI::ParseError const & error, int
    }
    std::string const subcommand = chosen.empty() ? "" : chosen.front()->get_name() + " ";
    return error.what() + ( " (see mrp " + subcommand + "-h)" );
+}
+
+// As the environment says.
+void switchTraces() {
+   try {
+      Mrp::traceLevelsOfEnvironment();
+   } catch ( Korv::RangeException const & error ) {
+      throw CommandError( error.what() );
+   }
 }
 
 std::string oneLine( std::string text ) {
@@ -192,9 +228,11 @@ int runCommandLine( int argc, char const * const * argv, std::ostream & out, std
    describeReplay( app, run );
    describeRun( app, run );
    describeScript( app, run );
+   describeRing( app, run );
 
    try {
       app.parse( argc, argv );
+      switchTraces();
       int const status = run( out, err );
       out.flush();
       if ( !out ) {

@@ -5,6 +5,7 @@
 #include "mrp/platform/linux/SignalWatch.h"
 
 #include "command/CommandError.h"
+#include "command/Observation.h"
 #include "command/RunAgent.h"
 #include "command/RunConfig.h"
 #include "command/RunSettings.h"
@@ -41,6 +42,7 @@ int runOnLinux( RunSettings const & settings, std::ostream & out, std::ostream &
    BrokenPipeIgnored const brokenPipeIgnored;
    Linux::RealActivity activity;
    checkInterfaces( settings );
+   Observation const observation( settings );
    Linux::Host host( activity );
    host.onProblem( [&err]( Pelk::IntfId const & intfId, Linux::InterfaceProblem const & problem ) {
       err << "mrp: warning: " << intfId << ": " << problem.text << '\n';

@@ -23,6 +23,21 @@ bool switchArgument( std::string const & text ) {
    return text == "true";
 }
 
+LogTarget logArgument( std::string const & text ) {
+   constexpr std::pair< char const *, LogTarget > targets[] = {
+      { "errors", LogTarget::errors },
+      { "stderr", LogTarget::standardError },
+      { "syslog", LogTarget::syslog },
+      { "none", LogTarget::none },
+   };
+   for ( auto const & [name, target] : targets ) {
+      if ( text == name ) {
+         return target;
+      }
+   }
+   throw CommandError( "'" + text + "' is no place for logs: errors, stderr, syslog or none" );
+}
+
 Korv::Seconds timerArgument( std::string const & text ) {
    constexpr Nanoseconds tick = nanosecondsPerSecond / 10;
    Nanoseconds const time = durationArgument( text );
@@ -79,6 +94,16 @@ constexpr std::array all{
    RunOption{ "ethertype", "N", "The EtherType, decimal or 0x... [0x88f5, for msrp 0x22ea]", false,
               []( Options & to, Text const & text ) { to.ethertype = ethertypeArgument( text ); },
               nullptr },
+   RunOption{ "log", "errors|stderr|syslog|none",
+              "Where the logs go: those of errors alone, or all, to standard error, or to syslog "
+              "[errors]",
+              false, []( Options & to, Text const & text ) { to.log = logArgument( text ); },
+              nullptr },
+   RunOption{ "trace", "HANDLE/LEVELS",
+              "Traces on standard error, such as Mrp/4-8 [what MRP_TRACE says]", false,
+              []( Options & to, Text const & text ) { to.trace = text; }, nullptr },
+   RunOption{ "ring", "FILE", "Keep a ring buffer of what happens in FILE, for mrp ring", false,
+              []( Options & to, Text const & text ) { to.ring = text; }, nullptr },
    RunOption{ "json", nullptr, "Print lines of JSON", false,
               []( Options & to, Text const & text ) { to.json = switchArgument( text ); },
               nullptr },
@@ -97,7 +122,8 @@ void RunOptions::fillFrom( RunOptions const & others ) {
    };
    using O = RunOptions;
    fill( &O::application, &O::address, &O::ethertype, &O::declare, &O::bridge, &O::talkers,
-         &O::listeners, &O::domains, &O::leaveTime, &O::leaveAllTime, &O::json, &O::interfaces );
+         &O::listeners, &O::domains, &O::leaveTime, &O::leaveAllTime, &O::json, &O::interfaces,
+         &O::log, &O::trace, &O::ring );
 }
 
 } // namespace Command

@@ -34,6 +34,13 @@ struct DomainOption {
    std::optional< U16 > vlan;
 };
 
+enum class LogTarget : U8 {
+   errors,        // MRP_ERROR alone, on standard error: joins and leaves are printed anyway
+   standardError, // all three
+   syslog,
+   none
+};
+
 // As far as they were given.
 struct RunOptions {
    std::optional< Mrp::MrpApplication > application;
@@ -48,6 +55,9 @@ struct RunOptions {
    std::optional< Korv::Seconds > leaveAllTime;
    std::optional< bool > json;
    std::optional< std::vector< std::string > > interfaces;
+   std::optional< LogTarget > log;
+   std::optional< std::string > trace;
+   std::optional< std::string > ring;
 
    // Takes what was not given from the others, each option as a whole.
    void fillFrom( RunOptions const & others );

@@ -111,7 +111,10 @@ RunSettings runSettings( RunOptions const & options ) {
                          options.leaveTime.value_or( Timers::defaultLeaveTime ),
                          options.leaveAllTime.value_or( Timers::defaultLeaveAllTime ),
                          options.json.value_or( false ),
-                         interfacesOf( options ) };
+                         interfacesOf( options ),
+                         options.log.value_or( LogTarget::errors ),
+                         options.trace.value_or( "" ),
+                         options.ring.value_or( "" ) };
    // Registrations that are asked for again before they can run out never do.
    if ( settings.leaveAllTime <= settings.leaveTime ) {
       throw CommandError(

@@ -19,6 +19,9 @@ struct RunSettings {
    Korv::Seconds leaveAllTime;
    bool json;
    std::vector< Pelk::IntfId > interfaces; // at least one, each once
+   LogTarget log;
+   std::string trace; // empty: as it is
+   std::string ring;  // empty: none
 };
 
 // Throws CommandError for what cannot be.

@@ -11,25 +11,23 @@ namespace Mrp {
 
 // A text made by Korv::format, for one of: values that do not match a packet's bytes, an
 // unidentified attribute type, a join that the application discarded.
-inline constexpr Korv::LogHandle MRP_ERROR( "MRP_ERROR", 6, "%s", "MRP error occurred",
+inline constinit Korv::LogHandle MRP_ERROR( "MRP_ERROR", 6, "%s", "MRP error occurred",
                                             Korv::NoActionRequired, 0.0, 1.0, 0 );
 
 // By the registrar, from its states In and Mt.
-inline constexpr Korv::LogHandle
+inline constinit Korv::LogHandle
    MRP_JOIN( "MRP_JOIN", 6, "MRP Join received on %s, attrType: %s, key: %s, state: %s, event: %s",
              "MRP Join was received on an interface", Korv::NoActionRequired, 0.0, 1.0, 0 );
 
 // By the registrar; the first field is "notified" or "received".
-inline constexpr Korv::LogHandle
+inline constinit Korv::LogHandle
    MRP_LV( "MRP_LV", 6, "MRP Lv %s on %s, attrType: %s, key: %s, state: %s, event: %s",
            "MRP Lv was handled on an interface", Korv::NoActionRequired, 0.0, 1.0, 0 );
 
-// One string for each "%s" of the handle's format.
+// For a handle that is okToLog: one string for each "%s" of its format.
 template < std::same_as< std::string >... Field >
-void mrpLog( Korv::LogHandle const & handle, Field const &... field ) {
-   if ( handle.okToLog() ) {
-      handle.log( Korv::format( handle.format(), field.c_str()... ) );
-   }
+void mrpLog( Korv::LogHandle & handle, Field const &... field ) {
+   handle.log( Korv::format( handle.format(), field.c_str()... ) );
 }
 
 // An attribute's key as the logs show it: in decimal and signed, whatever the name says.

@@ -40,19 +40,19 @@ TEST( PacketAccess, comesFirstAtTheStartAndFollowsTheWish ) {
                                             "void Mrp::MrpPamSm::handleInitialized()",
                                             "void Mrp::MrpSm::handleStandbyMode()" ) );
    mvrp.lib().mrpInterfaceEnable( ethernet1 );
-   EXPECT_THAT( steps.taken(), ElementsAre( "MrpPamSm::handlePam()Ethernet1",
-                                            "MrpIntfPamSm::handleInitialized()Ethernet1",
-                                            "MrpIntfPamSm::handleStandbyMode()Ethernet1" ) );
+   EXPECT_THAT( steps.taken(), ElementsAre( "MrpPamSm::handlePam() Ethernet1",
+                                            "MrpIntfPamSm::handleInitialized() Ethernet1",
+                                            "MrpIntfPamSm::handleStandbyMode() Ethernet1" ) );
    mvrp.sm().standbyModeIs( false );
    mvrp.sm().handleStandbyMode();
    EXPECT_THAT( steps.taken(), ElementsAre( "void Mrp::MrpSm::handleStandbyMode()",
                                             "void Mrp::MrpDatabaseDeleteSm::handleInitialized()",
                                             "void Mrp::MrpDatabaseAddSm::handleInitialized()",
                                             "void Mrp::MrpPamSm::handleStandbyMode()",
-                                            "MrpIntfPamSm::handleStandbyMode()Ethernet1" ) );
+                                            "MrpIntfPamSm::handleStandbyMode() Ethernet1" ) );
    mvrp.lib().mrpInterfaceDisable( ethernet1 );
-   EXPECT_THAT( steps.taken(), ElementsAre( "MrpPamSm::handlePam()Ethernet1",
-                                            "MrpIntfPamSm::doClose()Ethernet1" ) );
+   EXPECT_THAT( steps.taken(), ElementsAre( "MrpPamSm::handlePam() Ethernet1",
+                                            "MrpIntfPamSm::doClose() Ethernet1" ) );
 }
 
 TEST( PacketAccess, isThereForAnApplicationWithoutAttributes ) {

@@ -16,11 +16,16 @@ std::vector< std::string > traceLines_;
 
 LogCapture::LogCapture() {
    logLines_.clear();
+   constexpr double unlimited = 1e9;
+   Korv::logRateIs( { unlimited, unlimited } );
    Korv::logSinkIs( []( Korv::LogHandle const & handle, std::string const & text ) {
       logLines_.push_back( std::string( handle.name() ) + ": " + text );
    } );
 }
-LogCapture::~LogCapture() { Korv::logSinkIs( nullptr ); }
+LogCapture::~LogCapture() {
+   Korv::logSinkIs( nullptr );
+   Korv::logRateIs( {} );
+}
 
 std::vector< std::string > const & LogCapture::lines() const { return logLines_; }
 

@@ -95,7 +95,7 @@ stop right
 
 # The storm.
 run left left --application mvrp --declare 10,20-29 "${short[@]}" eth0
-run right right --application mvrp --declare 30 "${short[@]}" eth0
+run right right --application mvrp --declare 30 "${short[@]}" --trace Mrp/4 --ring "$work/ring" eth0
 heard right 'join +VLAN 10 ' 'join +VLAN 29 '
 heard left 'join +VLAN 30 '
 arrived() {
@@ -110,4 +110,8 @@ heard right 'eth0 +VLAN +10 .* IN( |$)' 'eth0 +VLAN +20-29 .* IN( |$)'
 [ "$(count left leave)" = 0 ] || fail "a registration was lost in the storm"
 stop left
 heard right 'leave +VLAN 10$' 'leave +VLAN 29$'
-stop right
+grep -Eq '^Mrp/4 [A-Za-z]+\.cpp:[0-9]+ ' "$work/right.err" || fail "no trace of what was broken"
+# What the ring holds is there after the process.
+stop right KILL || true
+"$MRP" ring "$work/ring" > "$work/right-ring.out" || fail "the ring is not to be read"
+grep -q '  8  MrpIntfPamSm::handleMrpdu() eth0$' "$work/right-ring.out" || fail "no frames in the ring"

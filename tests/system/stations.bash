@@ -142,7 +142,11 @@ capture() {
 decode() {
    local file=$work/capture-$1-$2 frames
    [ -n "${pids[capture-$1-$2]-}" ] || return 0
-   until_true test -s "$file" || fail "nothing was captured"
+   # A busy machine hands tshark its first frames late.
+   has_frames() {
+      [ -n "$(tshark -c 1 -r "$file" 2> /dev/null)" ]
+   }
+   until_true has_frames || fail "nothing was captured"
    stop "capture-$1-$2" INT || true
    tshark -r "$file" -V > "$work/decoded" 2> /dev/null
    frames=$(grep -c '^Frame ' "$work/decoded" || true)

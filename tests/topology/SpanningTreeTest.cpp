@@ -45,8 +45,8 @@ class Calls : public Sornlog::File {
  private:
    std::vector< std::string > calls_;
 };
-std::string const call1 = "MrpSm::handleRole()Ethernet1, Cist, default";
-std::string const call2 = "MrpSm::handleRole()Ethernet2, Cist, default";
+std::string const call1 = "MrpSm::handleRole() Ethernet1, Cist, default";
+std::string const call2 = "MrpSm::handleRole() Ethernet2, Cist, default";
 
 // VLANs 10 and 11 are registered, 10 is declared, too; 12 is about to leave. All frames are out.
 void load( Participant & mvrp ) {

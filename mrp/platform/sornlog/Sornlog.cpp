@@ -28,7 +28,8 @@ std::string text( Site const & site, std::span< Argument const > arguments ) {
    }
    bool first = true;
    for ( auto const & argument : arguments ) {
-      line += first ? "" : ", ";
+      // Most messages end with a blank for what follows; the names of functions do not.
+      line += !first ? ", " : line.ends_with( ')' ) ? " " : "";
       first = false;
       line += argumentText( argument );
    }

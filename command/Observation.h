@@ -1,0 +1,25 @@
+// What `mrp run` tells beside its lines: logs, traces and the ring buffer.
+#pragma once
+
+#include "mrp/platform/sornlog/RingFile.h"
+
+#include "command/RunSettings.h"
+
+#include <optional>
+
+namespace Command {
+
+// All of it as the settings say, for the object's lifetime; levels of traces stay on.
+class Observation {
+ public:
+   // Throws CommandError.
+   explicit Observation( RunSettings const & settings );
+   Observation( Observation const & ) = delete;
+   Observation & operator=( Observation const & ) = delete;
+   ~Observation();
+
+ private:
+   std::optional< Sornlog::RingFile > ring_;
+};
+
+} // namespace Command

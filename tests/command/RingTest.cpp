@@ -1,0 +1,146 @@
+// What `mrp ring` prints, and how logs, traces and the ring are switched by the user.
+#include "mrp/observability/Logs.h"
+#include "mrp/observability/RingSites.h"
+#include "mrp/platform/pelk/IntfId.h"
+
+#include "command/CommandError.h"
+#include "command/Observation.h"
+#include "tests/command/CommandRun.h"
+
+#include <gmock/gmock.h>
+
+#include <cstddef>
+#include <fstream>
+
+namespace CommandTest {
+
+namespace {
+
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+class RingTest : public CommandTest {
+ protected:
+   static Command::RunSettings settings() {
+      Command::RunOptions options;
+      options.application = Mrp::MVRP;
+      options.interfaces = { "eth0" };
+      return Command::runSettings( options );
+   }
+   // A file of two levels, the process gone.
+   std::string ringFile() const {
+      Command::RunSettings with = settings();
+      with.ring = path( "ring" );
+      Command::Observation const observation( with );
+      Pelk::IntfId const intfId( "eth0" );
+      Sornlog::log( Mrp::Ring::leaveAllEventIsTrue, intfId );
+      Sornlog::log( Mrp::Ring::joinDiscarded, intfId, Korv::U8{ 3 }, Korv::U8{ 1 } );
+      Sornlog::log( Mrp::Ring::flushOccurred );
+      return with.ring;
+   }
+};
+
+TEST_F( RingTest, PrintsMessagesInOrderOfTime ) {
+   std::string const file = ringFile();
+   Outcome const all = mrp( { "ring", file } );
+   EXPECT_EQ( all.status, 0 );
+   EXPECT_THAT( all.err, IsEmpty() );
+   EXPECT_THAT( all.out, ::testing::MatchesRegex(
+                            "process [0-9]+, started .*\n\n"
+                            ".*  8  leaveAllEvent is True for eth0\n"
+                            ".*  4  Join was discarded by MSRP, interface: eth0, attrType: 3, "
+                            "attrEvent: 1\n"
+                            ".*  8  Flush! event occurred\n" ) );
+   Outcome const errors = mrp( { "ring", "--level", "2-4", file } );
+   EXPECT_EQ( std::count( errors.out.begin(), errors.out.end(), '\n' ), 3 );
+
+   auto const records = mrp( { "ring", "--json", file } ).json().at( "records" );
+   ASSERT_EQ( records.size(), 3u );
+   EXPECT_EQ( records[1].at( "level" ), 4 );
+   EXPECT_EQ( records[1].at( "message" ), Mrp::Ring::joinDiscarded.message );
+   EXPECT_EQ( records[1].at( "arguments" ), nlohmann::json::parse( R"(["eth0", 3, 1])" ) );
+   EXPECT_THAT( records[1].at( "text" ).get< std::string >(), EndsWith( "attrEvent: 1" ) );
+   EXPECT_EQ( mrp( { "ring", "--json", "--level", "5", file } ).json().at( "records" ).size(), 0u );
+}
+
+TEST_F( RingTest, SaysWhatIsWrong ) {
+   std::string const bad = file( "bad", Bytes( 20000, 'x' ) );
+   struct {
+      std::vector< std::string > arguments;
+      std::string words;
+   } const cases[] = {
+      { { "ring" }, "FILE" },
+      { { "ring", path( "none" ) }, path( "none" ) + ": No such file or directory\n" },
+      { { "ring", path( "" ) }, path( "" ) + ": Is a directory\n" },
+      { { "ring", bad }, bad + ": it is no ring file\n" },
+      { { "ring", "/dev/zero" }, "/dev/zero: it is no ring file\n" },
+      { { "ring", "--level", "12", bad }, "--level: '12' is no level: 0 to 9" },
+      { { "run", "--application", "mvrp", "--log", "file", "lo" },
+        "--log: 'file' is no place for logs: errors, stderr, syslog or none\n" },
+      { { "run", "--application", "mvrp", "--trace", "Mrp/99", "lo" },
+        "trace: '99' is no level: 0 to 9" },
+      { { "run", "--application", "mvrp", "--trace", "Mvrp/4", "lo" },
+        "trace: 'Mvrp/4' names no trace handle: Mrp\n" },
+      { { "run", "--application", "mvrp", "--ring", bad, "lo" },
+        "ring: " + bad + ": it is no ring file, and is left alone\n" },
+   };
+   for ( auto const & each : cases ) {
+      Outcome const outcome = mrp( each.arguments );
+      EXPECT_EQ( outcome.status, 2 ) << each.words;
+      EXPECT_THAT( outcome.out, IsEmpty() ) << each.words;
+      EXPECT_THAT( outcome.err, HasSubstr( each.words ) );
+   }
+}
+
+TEST_F( RingTest, ADamagedFileIsReadAsFarAsItGoes ) {
+   std::string const file = ringFile();
+   std::fstream in( file, std::ios::in | std::ios::out | std::ios::binary );
+   using namespace Sornlog::Layout;
+   std::size_t const record = recordsAt + std::size_t{ 4 } * 4096 * sizeof( Record );
+   in.seekp( static_cast< std::streamoff >( record + offsetof( Record, argumentBytes ) ) );
+   in.put( 1 );
+   in.close();
+   Outcome const outcome = mrp( { "ring", file } );
+   EXPECT_EQ( outcome.status, 1 );
+   EXPECT_THAT( outcome.out, HasSubstr( "Flush! event occurred" ) );
+   EXPECT_THAT( outcome.err, HasSubstr( "1 records left out that no process has written" ) );
+}
+
+TEST_F( RingTest, TracesAreSwitchedByTheEnvironment ) {
+   setenv( "MRP_TRACE", "Mrp/8", 1 );
+   testing::internal::CaptureStderr();
+   Outcome const outcome = mrp( { "script", "tests/scenarios/first-join-is-registered.json" } );
+   EXPECT_EQ( outcome.status, 0 ) << outcome.err;
+   EXPECT_THAT( testing::internal::GetCapturedStderr(),
+                ::testing::ContainsRegex( "Mrp/8 [A-Za-z]+.cpp:[0-9]+ " ) );
+   setenv( "MRP_TRACE", "8", 1 );
+   EXPECT_THAT( mrp( { "ring", ringFile() } ).err,
+                HasSubstr( "mrp: MRP_TRACE: '8' is no HANDLE/LEVELS, such as Mrp/4-8\n" ) );
+   unsetenv( "MRP_TRACE" );
+}
+
+TEST_F( RingTest, LogsGoWhereTheyAreTold ) {
+   using Target = Command::LogTarget;
+   struct {
+      Target target;
+      bool joins, errors;
+   } const cases[] = { { Target::errors, false, true },
+                       { Target::standardError, true, true },
+                       { Target::none, false, false } };
+   for ( auto const & each : cases ) {
+      Command::RunSettings with = settings();
+      with.log = each.target;
+      Command::Observation const observation( with );
+      testing::internal::CaptureStderr();
+      Mrp::MRP_JOIN.log( "a join" );
+      Mrp::MRP_ERROR.log( "an error" );
+      std::string const lines = testing::internal::GetCapturedStderr();
+      EXPECT_EQ( lines.find( "MRP_JOIN: a join\n" ) != std::string::npos, each.joins ) << lines;
+      EXPECT_EQ( lines.find( "MRP_ERROR: an error\n" ) != std::string::npos, each.errors ) << lines;
+   }
+}
+
+} // namespace
+
+} // namespace CommandTest
