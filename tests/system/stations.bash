@@ -132,10 +132,11 @@ capture() {
       echo "no tshark: nothing will be decoded"
       return
    fi
-   ip netns exec "$1" tshark -q -i "$2" -w - 'ether proto 0x88f5 or ether proto 0x22ea' \
+   # The part of tshark that captures, which says when it has begun to.
+   ip netns exec "$1" dumpcap -q -i "$2" -f 'ether proto 0x88f5 or ether proto 0x22ea' -w - \
       > "$work/capture-$1-$2" 2> "$work/capture-$1-$2.err" &
    pids[capture-$1-$2]=$!
-   until_true grep -qs 'Capturing on' "$work/capture-$1-$2.err" || fail "tshark does not capture"
+   until_true grep -qs '^File: ' "$work/capture-$1-$2.err" || fail "dumpcap does not capture"
 }
 # decode HOST INTERFACE PROTOCOL: ends the capture. Every frame in it is of the protocol, and none
 # is malformed; the lines that tshark makes of them are in $work/decoded.
