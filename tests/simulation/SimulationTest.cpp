@@ -25,7 +25,7 @@ namespace Simulation {
 namespace {
 
 #if defined( __SANITIZE_ADDRESS__ )
-U64 seeds = 100;
+U64 seeds = 60;
 #else
 U64 seeds = 1000;
 #endif
@@ -68,7 +68,7 @@ bool runSeeds( Mrp::MrpApplication application ) {
 
 // The whole traces of a few seeds, each run twice.
 bool runTwice( Mrp::MrpApplication application ) {
-   for ( U64 seed = firstSeed; seed < firstSeed + std::min< U64 >( seeds, 30 ); ++seed ) {
+   for ( U64 seed = firstSeed; seed < firstSeed + std::min< U64 >( seeds, 20 ); ++seed ) {
       std::ostringstream first;
       std::ostringstream second;
       runSeed( application, seed, &first );
