@@ -21,6 +21,7 @@ class MrpAttrDatabase : public Korv::Entity {
       virtual void onAttributeValue( U32 /* index */ ) {}
       virtual void onAttributeValueMetadata() {}
    };
+   class KorvNboAttrLogSa; // its adapter on the mirror stream: observability/AttrLogAdapters.h
    using MembershipLevel = MrpAttrDatabase;
    // All values but a talker's (25 and 34 bytes) fit inside.
    using AttributeValue = Korv::ByteQueue< 14 >;
@@ -72,7 +73,7 @@ class MrpAttrDatabase : public Korv::Entity {
          Korv::scalar( 259, "applicantState", &C::applicantState, &C::applicantStateIs ),
          Korv::scalar( 260, "registrarState", &C::registrarState, &C::registrarStateIs ),
          Korv::queue( 261, 262, "attributeValue", &C::attributeValue, &C::attributeValueMetadataIs,
-                      &C::attributeValueIs ) );
+                      &C::attributeValueIs, &C::attributeValueDel ) );
    }
 
    Korv::String8 parentAttrName() const override { return parent() ? "mrpAttribute" : ""; }

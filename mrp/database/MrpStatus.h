@@ -24,6 +24,7 @@ class MrpIntfTypeApplicant : public Korv::Entity {
     public:
       virtual void onMrpAttribute( U64 /* mrpAttributeKey */ ) {}
    };
+   class KorvNboAttrLogSa; // its adapter on the mirror stream: observability/AttrLogAdapters.h
    using Attributes = Korv::OrderedMap< U64, Korv::Ptr< MrpAttrDatabase > >;
 
    explicit MrpIntfTypeApplicant( U8 attributeType ) : attributeType_( attributeType ) {}
@@ -63,6 +64,7 @@ class MrpIntfApplicant : public Korv::Entity {
     public:
       virtual void onIntfTypeApplicant( U8 /* attributeType */ ) {}
    };
+   class KorvNboAttrLogSa; // its adapter on the mirror stream: observability/AttrLogAdapters.h
    using Types = Korv::HashMap< U8, Korv::Ptr< MrpIntfTypeApplicant > >;
 
    explicit MrpIntfApplicant( Pelk::IntfId intfId ) : intfId_( intfId ) {}
@@ -111,6 +113,7 @@ class MrpApplicationDatabase : public Korv::Entity {
       virtual void onAttrDatabase( Pelk::IntfId ) {}
       virtual void onLeaveAllTime( MrpLeaveAllKey ) {}
    };
+   class KorvNboAttrLogSa; // its adapter on the mirror stream: observability/AttrLogAdapters.h
    using Interfaces = Korv::HashMap< Pelk::IntfId, Korv::Ptr< MrpIntfApplicant > >;
    using LeaveAllTimes = Korv::HashMap< MrpLeaveAllKey, Korv::Seconds >;
 
@@ -177,6 +180,7 @@ class MrpStatus : public Korv::NamedEntity {
     public:
       virtual void onApplication( MrpApplication ) {}
    };
+   class KorvNboAttrLogSa; // its adapter on the mirror stream: observability/AttrLogAdapters.h
    using Applications = Korv::HashMap< MrpApplication, Korv::Ptr< MrpApplicationDatabase > >;
 
    explicit MrpStatus( Korv::Name name ) : NamedEntity( std::move( name ) ) {}

@@ -22,9 +22,12 @@ void MrpAttrLogSm::handleInitialized() {
    if ( !nboAttrLogOutSm_ ) {
       return;
    }
-   attrLogSockFdIs( std::max( nboAttrLogOutSm_->sockFd(), -1 ) );
+   socketOutSm_.notifierIs( nboAttrLogOutSm_.ptr() );
+   handleSockFd();
    initialized_ = true;
 }
+
+void MrpAttrLogSm::handleSockFd() { attrLogSockFdIs( std::max( nboAttrLogOutSm_->sockFd(), -1 ) ); }
 
 void MrpAttrLogSm::attrLogSockFdIs( Korv::S32 fd ) {
    if ( fd != attrLogSockFd_ ) {

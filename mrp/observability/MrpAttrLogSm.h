@@ -6,6 +6,7 @@
 //
 //  1. Descriptor, size, threshold and usage are -1 until known; with no stream they stay so, and
 //     nothing is ever clogged.
+//  2. The descriptor follows the writer's: an observer may come, go and come again.
 #pragma once
 
 #include "mrp/platform/korv/NboAttrLog.h"
@@ -35,7 +36,18 @@ class MrpAttrLogSm : public Korv::PtrInterface {
    Korv::S32 attrLogKernTxBufferUsage() const { return usage_; }
 
  private:
+   class KorvSocketOutSm : public Korv::NboAttrLog::SocketOutSm::Reactor {
+    public:
+      explicit KorvSocketOutSm( MrpAttrLogSm & sm ) : sm_( sm ) {}
+      void onSockFd() override { sm_.handleSockFd(); }
+
+    private:
+      MrpAttrLogSm & sm_;
+   };
+   void handleSockFd();
+
    Korv::Ptr< Korv::NboAttrLog::SocketOutSm > nboAttrLogOutSm_;
+   KorvSocketOutSm socketOutSm_{ *this };
    Korv::S32 attrLogSockFd_ = -1;
    Korv::S32 size_ = -1;
    Korv::S32 threshold_ = -1;

@@ -23,6 +23,7 @@ class MrpCounters : public Korv::NamedEntity {
       virtual void onNumOfJoinIndications() {}
       virtual void onNumOfLeaveIndications() {}
    };
+   class KorvNboAttrLogSa; // its adapter on the mirror stream: observability/AttrLogAdapters.h
 
    explicit MrpCounters( Korv::Name name ) : NamedEntity( std::move( name ) ) {}
 

@@ -27,6 +27,7 @@ class MrpParseContext : public Korv::NamedEntity {
       virtual void onSendTxLvAll() {}
       virtual void onEventsCounter() {}
    };
+   class KorvNboAttrLogSa; // its adapter on the mirror stream: observability/AttrLogAdapters.h
 
    explicit MrpParseContext( Korv::Name name ) : NamedEntity( std::move( name ) ) {}
 

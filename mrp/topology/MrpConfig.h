@@ -25,6 +25,7 @@ class MrpConfig : public Korv::NamedEntity {
       virtual void onTxLeaveAllExpiryTime() {}
       virtual void onMrpFlooding() {}
    };
+   class KorvNboAttrLogSa; // its adapter on the mirror stream: observability/AttrLogAdapters.h
    using IntfTimes = Korv::HashMap< Pelk::IntfId, Korv::Seconds >;
 
    explicit MrpConfig( Korv::Name name ) : NamedEntity( std::move( name ) ) {}

@@ -15,6 +15,7 @@ ROOMS = [
     (KORV, [KORV]),
     ("mrp/platform/", ["mrp/platform/"]),
     ("mrp/vocabulary/", ["mrp/vocabulary/", KORV, PELK]),
+    ("mrp/observer/", ["mrp/"]),
     ("mrp/", ["mrp/"]),
     ("command/", ["mrp/", "command/"]),
     ("examples/", ["mrp/"]),

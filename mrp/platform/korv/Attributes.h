@@ -28,6 +28,7 @@ struct ScalarAttribute {
    char const * name;
    T ( E::*reader )() const;
    void ( E::*mutator )( V );
+   bool isKey; // no mutator
 };
 
 // A keyed collection of values. Reader: the collection.
@@ -59,17 +60,18 @@ struct QueueAttribute {
    Q const & ( E::*reader )() const;
    void ( E::*metadataMutator )( M );
    void ( E::*mutator )( U32, U8 );
+   void ( E::*remover )( U32 );
 };
 
 template < class E, class T, class V >
 constexpr ScalarAttribute< E, T, V > scalar( U16 number, char const * name,
                                              T ( E::*reader )() const, void ( E::*mutator )( V ) ) {
-   return { number, name, reader, mutator };
+   return { number, name, reader, mutator, false };
 }
 template < class E, class T >
 constexpr ScalarAttribute< E, T, T > keyScalar( U16 number, char const * name,
                                                 T ( E::*reader )() const ) {
-   return { number, name, reader, nullptr };
+   return { number, name, reader, nullptr, true };
 }
 template < class E, class C, class K, class V >
 constexpr MapAttribute< E, C, K, V >
@@ -86,8 +88,9 @@ children( U16 number, char const * name, C const & ( E::*reader )() const, Child
 template < class E, class Q, class M >
 constexpr QueueAttribute< E, Q, M >
 queue( U16 metadataNumber, U16 number, char const * name, Q const & ( E::*reader )() const,
-       void ( E::*metadataMutator )( M ), void ( E::*mutator )( U32, U8 ) ) {
-   return { metadataNumber, number, name, reader, metadataMutator, mutator };
+       void ( E::*metadataMutator )( M ), void ( E::*mutator )( U32, U8 ),
+       void ( E::*remover )( U32 ) ) {
+   return { metadataNumber, number, name, reader, metadataMutator, mutator, remover };
 }
 
 template < class... A >

@@ -2,14 +2,20 @@
 #pragma once
 
 #include "mrp/platform/korv/HashMap.h"
-#include "mrp/platform/korv/Ptr.h"
+#include "mrp/platform/korv/Notifier.h"
 #include "mrp/platform/korv/String8.h"
 
 namespace Korv::NboAttrLog {
 
 // What writes one connection's stream to its socket.
-class SocketOutSm : public PtrInterface {
+class SocketOutSm : public Notifier {
  public:
+   class Reactor : public ReactorOn< SocketOutSm > {
+    public:
+      // There is another socket, or none any more.
+      virtual void onSockFd() {}
+   };
+
    // The socket's descriptor, or a negative number if there is none.
    virtual S32 sockFd() const = 0;
 };

@@ -1,0 +1,67 @@
+// Keeps a mirror on a server's stream: connects, reads, and connects again.
+//
+// Owned by the observer's process, made after the activity. Whatever ends a stream, the server's
+// end, a broken connection or bytes that make no sense, it waits and connects anew, at first soon
+// and then at longer intervals; the mirror keeps what it had until the next stream says otherwise.
+#pragma once
+
+#include "mrp/observer/Mirror.h"
+#include "mrp/platform/korv/Clock.h"
+#include "mrp/platform/linux/DescriptorWatch.h"
+#include "mrp/platform/linux/StreamSocket.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace MrpObserver {
+
+class Connection {
+ public:
+   static constexpr Korv::Seconds firstDelay = 0.1;
+   static constexpr Korv::Seconds longestDelay = 5;
+
+   Connection( Linux::RealActivity & activity, Linux::StreamAddress address, Mirror & mirror );
+   Connection( Connection const & ) = delete;
+   Connection & operator=( Connection const & ) = delete;
+   ~Connection();
+
+   // A stream is under way: its first bytes have come.
+   bool connected() const { return connected_; }
+   // How many streams there have been, and why the last attempt or stream ended.
+   Korv::U64 streams() const { return streams_; }
+   std::string const & lastError() const { return lastError_; }
+   // Off, nothing is read: the server has to do with what its socket holds.
+   void readingIs( bool reading );
+
+ private:
+   class Retry : public Korv::Clock::Reactor {
+    public:
+      explicit Retry( Connection & connection )
+         : Reactor( Korv::activityManager().clock(), Korv::Clock::Rank::outside ),
+           connection_( connection ) {}
+      void onTime() override { connection_.connect(); }
+
+    private:
+      Connection & connection_;
+   };
+
+   void connect();
+   void handleReady( Korv::U32 ready );
+   void handleEnd( std::string const & error );
+
+   Linux::RealActivity & activity_;
+   Linux::StreamAddress address_;
+   Mirror & mirror_;
+   Linux::Descriptor socket_;
+   std::optional< Linux::DescriptorWatch > watch_;
+   Retry retry_{ *this };
+   Korv::Seconds delay_ = firstDelay;
+   Korv::U64 streams_ = 0;
+   std::string lastError_;
+   bool connected_ = false;
+   bool connecting_ = false;
+   bool reading_ = true;
+};
+
+} // namespace MrpObserver

@@ -1,0 +1,31 @@
+#include "mrp/observer/Mirror.h"
+
+#include "mrp/observability/AttrLogAdapters.h"
+
+namespace MrpObserver {
+
+Mirror::Mirror()
+   : status_( new Mrp::MrpStatus( "MrpStatus" ) ), config_( new Mrp::MrpConfig( "MrpConfig" ) ),
+     counters_( new Mrp::MrpCounters( "MrpCounters" ) ),
+     parseContext_( new Mrp::MrpParseContext( "MrpParseContext" ) ) {}
+
+Mirror::~Mirror() = default;
+
+void Mirror::streamBegins() {
+   input_ = std::make_unique< Korv::NboAttrLog::Input >( names_ );
+   input_->rootOf< Mrp::MrpStatus::KorvNboAttrLogSa >( *status_ );
+   input_->rootOf< Mrp::MrpConfig::KorvNboAttrLogSa >( *config_ );
+   input_->rootOf< Mrp::MrpCounters::KorvNboAttrLogSa >( *counters_ );
+   input_->rootOf< Mrp::MrpParseContext::KorvNboAttrLogSa >( *parseContext_ );
+}
+
+void Mirror::handleBytes( std::span< Korv::U8 const > bytes ) {
+   try {
+      input_->handleBytes( bytes );
+   } catch ( StreamError const & ) {
+      streamEnds();
+      throw;
+   }
+}
+
+} // namespace MrpObserver

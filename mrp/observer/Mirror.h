@@ -1,0 +1,60 @@
+// A participant's published entities as a stream brings them: the observer's side, short of the
+// transport.
+//
+//    MrpObserver::Mirror mirror;
+//    mirror.status()  ...config(), counters(), parseContext()   entities with reactors, as
+//    everywhere mirror.streamBegins();             a connection stands mirror.handleBytes( bytes );
+//    what it delivers; throws a StreamError when it is broken
+//
+// The entities live as long as the mirror, from stream to stream: a new stream brings them up to
+// date and deletes what it does not bring, so that a watcher hears of what has changed and of
+// nothing else. Between streams they stand as they were last.
+//
+// Watchers read. Whoever changes what is mirrored makes it differ from the original, and deletes
+// what a message is about to be applied to.
+#pragma once
+
+#include "mrp/database/MrpStatus.h"
+#include "mrp/platform/attrlog/Input.h"
+#include "mrp/receive/MrpCounters.h"
+#include "mrp/receive/MrpParseContext.h"
+#include "mrp/topology/MrpConfig.h"
+
+#include <memory>
+#include <span>
+
+namespace MrpObserver {
+
+using Korv::NboAttrLog::StreamError;
+
+class Mirror {
+ public:
+   Mirror();
+   Mirror( Mirror const & ) = delete;
+   Mirror & operator=( Mirror const & ) = delete;
+   ~Mirror();
+
+   Mrp::MrpStatus & status() const { return *status_; }
+   Mrp::MrpConfig & config() const { return *config_; }
+   Mrp::MrpCounters & counters() const { return *counters_; }
+   Mrp::MrpParseContext & parseContext() const { return *parseContext_; }
+
+   void streamBegins();
+   void streamEnds() { input_ = nullptr; }
+   bool hasStream() const { return input_ != nullptr; }
+   // Throws a StreamError when the stream is broken or hostile, and has then ended it. Not called
+   // from a watcher.
+   void handleBytes( std::span< Korv::U8 const > bytes );
+   // Of the stream at hand.
+   Korv::U64 messages() const { return input_ ? input_->messages() : 0; }
+
+ private:
+   Korv::Ptr< Mrp::MrpStatus > status_;
+   Korv::Ptr< Mrp::MrpConfig > config_;
+   Korv::Ptr< Mrp::MrpCounters > counters_;
+   Korv::Ptr< Mrp::MrpParseContext > parseContext_;
+   Korv::NboAttrLog::NameGuard names_;
+   std::unique_ptr< Korv::NboAttrLog::Input > input_;
+};
+
+} // namespace MrpObserver

@@ -1,0 +1,121 @@
+#include "mrp/platform/attrlog/Adapter.h"
+
+#include "mrp/platform/attrlog/Input.h"
+#include "mrp/platform/korv/RangeException.h"
+
+#include <algorithm>
+
+namespace Korv::NboAttrLog {
+
+Adapter::~Adapter() {
+   freeResyncState();
+   inputIs( nullptr, 0 );
+}
+
+void Adapter::doRemountSelf( Output * output ) {
+   freeResyncState();
+   suspended_ = false;
+   doDropChildren();
+   output_ = nullptr;
+   if ( output ) {
+      doStart( output, 0, 0 );
+   }
+}
+
+void Adapter::doStart( Output * output, U64 parent, U16 parentAttrId ) {
+   output_ = output;
+   identifier_ = output->newIdentifier();
+   doSerializeOrphan();
+   if ( parent ) {
+      doSerializePlace( parent, parentAttrId );
+   }
+   flowOutIs( firstOwnAttr );
+   doMarkAll();
+   if ( output->continueFlowOut() ) {
+      doResumeFlowOut();
+   }
+}
+
+void Adapter::suspendedIs( bool suspended ) {
+   if ( suspended == suspended_ ) {
+      return;
+   }
+   suspended_ = suspended;
+   if ( suspended && flowOut_ ) {
+      flowQueuedIs( false );
+   } else if ( !suspended && output_ ) {
+      flowOutIs( firstOwnAttr );
+      doMarkAll();
+   }
+}
+
+void Adapter::flowOutIs( U16 attrId ) {
+   if ( !flowOut_ ) {
+      flowOut_ = createFlowOut();
+      flowOut_->attrIdIs( attrId );
+      syncMode_ = SyncMode::synchronising;
+   } else {
+      flowOut_->attrIdIs( std::min( flowOut_->attrId, attrId ) );
+   }
+   flowQueuedIs( true );
+}
+
+void Adapter::flowQueuedIs( bool queued ) {
+   if ( queued == flowOut_->queued ) {
+      return;
+   }
+   if ( queued ) {
+      flowOut_->place = output_->flows_.insert( output_->flows_.end(), this );
+   } else {
+      output_->flows_.erase( flowOut_->place );
+   }
+   flowOut_->queued = queued;
+}
+
+void Adapter::freeResyncState() {
+   if ( flowOut_ ) {
+      flowQueuedIs( false );
+      flowOut_ = nullptr;
+      syncMode_ = SyncMode::direct;
+   }
+}
+
+void Adapter::doResumeFlowOut() {
+   U16 const next = hasEntity() ? handleAttrFlowOut( flowOut_->attrId ) : U16{ 0 };
+   if ( next != 0 ) {
+      flowOut_->attrIdIs( next );
+   } else {
+      freeResyncState();
+   }
+}
+
+Adapter::Way Adapter::wayOut( U16 attrId, char const * name, bool settled ) {
+   if ( suspended_ || handlingFlowInFor( attrId ) || !output_ ) {
+      return Way::stop;
+   }
+   if ( output_->readOnly() && !output_->convertedToWritable() ) {
+      doThrowReadOnly( name );
+   }
+   bool const room = output_->hasSufficientBuffer();
+   bool const write = syncMode_ == SyncMode::direct
+                         ? room || forced_
+                         : prepareImmediateTransmission( settled, !room );
+   return write ? Way::write : Way::mark;
+}
+
+void Adapter::doThrowReadOnly( char const * attribute ) {
+   throwRangeException( std::string( "read-only: " ) + attribute );
+}
+
+void Adapter::inputIs( Input * input, U64 identifier ) {
+   if ( input_ ) {
+      input_->adapterDel( identifier_ );
+   }
+   input_ = input;
+   identifier_ = input ? identifier : identifier_;
+   if ( input_ ) {
+      input_->adapterIs( identifier_, *this );
+   }
+}
+
+} // namespace Korv::NboAttrLog

@@ -1,0 +1,128 @@
+// The four kinds of attributes as the mirror stream sees them: key and value, what an adapter keeps
+// of each, what a flow keeps of what has still to be sent, and what one under way has brought.
+#pragma once
+
+#include "mrp/platform/korv/Attributes.h"
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <type_traits>
+
+namespace Korv::NboAttrLog {
+
+enum class Kind : U8 { scalar, map, children, queue };
+
+template < class Attribute >
+struct Traits;
+
+template < class E, class T, class V >
+struct Traits< ScalarAttribute< E, T, V > > {
+   static constexpr Kind kind = Kind::scalar;
+   using Value = std::remove_cvref_t< T >;
+   struct Kept {};
+   struct FlowIn {};
+   struct FlowOut {
+      bool dirty = false;
+   };
+};
+
+template < class E, class C, class K, class V >
+struct Traits< MapAttribute< E, C, K, V > > {
+   static constexpr Kind kind = Kind::map;
+   using Key = std::remove_cvref_t< K >;
+   using Value = std::remove_cvref_t< V >;
+   struct Kept {};
+   struct FlowIn {
+      std::set< Key > brought;
+   };
+   struct FlowOut {
+      std::optional< typename C::Walk > bookmark; // the resync goes on here
+      std::map< Key, bool > dirty;
+   };
+};
+
+template < class E, class C, class K, class Child >
+struct Traits< ChildrenAttribute< E, C, K, Child > > {
+   static constexpr Kind kind = Kind::children;
+   using Key = std::remove_cvref_t< K >;
+   using Member = std::remove_pointer_t< Child >;
+   using Adapter = typename Member::KorvNboAttrLogSa;
+   struct Kept {
+      std::map< Key, std::unique_ptr< Adapter > > adapters;
+   };
+   struct FlowIn {};
+   struct FlowOut {
+      std::optional< typename C::Walk > bookmark;
+      std::map< Key, bool > dirty;
+   };
+};
+
+template < class E, class Q, class M >
+struct Traits< QueueAttribute< E, Q, M > > {
+   static constexpr Kind kind = Kind::queue;
+   using Key = U8; // the slot
+   using Metadata = std::remove_cvref_t< M >;
+   struct Kept {};
+   struct FlowIn {};
+   // A walk over the slots of the span.
+   struct Walk {
+      Q const * queue;
+      U32 i = 0;
+      explicit operator bool() const { return i < queue->count(); }
+      U8 key() const { return static_cast< U8 >( queue->position( i ) ); }
+      void operator++() { ++i; }
+   };
+   // Which slots there are is told ahead of what is in them.
+   struct FlowOut {
+      bool metadataDirty = false;
+      std::optional< Walk > bookmark;
+      std::map< Key, bool > dirty;
+   };
+};
+
+// By number: that of a queue is the one of its bytes.
+template < class Attribute >
+constexpr bool isNumber( Attribute const & attribute, U16 number ) {
+   if constexpr ( requires { attribute.metadataNumber; } ) {
+      return attribute.number == number || attribute.metadataNumber == number;
+   } else {
+      return attribute.number == number;
+   }
+}
+
+// The number at which a flow comes to the attribute.
+template < class Attribute >
+constexpr U16 firstNumber( Attribute const & attribute ) {
+   if constexpr ( requires { attribute.metadataNumber; } ) {
+      return attribute.metadataNumber;
+   } else {
+      return attribute.number;
+   }
+}
+
+// Calls f( std::integral_constant ) for each place of a table.
+template < class Table, class F >
+constexpr void forEachPlace( Table const &, F && f ) {
+   constexpr std::size_t count = std::tuple_size_v< decltype( Table::list ) >;
+   [&]< std::size_t... place >( std::index_sequence< place... > ) {
+      ( f( std::integral_constant< std::size_t, place >() ), ... );
+   }
+   ( std::make_index_sequence< count >() );
+}
+
+template < class Table, template < class > class Part >
+struct PartsOf;
+template < template < class > class Part, class... A >
+struct PartsOf< AttributeTable< A... >, Part > {
+   using type = std::tuple< Part< A >... >;
+};
+template < class A >
+using KeptOf = typename Traits< A >::Kept;
+template < class A >
+using FlowOutOf = typename Traits< A >::FlowOut;
+template < class A >
+using FlowInOf = typename Traits< A >::FlowIn;
+
+} // namespace Korv::NboAttrLog

@@ -1,0 +1,145 @@
+// The adapter of one kind of entity, generated from its table of attributes. A concrete adapter
+// derives from this and says for each reactor which attribute it is:
+//
+//    class MrpAttrDatabase::KorvNboAttrLogSa final
+//       : public Korv::NboAttrLog::EntityAdapter< MrpAttrDatabase > {
+//       void onApplicantState() override { handleAttr< 259 >(); }
+//       void onAttributeValue( U32 index ) override { handleMember< 262 >( index ); } ...
+//
+// Read Adapter.h first. Bodies are grouped in EntityAdapterOut.h and EntityAdapterIn.h.
+#pragma once
+
+#include "mrp/platform/attrlog/Adapter.h"
+#include "mrp/platform/attrlog/AttributeKinds.h"
+#include "mrp/platform/attrlog/Input.h"
+#include "mrp/platform/korv/Entity.h"
+
+namespace Korv::NboAttrLog {
+
+template < class E >
+class EntityAdapter : public Adapter, public E::Reactor {
+ public:
+   explicit EntityAdapter( E & entity ) { this->notifierIs( &entity ); }
+
+   static constexpr char const * typeName() { return E::attributes().typeName; }
+   E * entity() const { return const_cast< E * >( this->notifier() ); }
+
+   // ---- Receiving: EntityAdapterIn.h ----------------------------------------------------------
+   // The root's or child's adapter at the receiving end.
+   void handleMounted( Input & input, U64 identifier ) { inputIs( &input, identifier ); }
+   void handleAttrDeserialization( S16 attrId, ByteReader & in ) override;
+   void handleAttrTransaction( U16 attrId, Marker marker ) override;
+
+ protected:
+   // ---- Sending: EntityAdapterOut.h -----------------------------------------------------------
+   // A scalar, or the span of a queue, has changed.
+   template < U16 number >
+   void handleAttr();
+   // A member of a collection has come, changed or gone.
+   template < U16 number, class Key >
+   void handleMember( Key const & key );
+
+ private:
+   template < class >
+   friend class EntityAdapter;
+   using Table = decltype( E::attributes() );
+   static constexpr Table table = E::attributes();
+   template < std::size_t place >
+   using TraitsAt = Traits< std::tuple_element_t< place, decltype( Table::list ) > >;
+   using FlowIns = typename PartsOf< Table, FlowInOf >::type;
+
+   struct Pending : FlowOut {
+      typename PartsOf< Table, FlowOutOf >::type marks;
+   };
+   struct FlowIn {
+      U16 attrId;
+      FlowIns parts;
+   };
+
+   // The attribute's place in the table.
+   static constexpr std::size_t placeOf( U16 number ) {
+      std::size_t found = ~std::size_t{ 0 };
+      forEachPlace( table, [&]( auto place ) {
+         found = isNumber( std::get< place >( table.list ), number ) ? place : found;
+      } );
+      return found;
+   }
+   // A child has a key, its first attribute; a root has a name.
+   static constexpr bool hasKey() {
+      if constexpr ( TraitsAt< 0 >::kind == Kind::scalar ) {
+         return std::get< 0 >( table.list ).isKey;
+      }
+      return false;
+   }
+   auto key() const {
+      if constexpr ( hasKey() ) {
+         return ( entity()->*std::get< 0 >( table.list ).reader )();
+      } else {
+         return entity()->name();
+      }
+   }
+   template < std::size_t place >
+   auto const & collection() const {
+      return ( entity()->*std::get< place >( table.list ).reader )();
+   }
+
+   Pending & pending() { return static_cast< Pending & >( *flowOut() ); }
+   template < std::size_t place >
+   bool synced() const {
+      return ( synced_ >> place & 1u ) != 0;
+   }
+   template < std::size_t place >
+   bool settled();
+   template < std::size_t place >
+   U16 flowAttr();
+   template < std::size_t place >
+   void doMark( Pending & pending );
+   // The span has changed: a walk over its slots begins again.
+   template < class Marks >
+   static void doMarkMetadata( Marks & marks ) {
+      marks.metadataDirty = true;
+      if ( marks.bookmark ) {
+         marks.bookmark->i = 0;
+      }
+   }
+   template < std::size_t place >
+   void serialize();
+   template < std::size_t place >
+   void serializeMetadata();
+   template < std::size_t place, class Key >
+   void serializeSing( Key const & key );
+   template < std::size_t place >
+   bool serializeColl();
+   template < class... Part >
+   void doWrite( U64 entity, S16 attrId, Part const &... part );
+   template < std::size_t place, class Key >
+   bool dropsChild( Key const & key );
+
+   template < std::size_t place >
+   void deserialize( S16 attrId, ByteReader & in );
+   template < std::size_t place >
+   void deserializeChild( bool gone, ByteReader & in );
+   template < std::size_t place >
+   void handleBrought();
+   template < class Mutator, class... Value >
+   void apply( U16 attrId, Mutator mutator, Value const &... value );
+
+   std::unique_ptr< FlowOut > createFlowOut() const override {
+      return std::make_unique< Pending >();
+   }
+   void doMarkAll() override;
+   U16 handleAttrFlowOut( U16 attrId ) override;
+   void doSerializeOrphan() override;
+   void doSerializePlace( U64 parent, U16 parentAttrId ) override;
+   void doDropChildren() override;
+   bool hasEntity() const override { return entity() != nullptr; }
+
+   typename PartsOf< Table, KeptOf >::type kept_;
+   std::unique_ptr< FlowIn > flowIn_;
+   U32 synced_ = 0; // a bit for each collection that has been sent as a whole
+};
+
+} // namespace Korv::NboAttrLog
+
+#include "mrp/platform/attrlog/EntityAdapterIn.h"
+#include "mrp/platform/attrlog/EntityAdapterOut.h"

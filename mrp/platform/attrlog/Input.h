@@ -1,0 +1,78 @@
+// One connection's incoming stream, short of the transport: bytes in, changes of entities out.
+//
+// Trusts nothing: whatever bytes arrive, they are applied, passed over, or end in a StreamError,
+// after which the object is good for nothing but its end. What a stream can make grow has a limit.
+//
+// Owned by whoever runs the connection, as are the entities at the roots, which outlive it: the
+// next stream brings them up to date and deletes what it does not bring.
+#pragma once
+
+#include "mrp/platform/attrlog/Adapter.h"
+
+#include <functional>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace Korv::NboAttrLog {
+
+class Input {
+ public:
+   static constexpr std::size_t maxEntities = 4'000'000;
+   static constexpr std::size_t maxMembers = 1'000'000; // of one collection
+   // Makes the adapter of a root that the stream has told of.
+   using Root = std::function< std::unique_ptr< Adapter >( Input & input, U64 identifier ) >;
+
+   // The names outlive it: what one stream has used up is used up for the next.
+   explicit Input( NameGuard & names ) : names_( names ) {}
+   Input( Input const & ) = delete;
+   Input & operator=( Input const & ) = delete;
+   ~Input();
+
+   // Roots are known by their type; those that are not are passed over, with all that is in them.
+   void rootIs( char const * typeName, Root root );
+   // The root has one of these: Input::rootOf< MrpStatus::KorvNboAttrLogSa >( status ).
+   template < class RootAdapter, class E >
+   void rootOf( E & entity ) {
+      rootIs( RootAdapter::typeName(), [&entity]( Input & input, U64 identifier ) {
+         auto adapter = std::make_unique< RootAdapter >( entity );
+         adapter->handleMounted( input, identifier );
+         return adapter;
+      } );
+   }
+
+   // The stream's next bytes, in pieces of any size. Whole messages are applied at once.
+   void handleBytes( std::span< U8 const > bytes );
+   U64 messages() const { return messages_; }
+
+   // For adapters.
+   void adapterIs( U64 identifier, Adapter & adapter ) { adapters_[identifier] = &adapter; }
+   void adapterDel( U64 identifier ) { adapters_.erase( identifier ); }
+   // The key of an entity that has been made known and has found no place yet. Good until the next
+   // call.
+   ByteReader takeOrphan( U64 identifier, char const * typeName );
+
+ private:
+   struct Orphan {
+      std::string typeName;
+      std::vector< U8 > key;
+   };
+   void handleGreeting( ByteReader greeting );
+   void handleMessage( ByteReader message, std::size_t bytes );
+   void handleOrphan( U64 identifier, ByteReader & in );
+
+   NameGuard & names_;
+   std::unordered_map< std::string, Root > roots_;
+   std::unordered_map< U64, Adapter * > adapters_;
+   // Made known, and without a place: also those of types that only a later version knows, for
+   // good. What is said about them is passed over.
+   std::unordered_map< U64, Orphan > orphans_;
+   std::vector< std::unique_ptr< Adapter > > rootAdapters_;
+   std::unordered_set< std::string > rootsSeen_;
+   std::vector< U8 > rest_; // of a message that has not arrived as a whole
+   Orphan taken_;
+   U64 messages_ = 0;
+   bool greeted_ = false;
+};
+
+} // namespace Korv::NboAttrLog

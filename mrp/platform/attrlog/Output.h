@@ -1,0 +1,94 @@
+// One connection's outgoing stream, short of the transport: messages in a buffer with a bound, and
+// the flows that wait for room in it.
+//
+// Owned by whoever runs the connection, and outlives the adapters that are attached to it. It never
+// waits for anybody: past the bound an adapter keeps marks instead of messages, and what the marks
+// stand for is read when there is room again.
+//
+//  1. Messages are whole in the buffer, in the order in which they were written.
+//  2. An adapter with something pending stands in the queue of flows, once.
+#pragma once
+
+#include "mrp/platform/attrlog/Bytes.h"
+#include "mrp/platform/attrlog/Protocol.h"
+
+#include <list>
+
+namespace Korv::NboAttrLog {
+
+class Adapter;
+
+class Output {
+ public:
+   static constexpr std::size_t usualBound = 64 * 1024;
+   static constexpr std::size_t turnBytes = 64 * 1024;
+
+   // Begins with the greeting.
+   explicit Output( std::size_t bound = usualBound );
+   Output( Output const & ) = delete;
+   Output & operator=( Output const & ) = delete;
+   virtual ~Output() = default;
+
+   // For adapters. The bound may be passed by the messages of one step, of which there are few.
+   bool hasSufficientBuffer() const { return bytes() < bound_; }
+   // Of a turn's worth no more, however much the transport takes: the engine is waiting.
+   bool continueFlowOut() const { return hasSufficientBuffer() && written_ < turnEnd_; }
+   // Counted up from 1, never used twice.
+   U64 newIdentifier() { return ++lastIdentifier_; }
+   ByteWriter nextHeaderIs( U64 entity, S16 attrId, U8 flags );
+   void messageEnd();
+   void doSendMarker( U64 entity, U16 attrId, Marker marker );
+
+   // A stream that is not ours to write on, unless it can be made so.
+   bool readOnly() const { return readOnly_; }
+   void readOnlyIs( bool readOnly ) { readOnly_ = readOnly; }
+   virtual bool convertedToWritable() { return false; }
+
+   // What was thrown while an adapter worked off a notification. The engine never hears of it: the
+   // stream has lost something and has to end.
+   void onNotificationException() {
+      failed_ = true;
+      handleFailed();
+   }
+   bool failed() const { return failed_; }
+
+   // For the transport: what waits, front first; what of it has gone.
+   std::size_t bytes() const { return buffer_.size() - gone_; }
+   std::span< U8 const > front() const { return std::span( buffer_ ).subspan( gone_ ); }
+   void frontDel( std::size_t count );
+   // Resumes flows for as long as there is room, for one turn. What is left waits for the next.
+   void doFlowOut();
+   // Bounds what is written while it lives.
+   struct Turn {
+      explicit Turn( Output & of ) : output( of ) { of.turnEnd_ = of.written_ + turnBytes; }
+      Turn( Turn const & ) = delete;
+      Turn & operator=( Turn const & ) = delete;
+      ~Turn() { output.turnEnd_ = ~U64{ 0 }; }
+      Output & output;
+   };
+   // No flow is pending and nothing waits.
+   bool idle() const { return bytes() == 0 && flows_.empty(); }
+
+ protected:
+   // There is something more in the buffer.
+   virtual void handleBytes() {}
+   // Nothing of what waits may be sent any more; a message may have remained half.
+   virtual void handleFailed() noexcept {}
+
+ private:
+   friend class Adapter;
+   using Flows = std::list< Adapter * >;
+
+   std::size_t bound_;
+   std::vector< U8 > buffer_;
+   std::size_t gone_ = 0;    // of the buffer's front
+   std::size_t message_ = 0; // where the message at hand begins
+   U64 written_ = 0;         // bytes, ever
+   U64 turnEnd_ = ~U64{ 0 };
+   Flows flows_;
+   U64 lastIdentifier_ = 0;
+   bool readOnly_ = false;
+   bool failed_ = false;
+};
+
+} // namespace Korv::NboAttrLog

@@ -1,0 +1,138 @@
+#include "mrp/platform/linux/StreamSocket.h"
+
+#include "mrp/platform/korv/RangeException.h"
+
+#include <arpa/inet.h>
+#include <cerrno>
+#include <charconv>
+#include <cstring>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace Linux {
+
+namespace {
+
+struct SocketAddress {
+   explicit SocketAddress( StreamAddress const & address ) {
+      if ( address.isUnix ) {
+         sockaddr_un un{};
+         un.sun_family = AF_UNIX;
+         if ( address.path.empty() || address.path.size() >= sizeof un.sun_path ) {
+            Korv::throwRangeException( "a socket's path has 1 to 107 characters" );
+         }
+         std::memcpy( un.sun_path, address.path.data(), address.path.size() );
+         std::memcpy( &storage, &un, sizeof un );
+         size = sizeof un;
+      } else {
+         sockaddr_in in{};
+         in.sin_family = AF_INET;
+         in.sin_port = htons( address.port );
+         if ( ::inet_pton( AF_INET, address.host.c_str(), &in.sin_addr ) != 1 ) {
+            Korv::throwRangeException( "'" + address.host + "' is no IPv4 address" );
+         }
+         std::memcpy( &storage, &in, sizeof in );
+         size = sizeof in;
+      }
+   }
+   sockaddr const * get() const { return reinterpret_cast< sockaddr const * >( &storage ); }
+   sockaddr_storage storage{};
+   socklen_t size;
+};
+
+Descriptor newSocket( SocketAddress const & address ) {
+   Descriptor made(
+      ::socket( address.storage.ss_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0 ) );
+   if ( !made ) {
+      throwErrno( "cannot make a socket" );
+   }
+   return made;
+}
+
+// Nobody accepts there any more.
+bool isAbandoned( SocketAddress const & address ) {
+   Descriptor const probe = newSocket( address );
+   return ::connect( probe.number(), address.get(), address.size ) != 0 && errno == ECONNREFUSED;
+}
+
+} // namespace
+
+StreamAddress StreamAddress::fromText( std::string_view text ) {
+   StreamAddress address;
+   if ( text.starts_with( "unix:" ) && text.size() > 5 ) {
+      address.path = text.substr( 5 );
+      return address;
+   }
+   if ( text.starts_with( "tcp:" ) ) {
+      address.isUnix = false;
+      auto rest = text.substr( 4 );
+      if ( auto const colon = rest.rfind( ':' ); colon != rest.npos ) {
+         address.host = rest.substr( 0, colon );
+         rest = rest.substr( colon + 1 );
+      }
+      auto const end = rest.data() + rest.size();
+      auto const [at, error] = std::from_chars( rest.data(), end, address.port );
+      if ( error == std::errc() && at == end && !rest.empty() ) {
+         return address;
+      }
+   }
+   Korv::throwRangeException( "'" + std::string( text ) +
+                              "' is neither unix:PATH nor tcp:PORT nor tcp:HOST:PORT" );
+}
+
+std::string StreamAddress::text() const {
+   return isUnix ? "unix:" + path : "tcp:" + host + ':' + std::to_string( port );
+}
+
+Descriptor listeningSocket( StreamAddress const & address ) {
+   SocketAddress const at( address );
+   Descriptor made = newSocket( at );
+   int const on = 1;
+   ::setsockopt( made.number(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof on );
+   int result = ::bind( made.number(), at.get(), at.size );
+   if ( result != 0 && errno == EADDRINUSE && address.isUnix && isAbandoned( at ) ) {
+      ::unlink( address.path.c_str() );
+      result = ::bind( made.number(), at.get(), at.size );
+   }
+   if ( result != 0 || ::listen( made.number(), 16 ) != 0 ) {
+      throwErrno( "cannot listen" );
+   }
+   return made;
+}
+
+Descriptor connectingSocket( StreamAddress const & address ) {
+   SocketAddress const at( address );
+   Descriptor made = newSocket( at );
+   if ( ::connect( made.number(), at.get(), at.size ) != 0 && errno != EINPROGRESS ) {
+      throwErrno( "cannot connect" );
+   }
+   return made;
+}
+
+Descriptor acceptedSocket( Descriptor const & listening ) {
+   Descriptor accepted(
+      ::accept4( listening.number(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC ) );
+   if ( accepted ) {
+      int const on = 1; // fails on a Unix-domain socket, which delays nothing
+      ::setsockopt( accepted.number(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on );
+   }
+   return accepted;
+}
+
+Korv::U16 listeningPort( Descriptor const & listening ) {
+   sockaddr_in in{};
+   socklen_t size = sizeof in;
+   ::getsockname( listening.number(), reinterpret_cast< sockaddr * >( &in ), &size );
+   return ntohs( in.sin_port );
+}
+
+int socketError( Descriptor const & socket ) {
+   int error = 0;
+   socklen_t size = sizeof error;
+   return ::getsockopt( socket.number(), SOL_SOCKET, SO_ERROR, &error, &size ) == 0 ? error : errno;
+}
+
+} // namespace Linux

@@ -1,0 +1,36 @@
+// Where a byte stream is offered, and its sockets: Unix-domain, or TCP over IPv4. None of them ever
+// waits.
+#pragma once
+
+#include "mrp/platform/korv/Types.h"
+#include "mrp/platform/linux/Descriptor.h"
+
+#include <string>
+#include <string_view>
+
+namespace Linux {
+
+struct StreamAddress {
+   // "unix:PATH", "tcp:PORT" (loopback) or "tcp:HOST:PORT" with an address in digits. Throws
+   // Korv::RangeException for anything else.
+   static StreamAddress fromText( std::string_view text );
+   std::string text() const;
+
+   bool isUnix = true;
+   std::string path;
+   std::string host = "127.0.0.1";
+   Korv::U16 port = 0; // 0: any that is free
+};
+
+// These throw std::system_error. A path that a dead process has left behind is taken over.
+Descriptor listeningSocket( StreamAddress const & address );
+// Still connecting, possibly: it is writable when that has been decided.
+Descriptor connectingSocket( StreamAddress const & address );
+// The next connection of a listening socket; none if there is none, with errno.
+Descriptor acceptedSocket( Descriptor const & listening );
+// The port that was found for a TCP address of port 0.
+Korv::U16 listeningPort( Descriptor const & listening );
+// What became of connecting: 0 or an error number.
+int socketError( Descriptor const & socket );
+
+} // namespace Linux

@@ -1,0 +1,251 @@
+// What an adapter says on its stream, message by message.
+#include "mrp/observability/AttrLogAdapters.h"
+#include "mrp/platform/korv/RangeException.h"
+
+#include "tests/support/MirrorLine.h"
+
+#include <gmock/gmock.h>
+
+namespace TestSupport {
+namespace {
+
+using namespace Korv::NboAttrLog;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+// What has been written and not taken, as "ENTITY ATTRIBUTE: PAYLOAD" without the tokens, or
+// "ENTITY ATTRIBUTE marker N". Takes it; flows go on afterwards.
+std::vector< std::string > step( Output & output ) {
+   std::vector< std::string > all;
+   Bytes const bytes( output.front().begin(), output.front().end() );
+   output.frontDel( bytes.size() );
+   NameGuard names;
+   for ( std::size_t at = !bytes.empty() && bytes[0] == 'M' ? greetingBytes : 0;
+         at < bytes.size(); ) {
+      ByteReader in( std::span< U8 const >( bytes ).subspan( at ), names );
+      auto const size = in.get< U32 >();
+      std::string text = std::to_string( in.get< U64 >() );
+      text += ' ' + std::to_string( in.get< Korv::S16 >() );
+      bool const marker = in.get< U8 >() == transaction;
+      auto const payload = in.take( size - headerBytes );
+      if ( marker ) {
+         text += " marker " + std::to_string( payload[0] );
+      } else {
+         EXPECT_EQ( payload.front(), 1 );
+         EXPECT_EQ( payload.back(), 3 );
+         text += ": " + hex( Bytes( payload.begin() + 1, payload.end() - 1 ) );
+      }
+      all.push_back( text );
+      at += lengthBytes + size;
+   }
+   output.doFlowOut();
+   return all;
+}
+std::vector< std::string > said( Output & output ) {
+   std::vector< std::string > all;
+   while ( !output.idle() ) {
+      auto const more = step( output );
+      all.insert( all.end(), more.begin(), more.end() );
+   }
+   return all;
+}
+
+// One root on a stream of its own.
+template < class E >
+struct Sender {
+   explicit Sender( Korv::Ptr< E > const & of, std::size_t bound = Output::usualBound )
+      : entity( of ), output( bound ), adapter( *of ) {
+      adapter.doRemountSelf( &output );
+   }
+   std::vector< std::string > said() { return TestSupport::said( output ); }
+   // Until something is taken there is no room.
+   void fill() {
+      while ( output.hasSufficientBuffer() ) {
+         output.doSendMarker( 99, 1, Marker::begin );
+      }
+   }
+   void takeFilling() { output.frontDel( output.bytes() ); }
+
+   Korv::Ptr< E > entity;
+   Output output;
+   typename E::KorvNboAttrLogSa adapter;
+};
+
+Korv::Ptr< Mrp::MrpIntfTypeApplicant > vlansOf( std::initializer_list< U64 > keys ) {
+   Korv::Ptr< Mrp::MrpIntfTypeApplicant > const type( new Mrp::MrpIntfTypeApplicant( 1 ) );
+   for ( U64 const key : keys ) {
+      type->mrpAttributeIs( key );
+   }
+   return type;
+}
+
+TEST( AttrLog, tellsAllOfAnEntityFirst ) {
+   Korv::Ptr< Mrp::MrpConfig > const config( new Mrp::MrpConfig( "c" ) );
+   config->intfLeaveTimeIs( Pelk::IntfId( "e1" ), 1 );
+   Sender sender( config );
+   Bytes const begin( sender.output.front().begin(), sender.output.front().begin() + 12 );
+   EXPECT_EQ( std::string( begin.begin(), begin.begin() + 8 ), "MrpAttrL" );
+   EXPECT_EQ( hex( Bytes( begin.begin() + 8, begin.end() ) ), "00 01 00 00" );
+   EXPECT_THAT(
+      sender.said(),
+      ElementsAre( "1 136: 01 00 00 00 10 00 0e 4d 72 70 3a 3a 4d 72 70 43 6f 6e 66 69 67 "
+                   "03 00 00 00 03 00 01 63 04 00 00 00 08 00 00 00 00 00 00 00 01",
+                   "1 258: 01", "1 259: 3f e3 33 33 33 33 33 33", "1 260: 40 24 00 00 00 00 00 00",
+                   "1 261 marker 0", "1 261: 00 02 65 31 3f f0 00 00 00 00 00 00", "1 261 marker 2",
+                   "1 262 marker 0", "1 262 marker 2", "1 263: 3f e3 33 33 33 33 33 33",
+                   "1 264: 00" ) );
+}
+
+TEST( AttrLog, tellsOfAChildByItsOrphanItsPlaceAndItsAttributes ) {
+   Sender sender( vlansOf( {} ) );
+   sender.said();
+   auto * const vlan = sender.entity->mrpAttributeIs( 10 );
+   EXPECT_THAT(
+      sender.said(),
+      ElementsAre( "2 136: 01 00 00 00 16 00 14 4d 72 70 3a 3a 4d 72 70 41 74 74 72 44 61 "
+                   "74 61 62 61 73 65 03 00 00 00 08 00 00 00 00 00 00 00 0a "
+                   "04 00 00 00 08 00 00 00 00 00 00 00 02",
+                   "1 259: 00 00 00 00 00 00 00 0a 00 00 00 00 00 00 00 02", "2 259: 00 00 00 00",
+                   "2 260: 00 00 00 00", "2 261: 00 00", "2 262 marker 0", "2 262 marker 2" ) );
+   // Direct: each change at once, and none for what changes nothing.
+   vlan->applicantStateIs( Mrp::mrpQuietActive );
+   vlan->applicantStateIs( Mrp::mrpQuietActive );
+   vlan->attributeValueEnq( 7 );
+   vlan->attributeValueMetadataIs( { 0, 2 } );
+   vlan->attributeValueDeq();
+   EXPECT_THAT( sender.said(),
+                ElementsAre( "2 259: 00 00 00 05", "2 262: 00 07", "2 261: 00 02", "2 -262: 00" ) );
+   sender.entity->mrpAttributeDel( 10 );
+   EXPECT_THAT( sender.said(), ElementsAre( "1 -259: 00 00 00 00 00 00 00 0a" ) );
+}
+
+TEST( AttrLog, mergesWhatChangesWhileThereIsNoRoom ) {
+   Sender sender( vlansOf( { 10, 11 } ) );
+   sender.said();
+   auto * const vlan = sender.entity->mrpAttribute( 10 );
+   sender.fill();
+   for ( U32 state = 1; state <= 10; ++state ) {
+      vlan->applicantStateIs( static_cast< Mrp::MrpApplicantState >( state ) );
+   }
+   sender.entity->mrpAttributeDel( 11 );
+   sender.entity->mrpAttributeIs( 12 );
+   sender.entity->mrpAttributeDel( 12 );
+   sender.takeFilling();
+   sender.output.doFlowOut();
+   EXPECT_THAT( sender.said(), ElementsAre( "2 259: 00 00 00 0a", "1 -259: 00 00 00 00 00 00 00 0b",
+                                            "1 -259: 00 00 00 00 00 00 00 0c" ) );
+   // All is as before: no flow is left.
+   vlan->applicantStateIs( Mrp::mrpVeryAnxiousObserver );
+   EXPECT_THAT( sender.said(), ElementsAre( "2 259: 00 00 00 00" ) );
+}
+
+// A bound that one message fills: the walk stops at each member, and goes on from its bookmark.
+TEST( AttrLog, goesOnWithAResyncWhereItWas ) {
+   Korv::Ptr< Mrp::MrpConfig > const config( new Mrp::MrpConfig( "c" ) );
+   for ( auto const name : { "e1", "e2", "e3", "e4" } ) {
+      config->intfLeaveTimeIs( Pelk::IntfId( name ), 1 );
+   }
+   Sender sender( config, 20 );
+   std::vector< std::string > all;
+   while ( !sender.output.idle() ) {
+      for ( auto const & line : step( sender.output ) ) {
+         if ( line.starts_with( "1 261" ) || line.starts_with( "1 -261" ) ) {
+            all.push_back( line.substr( 0, line[2] == '-' ? line.npos : 18 ) );
+         }
+         if ( line.starts_with( "1 261: 00 02 65 32" ) ) { // e4 is what the bookmark names
+            config->intfLeaveTimeDel( Pelk::IntfId( "e1" ) );
+            config->intfLeaveTimeDel( Pelk::IntfId( "e4" ) );
+            config->intfLeaveTimeIs( Pelk::IntfId( "e5" ), 2 );
+         }
+      }
+   }
+   ASSERT_EQ( all.size(), 8u ) << testing::PrintToString( all );
+   EXPECT_THAT( std::vector( all.begin(), all.begin() + 5 ),
+                ElementsAre( "1 261 marker 0", "1 261: 00 02 65 31", "1 261: 00 02 65 32",
+                             "1 261: 00 02 65 33", "1 261: 00 02 65 35" ) );
+   // What had gone meanwhile, in the order of the keys.
+   EXPECT_THAT( std::vector( all.begin() + 5, all.end() ),
+                ElementsAre( "1 261 marker 2", "1 -261: 00 02 65 31", "1 -261: 00 02 65 34" ) );
+}
+
+TEST( AttrLog, saysNothingWhileSuspendedAndEverythingAfterwards ) {
+   Sender sender( vlansOf( { 10 } ) );
+   sender.said();
+   sender.adapter.suspendedIs( true );
+   sender.entity->mrpAttributeDel( 10 );
+   sender.entity->mrpAttributeIs( 11 );
+   EXPECT_THAT( sender.said(), IsEmpty() );
+   sender.adapter.suspendedIs( false );
+   sender.output.doFlowOut();
+   auto const again = sender.said();
+   ASSERT_GE( again.size(), 4u );
+   EXPECT_EQ( again.front(), "1 259 marker 0" );
+   EXPECT_EQ( again[2], "1 259: 00 00 00 00 00 00 00 0b 00 00 00 00 00 00 00 03" );
+   EXPECT_EQ( again.back(), "1 259 marker 2" );
+}
+
+TEST( AttrLog, abortsAResyncThatBeginsAnew ) {
+   Sender sender( vlansOf( { 10, 11 } ), 40 );
+   sender.takeFilling();
+   sender.output.doFlowOut(); // marker 0, and a member or two
+   ASSERT_FALSE( sender.output.idle() );
+   sender.takeFilling();
+   sender.adapter.suspendedIs( true );
+   sender.adapter.suspendedIs( false );
+   sender.output.doFlowOut();
+   auto const all = sender.said();
+   ASSERT_GE( all.size(), 2u );
+   EXPECT_EQ( all[0], "1 259 marker 1" );
+   EXPECT_EQ( all[1], "1 259 marker 0" );
+   EXPECT_EQ( all.back(), "4 262 marker 2" );
+}
+
+TEST( AttrLog, keepsOffAStreamThatIsNotItsOwn ) {
+   Sender sender( vlansOf( { 10 } ) );
+   sender.said();
+   sender.output.readOnlyIs( true );
+   auto * const vlan = sender.entity->mrpAttribute( 10 );
+   try {
+      vlan->applicantStateIs( Mrp::mrpQuietActive );
+      ADD_FAILURE() << "written to a read-only stream";
+   } catch ( Korv::RangeException const & error ) {
+      EXPECT_THAT( error.what(), testing::HasSubstr( "applicantState" ) );
+   }
+   EXPECT_THAT( sender.said(), IsEmpty() );
+   sender.output.readOnlyIs( false );
+
+   // Detached it says nothing; on another stream, everything from the start.
+   sender.adapter.doRemountSelf( nullptr );
+   vlan->applicantStateIs( Mrp::mrpAnxiousActive );
+   EXPECT_THAT( sender.said(), IsEmpty() );
+   Output other;
+   sender.adapter.doRemountSelf( &other );
+   auto const all = said( other );
+   EXPECT_EQ( all.front().substr( 0, 6 ), "1 136:" );
+   EXPECT_THAT( all, testing::Contains( "2 259: 00 00 00 04" ) );
+   sender.adapter.doRemountSelf( nullptr );
+}
+
+// An entity that is received on one stream and sent on the same: only what is not being received
+// goes out.
+TEST( AttrLog, doesNotSendBackWhatItReceives ) {
+   Sender sender( vlansOf( { 10 } ) );
+   sender.said();
+   Mrp::MrpAttrDatabase & vlan = *sender.entity->mrpAttribute( 10 );
+   Output output;
+   Mrp::MrpAttrDatabase::KorvNboAttrLogSa adapter( vlan );
+   adapter.doRemountSelf( &output );
+   said( output );
+   NameGuard names;
+   Bytes const state{ 0, 0, 0, 5 };
+   ByteReader in( state, names );
+   adapter.handleAttrDeserialization( 259, in );
+   EXPECT_EQ( vlan.applicantState(), Mrp::mrpQuietActive );
+   EXPECT_THAT( said( output ), IsEmpty() );
+   EXPECT_THAT( sender.said(), ElementsAre( "2 259: 00 00 00 05" ) ); // but another stream hears it
+   vlan.applicantStateIs( Mrp::mrpAnxiousActive );
+   EXPECT_THAT( said( output ), ElementsAre( "1 259: 00 00 00 04" ) );
+}
+
+} // namespace
+} // namespace TestSupport

@@ -1,0 +1,190 @@
+// Mirror streams on real sockets: observers that come late, stall, die and come again.
+#include "mrp/observability/AttrLogMounts.h"
+#include "mrp/observability/MrpAttrLogSm.h"
+#include "mrp/observer/Connection.h"
+#include "mrp/platform/linux/AttrLogServer.h"
+#include "mrp/platform/linux/RealActivity.h"
+
+#include "tests/support/Random.h"
+#include "tests/support/TreeText.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <memory>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace TestSupport {
+namespace {
+
+using Linux::AttrLogServer;
+using Linux::StreamAddress;
+
+struct Scene {
+   explicit Scene( std::string const & address, AttrLogServer::Options const & options = {} ) {
+      mounts.statusIs( status );
+      mounts.configIs( config );
+      server.emplace(
+         activity, StreamAddress::fromText( address ),
+         [this]( auto & output ) { return mounts.mount( output ); }, options );
+   }
+   Mrp::MrpIntfTypeApplicant & vlans() {
+      return *status->applicationIs( Mrp::MVRP )
+                 ->attrDatabaseIs( Pelk::IntfId( "e1" ) )
+                 ->intfTypeApplicantIs( 1 );
+   }
+   std::string text() const { return treeText( *status ) + treeText( *config ); }
+   static std::string text( MrpObserver::Mirror const & mirror ) {
+      return treeText( mirror.status() ) + treeText( mirror.config() );
+   }
+   // Until it holds, for at most five seconds.
+   template < class Condition >
+   bool runUntil( Condition && condition ) {
+      for ( int i = 0; i < 500 && !condition(); ++i ) {
+         activity.runFor( 0.01 );
+      }
+      return condition();
+   }
+
+   Linux::RealActivity activity;
+   Korv::Ptr< Mrp::MrpStatus > status{ new Mrp::MrpStatus( "status" ) };
+   Korv::Ptr< Mrp::MrpConfig > config{ new Mrp::MrpConfig( "config" ) };
+   Mrp::AttrLogMounts mounts;
+   std::optional< AttrLogServer > server;
+};
+
+struct Observer {
+   explicit Observer( Scene & scene )
+      : connection( scene.activity, scene.server->address(), mirror ) {}
+   MrpObserver::Mirror mirror;
+   MrpObserver::Connection connection;
+};
+
+class Sockets : public testing::TestWithParam< char const * > {
+ protected:
+   // Both forms, and nothing left behind.
+   std::string address() const {
+      std::string const form = GetParam();
+      return form == "unix" ? "unix:" + path_ : "tcp:0";
+   }
+   ~Sockets() override { std::filesystem::remove( path_ ); }
+
+ private:
+   std::string path_ = testing::TempDir() + "mrp-mirror-" + std::to_string( ::getpid() );
+};
+
+TEST_P( Sockets, bringEveryObserverUpToDate ) {
+   Scene scene( address() );
+   for ( U64 vlan = 1; vlan <= 4094; ++vlan ) {
+      scene.vlans().mrpAttributeIs( vlan )->attributeValueEnq( 1 );
+   }
+   Observer one( scene );
+   ASSERT_TRUE( scene.runUntil( [&] { return Scene::text( one.mirror ) == scene.text(); } ) );
+   Observer two( scene );
+   scene.vlans().mrpAttributeDel( 17 );
+   ASSERT_TRUE( scene.runUntil( [&] { return Scene::text( two.mirror ) == scene.text(); } ) );
+   EXPECT_EQ( Scene::text( one.mirror ), scene.text() );
+   EXPECT_EQ( scene.server->observers(), 2u );
+}
+
+// Slow, stalling and dying observers while the tree changes: in the end all are equal.
+TEST_P( Sockets, keepEachObserverAtItsOwnPace ) {
+   AttrLogServer::Options options;
+   options.bound = 4000;
+   options.sendBuffer = 4000;
+   for ( U64 seed = 1; seed <= 5; ++seed ) {
+      Random random( seed );
+      Scene scene( address(), options );
+      std::vector< std::unique_ptr< Observer > > observers( 3 );
+      for ( int step = 0; step < 150; ++step ) {
+         for ( int i = 0; i < 40; ++i ) {
+            U64 const vlan = random.below( 500 );
+            if ( random.below( 3 ) == 0 ) {
+               scene.vlans().mrpAttributeDel( vlan );
+            } else {
+               scene.vlans().mrpAttributeIs( vlan )->applicantStateIs(
+                  static_cast< Mrp::MrpApplicantState >( random.below( 12 ) ) );
+            }
+         }
+         auto & observer = observers[random.below( observers.size() )];
+         if ( !observer ) {
+            observer = std::make_unique< Observer >( scene );
+         } else if ( random.below( 8 ) == 0 ) {
+            observer = nullptr;
+         } else {
+            observer->connection.readingIs( random.below( 2 ) == 0 );
+         }
+         scene.activity.runFor( 0 );
+      }
+      for ( auto & observer : observers ) {
+         if ( observer ) {
+            observer->connection.readingIs( true );
+            EXPECT_TRUE(
+               scene.runUntil( [&] { return Scene::text( observer->mirror ) == scene.text(); } ) )
+               << "seed " << seed;
+            EXPECT_LE( observer->connection.streams(), 1u ) << observer->connection.lastError();
+         }
+      }
+   }
+}
+
+// The process stands in for the engine: it changes ten thousand times while nobody reads, and what
+// arrives is the last of each.
+TEST_P( Sockets, sendTheLastOfManyChangesToOneThatStalled ) {
+   AttrLogServer::Options options;
+   options.bound = 4000;
+   options.sendBuffer = 4000;
+   Scene scene( address(), options );
+   scene.vlans().mrpAttributeIs( 1 );
+   Observer observer( scene );
+   ASSERT_TRUE( scene.runUntil( [&] { return Scene::text( observer.mirror ) == scene.text(); } ) );
+   observer.connection.readingIs( false );
+   auto const sm = Korv::newValidPtr< Mrp::MrpAttrLogSm >( scene.server->socketOutSm() );
+   ASSERT_GE( sm->attrLogSockFd(), 0 );
+   EXPECT_FALSE( sm->isAttrLogOutClogged() );
+   U64 const before = observer.mirror.messages();
+   for ( U32 i = 0; i < 300'000; ++i ) {
+      scene.vlans().mrpAttribute( 1 )->applicantStateIs(
+         static_cast< Mrp::MrpApplicantState >( i % 12 ) );
+      if ( i % 1000 == 0 ) {
+         scene.activity.runFor( 0 );
+      }
+   }
+   EXPECT_TRUE( sm->isAttrLogOutClogged() );
+   observer.connection.readingIs( true );
+   ASSERT_TRUE( scene.runUntil( [&] { return Scene::text( observer.mirror ) == scene.text(); } ) );
+   EXPECT_FALSE( sm->isAttrLogOutClogged() );
+   EXPECT_LT( observer.mirror.messages() - before, 200'000u );
+   EXPECT_EQ( observer.connection.streams(), 1u );
+}
+
+TEST_P( Sockets, areFoundAgain ) {
+   auto scene = std::make_unique< Scene >( address() );
+   Observer observer( *scene );
+   ASSERT_TRUE( scene->runUntil( [&] { return observer.connection.connected(); } ) );
+   auto const at = scene->server->address();
+   scene->server.reset();
+   scene->vlans().mrpAttributeIs( 1 );
+   ASSERT_TRUE( scene->runUntil( [&] { return !observer.connection.connected(); } ) );
+   scene->server.emplace( scene->activity, at,
+                          [&]( auto & output ) { return scene->mounts.mount( output ); } );
+   ASSERT_TRUE(
+      scene->runUntil( [&] { return Scene::text( observer.mirror ) == scene->text(); } ) );
+   EXPECT_EQ( observer.connection.streams(), 2u );
+}
+
+// Someone who talks is no observer.
+TEST_P( Sockets, endWithAnObserverThatSpeaks ) {
+   Scene scene( address() );
+   auto const peer = Linux::connectingSocket( scene.server->address() );
+   ASSERT_TRUE( scene.runUntil( [&] { return scene.server->observers() == 1; } ) );
+   ASSERT_EQ( ::send( peer.number(), "hello", 5, MSG_NOSIGNAL ), 5 );
+   EXPECT_TRUE( scene.runUntil( [&] { return scene.server->observers() == 0; } ) );
+}
+
+INSTANTIATE_TEST_SUITE_P(, Sockets, testing::Values( "unix", "tcp" ),
+                         []( auto const & of ) { return std::string( of.param ); } );
+
+} // namespace
+} // namespace TestSupport

@@ -1,0 +1,57 @@
+// Everything that an entity publishes, with all that stands below it, as text: two trees are equal
+// if these are. Collections are sorted by key, since their order says nothing.
+#pragma once
+
+#include "mrp/platform/attrlog/AttributeKinds.h"
+#include "mrp/platform/attrlog/Bytes.h"
+
+#include "tests/support/Values.h"
+
+#include <map>
+#include <string>
+
+namespace TestSupport {
+
+template < class T >
+std::string valueText( T const & value ) {
+   std::vector< U8 > bytes;
+   Korv::NboAttrLog::ByteWriter( bytes ).put( value );
+   return hex( bytes );
+}
+
+template < class E >
+std::string treeText( E const & entity, std::string const & indent = "" ) {
+   using namespace Korv::NboAttrLog;
+   std::string all;
+   E::attributes().forEach( [&]( auto const & attribute ) {
+      using T = Traits< std::remove_cvref_t< decltype( attribute ) > >;
+      auto const & value = ( entity.*attribute.reader )();
+      all += indent + attribute.name + ":";
+      if constexpr ( T::kind == Kind::scalar ) {
+         all += ' ' + valueText( value ) + '\n';
+      } else if constexpr ( T::kind == Kind::queue ) {
+         all += ' ' + std::to_string( value.head() ) + " +" + std::to_string( value.count() ) + ":";
+         for ( U32 i = 0; i < value.count(); ++i ) {
+            all += ' ' + valueText( value.at( value.position( i ) ) );
+         }
+         all += '\n';
+      } else {
+         std::map< std::string, std::string > members;
+         for ( auto member = value.walk(); member; ++member ) {
+            auto & text = members[valueText( member.key() )];
+            if constexpr ( T::kind == Kind::map ) {
+               text = ' ' + valueText( member.value() ) + '\n';
+            } else {
+               text = '\n' + treeText( *member.value(), indent + "   " );
+            }
+         }
+         all += '\n';
+         for ( auto const & [key, text] : members ) {
+            all += indent + ' ' + key + " =" + text;
+         }
+      }
+   } );
+   return all;
+}
+
+} // namespace TestSupport
