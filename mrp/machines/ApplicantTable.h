@@ -26,6 +26,7 @@
 //    - txLvAll differs from rxLvAll only where a Join would go out: there it is once, not both.
 #pragma once
 
+#include "mrp/machines/StateTable.h"
 #include "mrp/vocabulary/MrpEnums.h"
 
 #include <array>
@@ -131,15 +132,7 @@ constexpr bool isQuiet( MrpApplicantState state, MrpApplicantEvent event ) {
    return state <= mrpLeavingObserver && ( quiet[event] >> state & 1u ) != 0;
 }
 
-constexpr bool rowsStandAtTheirEvents() {
-   for ( U32 i = 0; i < table.size(); ++i ) {
-      if ( table[i].event != i ) {
-         return false;
-      }
-   }
-   return true;
-}
-static_assert( rowsStandAtTheirEvents() );
+static_assert( rowsStandAtTheirEvents( table ) );
 static_assert( mrpLeavingObserver == 11 && invalidApplicantEvent == table.size() );
 
 } // namespace ApplicantCells

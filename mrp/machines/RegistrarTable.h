@@ -10,6 +10,7 @@
 //    - regRedeclare acts like a leave.
 #pragma once
 
+#include "mrp/machines/StateTable.h"
 #include "mrp/vocabulary/MrpEnums.h"
 
 #include <array>
@@ -86,15 +87,7 @@ inline constexpr std::array< RegistrarRow, 9 > table{
 };
 // clang-format on
 
-constexpr bool rowsStandAtTheirEvents() {
-   for ( U32 i = 0; i < table.size(); ++i ) {
-      if ( table[i].event != i ) {
-         return false;
-      }
-   }
-   return true;
-}
-static_assert( rowsStandAtTheirEvents() );
+static_assert( rowsStandAtTheirEvents( table ) );
 static_assert( mrpIn == 0 && mrpLv == 1 && mrpMt == 2 && invalidRegistrarEvent == table.size() );
 
 } // namespace RegistrarCells

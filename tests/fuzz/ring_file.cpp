@@ -24,16 +24,7 @@ void place( Bytes & bytes, std::size_t at, T const & what ) {
 // Two messages, and three records of them.
 Bytes goodFile() {
    Bytes bytes( Layout::fileBytes( recordsPerRing ) );
-   Layout::Header header{};
-   std::memcpy( header.magic, Layout::magic, sizeof header.magic );
-   header.byteOrder = Layout::byteOrder;
-   header.version = Layout::version;
-   header.headerBytes = sizeof( Layout::Header );
-   header.siteBytes = sizeof( Layout::Site );
-   header.siteSlots = Layout::siteSlots;
-   header.recordBytes = sizeof( Layout::Record );
-   header.rings = Layout::rings;
-   header.recordsPerRing = recordsPerRing;
+   Layout::Header header = Layout::newHeader( recordsPerRing );
    header.sites = 2;
    place( bytes, 0, header );
    place( bytes, Layout::sitesAt, Layout::Site{ 0, 4, 8, "pcib", "a % of %" } );

@@ -6,6 +6,7 @@
 // until the next insertion.
 #pragma once
 
+#include "mrp/platform/korv/InsertOrAssign.h"
 #include "mrp/platform/korv/Record.h"
 #include "mrp/platform/korv/Types.h"
 
@@ -54,15 +55,7 @@ class HashMap {
 
    // True if the key was not there before.
    bool insertOrAssign( K const & key, V value ) {
-      bool made = false;
-      V & held = findOrMake( key, [&] {
-         made = true;
-         return std::move( value );
-      } );
-      if ( !made ) {
-         held = std::move( value );
-      }
-      return made;
+      return Korv::insertOrAssign( *this, key, std::move( value ) );
    }
 
    // Takes the member out; true if it was there. The value lives until it has left the map, so

@@ -10,6 +10,7 @@
 // A pointer to a value is good until the next change of the map.
 #pragma once
 
+#include "mrp/platform/korv/InsertOrAssign.h"
 #include "mrp/platform/korv/Types.h"
 
 #include <algorithm>
@@ -91,15 +92,7 @@ class OrderedMap {
 
    // True if the key was not there before.
    bool insertOrAssign( K const & key, V value ) {
-      bool made = false;
-      V & held = findOrMake( key, [&] {
-         made = true;
-         return std::move( value );
-      } );
-      if ( !made ) {
-         held = std::move( value );
-      }
-      return made;
+      return Korv::insertOrAssign( *this, key, std::move( value ) );
    }
 
    // Takes the member out; true if it was there. The value lives until it has left the map, so

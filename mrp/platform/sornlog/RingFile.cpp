@@ -158,16 +158,7 @@ class ArgumentWriter {
 };
 
 Layout::Header newHeader( U32 recordsPerRing ) {
-   Layout::Header header{};
-   std::memcpy( header.magic, Layout::magic, sizeof header.magic );
-   header.byteOrder = Layout::byteOrder;
-   header.version = Layout::version;
-   header.headerBytes = sizeof( Layout::Header );
-   header.siteBytes = sizeof( Layout::Site );
-   header.siteSlots = Layout::siteSlots;
-   header.recordBytes = sizeof( Layout::Record );
-   header.rings = Layout::rings;
-   header.recordsPerRing = recordsPerRing;
+   Layout::Header header = Layout::newHeader( recordsPerRing );
    header.process = static_cast< U32 >( ::getpid() );
    header.started = coarseTime();
    return header;

@@ -74,4 +74,21 @@ constexpr std::size_t fileBytes( U32 recordsPerRing ) {
    return recordsAt + std::size_t{ rings } * recordsPerRing * sizeof( Record );
 }
 
+// Of a file that nobody has written to: all but the process, the time and what has been counted.
+constexpr Header newHeader( U32 recordsPerRing ) {
+   Header header{};
+   for ( std::size_t i = 0; i < sizeof magic; ++i ) {
+      header.magic[i] = magic[i];
+   }
+   header.byteOrder = byteOrder;
+   header.version = version;
+   header.headerBytes = sizeof( Header );
+   header.siteBytes = sizeof( Site );
+   header.siteSlots = siteSlots;
+   header.recordBytes = sizeof( Record );
+   header.rings = rings;
+   header.recordsPerRing = recordsPerRing;
+   return header;
+}
+
 } // namespace Sornlog::Layout
