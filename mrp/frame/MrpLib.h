@@ -184,7 +184,8 @@ class MrpLib : public Korv::Notifier {
 
    // ---- transmit/SendDoor.cpp -----------------------------------------------------------------
    // The application's door. Before the call the Tx field holds the value and mrpOutIntfQueue the
-   // interfaces; the machines run once per queued entry, each time on attribute.intfId.
+   // interfaces; the machines run once per queued entry, each time on attribute.intfId. Not in
+   // standby, where there are no machines.
    void mrpSendAttribute( MrpParameters const & attribute );
 
    // ---- topology/SpanningTree.cpp -------------------------------------------------------------

@@ -36,12 +36,10 @@ void MrpLib::mrpSendAttributeIntf( MrpParameters const & attribute, Pelk::IntfId
       trace( 4, " Tx is being Attempted before the PAM is enabled " );
       return;
    }
-   MrpTxPacketContext * packetContext =
-      secondPktContext ? mrpTxSecondPacketContext( intfId ) : mrpTxPacketContext( intfId );
-   if ( packetContext && attribute.attributeType() < packetContext->currentAttrType() ) {
-      mrpSm_->mrpTransmitTxPacket( intfId, secondPktContext );
-      packetContext = nullptr;
-   }
+   auto const contextNow = [this, intfId, secondPktContext] {
+      return secondPktContext ? mrpTxSecondPacketContext( intfId ) : mrpTxPacketContext( intfId );
+   };
+   MrpTxPacketContext * packetContext = contextNow();
    if ( packetContext && !packetContext->pkt() ) {
       // Its frame is just leaving, and what is being told of that is what got us here.
       if ( secondPktContext ) {
@@ -50,6 +48,10 @@ void MrpLib::mrpSendAttributeIntf( MrpParameters const & attribute, Pelk::IntfId
          mrpTxPacketContextDel( intfId );
       }
       packetContext = nullptr;
+   }
+   if ( packetContext && attribute.attributeType() < packetContext->currentAttrType() ) {
+      mrpSm_->mrpTransmitTxPacket( intfId, secondPktContext );
+      packetContext = contextNow(); // none, unless who was told of the frame has begun another
    }
    if ( !packetContext ) {
       Korv::Ptr< Pelk::Pkt > const pkt = Pelk::globalPktManager().newPkt();

@@ -237,7 +237,7 @@ void addToFrame( MrpLib & lib, U8 event, Pelk::IntfId intfId, bool secondPktCont
                                                          : *lib.mrpTxPacketContext( intfId );
    MrpParseContext & context = *lib.mrpSm()->parseContext();
    typename Kind::Value const & value = ( lib.*Kind::tx )();
-   trace( 8, "mrpSend ", stringValue( Kind::application ), " type ", Kind::type, " on ", intfId,
+   trace( 8, "mrpSend ", Kind::application, " type ", Kind::type, " on ", intfId,
           " event = ", event, " value = ", value );
 
    // A LeaveAll null vector opens a message even inside a message of its own type.

@@ -65,13 +65,13 @@ TEST( Trace, composesOnlyLevelsThatAreOn ) {
    Part const part{ &printed };
    trace( 8, part );
    Korv::U32 const line = __LINE__ + 1;
-   trace( 4, "type = ", Korv::U8{ 65 }, ", ", Pelk::IntfId( "et1" ), part );
+   trace( 4, "at ", 1234567.1, " type = ", Korv::U8{ 65 }, ", ", Pelk::IntfId( "et1" ), part );
    mrpTrace.levelsIs( 0 );
    trace( 4, part );
    Korv::traceSinkIs( nullptr );
    EXPECT_EQ( printed, 1 );
-   EXPECT_EQ( lines_,
-              ( std::vector< std::string >{ "type = 65, et1part " + std::to_string( line ) } ) );
+   EXPECT_EQ( lines_, ( std::vector< std::string >{ "at 1234567.1 type = 65, et1part " +
+                                                    std::to_string( line ) } ) );
    lines_.clear();
 }
 

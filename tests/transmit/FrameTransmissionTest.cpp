@@ -138,6 +138,28 @@ TEST( FrameTransmission, isFullAt1436BytesAndHasRoomForTheLargestStep ) {
    EXPECT_EQ( msrp.sent().size(), 2u );
 }
 
+// Who is told of a frame may send more. It goes into a frame of its own, whatever its type.
+TEST( FrameTransmission, isOutOfReachOnceItLeaves ) {
+   struct Watcher : Mrp::MrpCounters::Reactor {
+      std::function< void() > next;
+      void onNumOfPktsTransmitted() override {
+         if ( auto const now = std::exchange( next, nullptr ) ) {
+            now();
+         }
+      }
+   };
+   Sender msrp( Mrp::MSRP );
+   Watcher watcher;
+   watcher.notifierIs( msrp.sm().mrpCounters() );
+   watcher.next = [&] { msrp.send( talker( 8 ), New ); };
+   EXPECT_EQ( msrp.send( Domain{ 6, 3 }, New ).text(), "domain{6 New}" );
+   EXPECT_EQ( msrp.send( Domain{ 7, 4 }, Lv ).text(), "talker{0x8 New} domain{7 Lv}" );
+   // Nor is what it sends lost where a frame makes room for a lower type.
+   msrp.send( Domain{ 6, 3 }, New );
+   watcher.next = [&] { msrp.send( Listener{ 4 }, New ); };
+   EXPECT_EQ( msrp.send( talker( 20 ), Lv ).text(), "listener{0x4 New Ready} talker{0x14 Lv}" );
+}
+
 // ---- The second context ------------------------------------------------------------------------
 
 TEST( SecondContext, goesBehindTheFirst ) {

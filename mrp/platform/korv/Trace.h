@@ -8,6 +8,7 @@
 #include "mrp/platform/korv/Types.h"
 
 #include <ios>
+#include <limits>
 #include <ostream>
 #include <sstream>
 #include <string>
@@ -75,6 +76,8 @@ template < class... Part >
 [[gnu::cold, gnu::noinline]] void traceCompose( TraceHelper const & handle, U32 level,
                                                 char const * file, U32 line, Part... part ) {
    std::ostringstream out;
+   // Else a time would lose its fractions within a day.
+   out.precision( std::numeric_limits< Seconds >::digits10 );
    ( tracePart( out, part ), ... );
    traceLine( handle, level, SourceLocation{ file, line }, out.str() );
 }
