@@ -38,12 +38,14 @@ MrpAttrDatabase * MrpSm::mrpGetAttrFromDatabase( Pelk::IntfId intfId, U8 attribu
    return found;
 }
 
-MrpAttrDatabase * MrpSm::createEntryInDatabase( Pelk::IntfId intfId, U8 attributeType,
-                                                U64 attributeKey ) {
-   return applicationDatabase()
-      ->attrDatabaseIs( intfId )
-      ->intfTypeApplicantIs( attributeType )
-      ->mrpAttributeIs( attributeKey );
+// Each level is held: its announcement may end it.
+Korv::Ptr< MrpAttrDatabase > MrpSm::createEntryInDatabase( Pelk::IntfId intfId, U8 attributeType,
+                                                           U64 attributeKey ) {
+   Korv::Ptr< MrpApplicationDatabase > const database = applicationDatabase();
+   Korv::Ptr< MrpIntfApplicant > const intf = database->attrDatabaseIs( intfId );
+   Korv::Ptr< MrpIntfTypeApplicant > const type =
+      intf ? intf->intfTypeApplicantIs( attributeType ) : nullptr;
+   return type ? type->mrpAttributeIs( attributeKey ) : nullptr;
 }
 
 MrpAttrDatabase * MrpSm::mrpAddAttrToDatabase( Pelk::IntfId intfId, U8 attributeType,
@@ -173,8 +175,7 @@ MrpAttrIter * MrpSm::mrpAttrIter( MrpAttrIter::Key const & key ) const {
 }
 
 MrpAttrIter * MrpSm::mrpAttrIterIs( MrpAttrIter::Key const & key ) {
-   return mrpAttrIter_
-      .findOrMake( key, [&] { return Korv::Ptr< MrpAttrIter >( new MrpAttrIter( key ) ); } )
+   return mrpAttrIter_.findOrMake( key, [&] { return Korv::newValidPtr< MrpAttrIter >( key ); } )
       .ptr();
 }
 

@@ -10,25 +10,27 @@ namespace Mrp {
 
 namespace {
 
-constexpr Korv::Seconds fillInterval = 1.0;
+constexpr float fillInterval = 1.0f;
 constexpr U32 maxCredits = 4;
-constexpr Korv::Seconds minDelay = 0.1;
-constexpr Korv::Seconds maxDelay = 0.1;
+constexpr float minDelay = 0.1f;
+constexpr float maxDelay = 0.1f;
 constexpr Korv::Seconds cloggedDelay = 0.1;
 
 } // namespace
 
 MrpDatabaseSm::MrpDatabaseSm( MrpSm * mrpSm, Korv::Ptr< MrpAttrLogSm > mrpAttrLogSm,
                               Korv::Ptr< Korv::Clock > const & clock )
-   : mrpSm_( mrpSm ), mrpAttrLogSm_( std::move( mrpAttrLogSm ) ), clock_( clock, *this ) {}
+   : mrpSm_( mrpSm ), mrpAttrLogSm_( std::move( mrpAttrLogSm ) ), clock_( clock, *this ) {
+   doReview(); // nothing yet: the machine is not initialized
+}
 
 MrpDatabaseSm::~MrpDatabaseSm() = default;
 
-void MrpDatabaseSm::handleInitialized() {
-   reviewTimer_ = new Dovr::ReviewTimer( clock_, fillInterval, maxCredits, minDelay, maxDelay );
+void MrpDatabaseSm::doInitialize() {
    Korv::assertThat( !initialized(), "!initialized()" );
+   reviewTimer_ = Korv::newValidPtr< Dovr::ReviewTimer >( clock_, fillInterval, maxCredits,
+                                                          minDelay, maxDelay );
    initialized_ = true;
-   doUpdateReviewTimer();
 }
 
 void MrpDatabaseSm::doUpdateReviewTimer() {
@@ -59,13 +61,18 @@ void MrpDatabaseSm::handleReviewed() {
 MrpDatabaseAddSm::MrpDatabaseAddSm( MrpSm * sm, Korv::Ptr< MrpAttrLogSm > mrpAttrLogSm,
                                     Korv::Ptr< Korv::Clock > const & clock )
    : MrpDatabaseSm( sm, std::move( mrpAttrLogSm ), clock ) {
-   Sornlog::log( Ring::databaseAddInitialized );
-   trace( 8, "void Mrp::MrpDatabaseAddSm::handleInitialized()" );
-   entityCopy_ = new Cli::Session::EntityCopy;
    handleInitialized();
 }
 
 MrpDatabaseAddSm::~MrpDatabaseAddSm() = default;
+
+void MrpDatabaseAddSm::handleInitialized() {
+   Sornlog::log( Ring::databaseAddInitialized );
+   trace( 8, "void Mrp::MrpDatabaseAddSm::handleInitialized()" );
+   doInitialize();
+   entityCopy_ = Korv::newValidPtr< Cli::Session::EntityCopy >();
+   doUpdateReviewTimer();
+}
 
 bool MrpDatabaseAddSm::isPending() const { return !mrpSm()->addPendingAttr().empty(); }
 
@@ -74,10 +81,9 @@ void MrpDatabaseAddSm::doWalk() { walkPending( mrpSm()->addPendingAttr() ); }
 void MrpDatabaseAddSm::doCommit( MrpAttribute const & attribute ) {
    auto const * const pending = mrpSm()->addPendingAttr().find( attribute );
    Korv::Ptr< MrpAttrDatabase > const copy = pending ? *pending : nullptr;
-   // Held: the announcement of the entry may end it.
    Korv::Ptr< MrpAttrDatabase > const entry = mrpSm()->createEntryInDatabase(
       attribute.intfId(), attribute.attributeType(), attribute.attributeVal() );
-   if ( copy ) {
+   if ( copy && entry ) {
       entityCopy_->doCopyEntityAttrs( *entry, *copy, "" );
    }
    mrpSm()->addPendingAttrDel( attribute );
@@ -86,12 +92,17 @@ void MrpDatabaseAddSm::doCommit( MrpAttribute const & attribute ) {
 MrpDatabaseDeleteSm::MrpDatabaseDeleteSm( MrpSm * sm, Korv::Ptr< MrpAttrLogSm > mrpAttrLogSm,
                                           Korv::Ptr< Korv::Clock > const & clock )
    : MrpDatabaseSm( sm, std::move( mrpAttrLogSm ), clock ) {
-   Sornlog::log( Ring::databaseDeleteInitialized );
-   trace( 8, "void Mrp::MrpDatabaseDeleteSm::handleInitialized()" );
    handleInitialized();
 }
 
 MrpDatabaseDeleteSm::~MrpDatabaseDeleteSm() = default;
+
+void MrpDatabaseDeleteSm::handleInitialized() {
+   Sornlog::log( Ring::databaseDeleteInitialized );
+   trace( 8, "void Mrp::MrpDatabaseDeleteSm::handleInitialized()" );
+   doInitialize();
+   doUpdateReviewTimer();
+}
 
 bool MrpDatabaseDeleteSm::isPending() const { return !mrpSm()->deletePendingAttr().empty(); }
 

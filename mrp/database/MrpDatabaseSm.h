@@ -20,6 +20,10 @@ class MrpSm;
 // What the two have in common: the timer and the walk. Only the commit of one entry differs.
 class MrpDatabaseSm : public Korv::PtrInterface {
  public:
+   MrpSm * mrpSm() const { return mrpSm_; }
+   Korv::Ptr< MrpAttrLogSm > const & mrpAttrLogSm() const { return mrpAttrLogSm_; }
+   Korv::Clock const & clock() const { return clock_.clock(); }
+   Korv::Ptr< Dovr::ReviewTimer > const & reviewTimer() const { return reviewTimer_; }
    bool initialized() const { return initialized_; }
 
    // One review: commits the pending collection in key order, or as much of it as the stream
@@ -33,7 +37,8 @@ class MrpDatabaseSm : public Korv::PtrInterface {
                   Korv::Ptr< Korv::Clock > const & clock );
    ~MrpDatabaseSm() override;
 
-   void handleInitialized();
+   // The part of handleInitialized that both have: makes the review timer.
+   void doInitialize();
 
    virtual bool isPending() const = 0;
    // The review's walk over the machine's pending collection, by walkPending().
@@ -52,8 +57,6 @@ class MrpDatabaseSm : public Korv::PtrInterface {
       }
       handleReviewed();
    }
-
-   MrpSm * mrpSm() const { return mrpSm_; }
 
  private:
    class KorvClock : public Korv::Clock::Reactor {
@@ -84,6 +87,9 @@ class MrpDatabaseAddSm : public MrpDatabaseSm {
                      Korv::Ptr< Korv::Clock > const & clock );
    ~MrpDatabaseAddSm() override;
 
+   Korv::Ptr< Cli::Session::EntityCopy > const & entityCopy() const { return entityCopy_; }
+   void handleInitialized();
+
  protected:
    bool isPending() const override;
    void doWalk() override;
@@ -99,6 +105,8 @@ class MrpDatabaseDeleteSm : public MrpDatabaseSm {
    MrpDatabaseDeleteSm( MrpSm * mrpSm, Korv::Ptr< MrpAttrLogSm > mrpAttrLogSm,
                         Korv::Ptr< Korv::Clock > const & clock );
    ~MrpDatabaseDeleteSm() override;
+
+   void handleInitialized();
 
  protected:
    bool isPending() const override;

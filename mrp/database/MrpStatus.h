@@ -140,8 +140,7 @@ class MrpApplicationDatabase : public Korv::Entity {
    LeaveAllTimes const & leaveAllTime() const { return leaveAllTime_; }
    // 0 if there is none.
    Korv::Seconds leaveAllTime( MrpLeaveAllKey const & key ) const {
-      Korv::Seconds const * const found = leaveAllTime_.find( key );
-      return found ? *found : 0;
+      return valueAt( leaveAllTime_, key );
    }
    void leaveAllTimeIs( MrpLeaveAllKey key, Korv::Seconds period ) {
       setMember( leaveAllTime_, key, period, &Reactor::onLeaveAllTime );

@@ -26,7 +26,7 @@ MrpAttrDatabase * MrpSm::addAttrToAddPending( MrpAttribute const & attribute ) {
 void MrpSm::removeAttrFromAddPending( MrpAttribute const & attribute ) {
    MrpAttrDatabase const * const committed = mrpGetAttrFromDatabase(
       attribute.intfId(), attribute.attributeType(), attribute.attributeVal(), false );
-   if ( !committed && addPendingAttr_.isMember( attribute ) ) {
+   if ( !committed && addPendingAttr( attribute ) ) {
       removeFromAttrIter( attribute.intfId(), attribute.attributeType(), attribute.attributeVal() );
    }
    addPendingAttrDel( attribute );
@@ -36,7 +36,7 @@ void MrpSm::addAttrToDeletePending( MrpAttribute const & attribute ) {
    MrpAttrDatabase const * const committed = mrpGetAttrFromDatabase(
       attribute.intfId(), attribute.attributeType(), attribute.attributeVal(), false );
    if ( !committed ) {
-      if ( addPendingAttr_.isMember( attribute ) ) {
+      if ( addPendingAttr( attribute ) ) {
          removeAttrFromAddPending( attribute ); // it never reached the tree
       }
       return;

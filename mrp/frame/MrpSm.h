@@ -210,8 +210,10 @@ class MrpSm : public Korv::PtrInterface {
    // included; without it the committed tree alone. What is marked for deletion is gone in both.
    MrpAttrDatabase * mrpGetAttrFromDatabase( Pelk::IntfId intfId, U8 attributeType,
                                              U64 attributeKey, bool useLocalCopy ) const;
-   MrpAttrDatabase * createEntryInDatabase( Pelk::IntfId intfId, U8 attributeType,
-                                            U64 attributeKey );
+   // The entry in the tree, which is made if need be; null where a watcher has ended a level of it
+   // within that level's announcement.
+   Korv::Ptr< MrpAttrDatabase > createEntryInDatabase( Pelk::IntfId intfId, U8 attributeType,
+                                                       U64 attributeKey );
    MrpAttrDatabase * mrpAddAttrToDatabase( Pelk::IntfId intfId, U8 attributeType, U64 attributeKey,
                                            bool txAttribute );
    // The attribute that the parse context names. One call of an indication or a review may end it:

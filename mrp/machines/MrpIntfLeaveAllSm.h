@@ -38,6 +38,9 @@ class MrpIntfLeaveAllSm : public Korv::PtrInterface {
                       Korv::Ptr< Dovr::TimerWheel > timerWheel );
 
    Pelk::IntfId intfId() const { return intfId_; }
+   MrpSm * mrpSm() const { return mrpSm_; }
+   Korv::Ptr< Dovr::TimerWheel > const & timerWheel() const { return leaveAllTimer_.wheel(); }
+   Dovr::TimerWheel::Reactor const & leaveAllTimer() const { return leaveAllTimer_; }
    void handleInitialized();
    bool initialized() const { return initialized_; }
 

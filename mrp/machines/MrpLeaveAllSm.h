@@ -18,6 +18,9 @@ class MrpLeaveAllSm : public Korv::PtrInterface {
    MrpLeaveAllSm( MrpSm * mrpSm, Korv::Ptr< MrpConfig const > mrpConfig,
                   Korv::Ptr< Dovr::TimerWheel > timerWheel );
 
+   MrpSm * mrpSm() const { return mrpSm_; }
+   Korv::Ptr< MrpConfig const > const & mrpConfig() const { return mrpConfig_; }
+   Korv::Ptr< Dovr::TimerWheel > const & timerWheel() const { return timerWheel_; }
    void handleInitialized();
    bool initialized() const { return initialized_; }
    IntfLeaveAllSms const & intfLeaveAllSm() const { return intfLeaveAllSm_; }

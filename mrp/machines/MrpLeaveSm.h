@@ -24,9 +24,11 @@ class MrpLeaveSm : public Korv::PtrInterface {
    MrpLeaveSm( MrpAttribute const & key, MrpSm * mrpSm, Korv::Ptr< Dovr::TimerWheel > timerWheel );
 
    MrpAttribute const & key() const { return key_; }
+   MrpSm * mrpSm() const { return mrpSm_; }
+   Korv::Ptr< Dovr::TimerWheel > const & timerWheel() const { return leaveTimer_.wheel(); }
+   Dovr::TimerWheel::Reactor const & leaveTimer() const { return leaveTimer_; }
    void handleInitialized();
    bool initialized() const { return initialized_; }
-   Korv::Seconds leaveTimeMin() const { return leaveTimer_.timeMin(); }
 
    // By ascending attribute key.
    LeavePending const & leavePending() const { return leavePending_; }

@@ -8,10 +8,9 @@ namespace Mrp {
 
 namespace {
 
-Korv::Seconds overrideOr( MrpConfig::IntfTimes const & overrides, Pelk::IntfId intfId,
-                          Korv::Seconds systemWide ) {
-   Korv::Seconds const * const found = overrides.find( intfId );
-   return found && *found != 0 ? *found : systemWide;
+// An override of 0 is none.
+Korv::Seconds overrideOr( Korv::Seconds own, Korv::Seconds systemWide ) {
+   return own != 0 ? own : systemWide;
 }
 
 } // namespace
@@ -21,13 +20,13 @@ Korv::Ptr< MrpConfig > mrpConfigFactory( Korv::Name const & name ) {
 }
 
 Korv::Seconds MrpSm::mrpGetLeaveTime( Pelk::IntfId intfId ) const {
-   return overrideOr( mrpConfig_->intfLeaveTime(), intfId, mrpConfig_->leaveTime() );
+   return overrideOr( mrpConfig_->intfLeaveTime( intfId ), mrpConfig_->leaveTime() );
 }
 
 Korv::Seconds getLeaveAllTime( MrpSm const & mrpSm, Pelk::IntfId intfId ) {
    MrpConfig const & config = *mrpSm.mrpConfig();
    Korv::Seconds const base =
-      overrideOr( config.intfLeaveAllTime(), intfId, config.leaveAllTime() );
+      overrideOr( config.intfLeaveAllTime( intfId ), config.leaveAllTime() );
    if ( std::getenv( "DISABLE_LEAVE_ALL_RANDOMIZATION" ) ) {
       return base;
    }

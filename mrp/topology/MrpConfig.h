@@ -40,8 +40,11 @@ class MrpConfig : public Korv::NamedEntity {
    Korv::Seconds leaveAllTime() const { return leaveAllTime_; }
    void leaveAllTimeIs( Korv::Seconds v ) { set( leaveAllTime_, v, &Reactor::onLeaveAllTime ); }
 
-   // Overrides of the two, per interface; one of 0 counts as none.
+   // Overrides of the two, per interface; one of 0 counts as none, and none reads as 0.
    IntfTimes const & intfLeaveTime() const { return intfLeaveTime_; }
+   Korv::Seconds intfLeaveTime( Pelk::IntfId intfId ) const {
+      return valueAt( intfLeaveTime_, intfId );
+   }
    void intfLeaveTimeIs( Pelk::IntfId intfId, Korv::Seconds v ) {
       setMember( intfLeaveTime_, intfId, v, &Reactor::onIntfLeaveTime );
    }
@@ -51,6 +54,9 @@ class MrpConfig : public Korv::NamedEntity {
    void intfLeaveTimeDelAll() { delAllMembers( intfLeaveTime_, &Reactor::onIntfLeaveTime ); }
 
    IntfTimes const & intfLeaveAllTime() const { return intfLeaveAllTime_; }
+   Korv::Seconds intfLeaveAllTime( Pelk::IntfId intfId ) const {
+      return valueAt( intfLeaveAllTime_, intfId );
+   }
    void intfLeaveAllTimeIs( Pelk::IntfId intfId, Korv::Seconds v ) {
       setMember( intfLeaveAllTime_, intfId, v, &Reactor::onIntfLeaveAllTime );
    }

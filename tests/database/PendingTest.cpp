@@ -220,6 +220,42 @@ TEST( Tree, isWalkedByAscendingKeyWhateverTheOrderOfArrival ) {
    EXPECT_FALSE( mvrp.sm().mrpAttrIter( { ethernet1, vlanType } ) );
 }
 
+// Takes the interface, or the attribute alone, out of the tree on hearing of a level below.
+struct Ender : Mrp::MrpIntfApplicant::Reactor, Mrp::MrpIntfTypeApplicant::Reactor {
+   void onIntfTypeApplicant( U8 ) override { database->attrDatabaseDel( ethernet1 ); }
+   void onMrpAttribute( U64 key ) override {
+      if ( attributeOnly ) {
+         type->mrpAttributeDel( key );
+      } else {
+         database->attrDatabaseDel( ethernet1 );
+      }
+   }
+   Mrp::MrpApplicationDatabase * database;
+   Mrp::MrpIntfTypeApplicant * type = nullptr;
+   bool attributeOnly = false;
+};
+
+TEST( Tree, mayLoseALevelWhileThatIsAnnounced ) {
+   for ( int const how : { 0, 1, 2 } ) {
+      SCOPED_TRACE( how );
+      Participant mvrp( Mrp::MVRP );
+      Ender ender;
+      ender.database = mvrp.status().application( Mrp::MVRP );
+      auto * const intf = ender.database->attrDatabaseIs( ethernet1 );
+      if ( how == 0 ) {
+         ender.Mrp::MrpIntfApplicant::Reactor::notifierIs( intf );
+      } else {
+         ender.type = intf->intfTypeApplicantIs( vlanType );
+         ender.attributeOnly = how == 1;
+         ender.Mrp::MrpIntfTypeApplicant::Reactor::notifierIs( ender.type );
+      }
+      mvrp.receive( et1, vlanFrame( 10, JoinIn ) );
+      mvrp.advanceTo( 1 );
+      EXPECT_TRUE( mvrp.sm().addPendingAttr().empty() );
+      EXPECT_EQ( mvrp.states( et1, 10 ), "none" );
+   }
+}
+
 std::string errorOf( std::function< void() > const & work ) {
    try {
       work();

@@ -48,7 +48,7 @@ class ReviewTimerTest : public testing::Test {
 
    Memory::VirtualActivity activity;
    Review review{ *this };
-   ReviewTimer timer{ review, 1.0, 4, 0.1, 0.1 };
+   ReviewTimer timer{ review, 1.0f, 4, 0.1f, 0.1f };
    bool clogged = false;
    bool askAgain = false;
    Times reviews;
@@ -109,11 +109,11 @@ TEST_F( ReviewTimerTest, reviewThatCannotBeFinishedComesAgainAndSpendsNothing ) 
 }
 
 TEST_F( ReviewTimerTest, setsItsFourNumbers ) {
-   timer.minDelayIs( 0.5 );
-   timer.maxDelayIs( 0.6 );
+   timer.minDelayIs( 0.5f );
+   timer.maxDelayIs( 0.6f );
    timer.maxCreditsIs( 1 );
    timer.fillIntervalIs( 10 );
-   EXPECT_EQ( timer.maxDelay(), 0.6 );
+   EXPECT_EQ( timer.maxDelay(), 0.6f );
    askAgain = true;
    timer.doUpdateNextReview();
    activity.advanceTo( 25 );

@@ -180,7 +180,7 @@ void Participant::attributeIs( std::string const & interface, U8 type, U64 key, 
                                Mrp::MrpApplicantState applicant,
                                Mrp::MrpRegistrarState registrar ) {
    Pelk::IntfId const intfId( interface );
-   auto * const entry = sm_->createEntryInDatabase( intfId, type, key );
+   auto const entry = sm_->createEntryInDatabase( intfId, type, key );
    entry->attributeValueDelAll();
    for ( U8 const byte : value ) {
       entry->attributeValueEnq( byte );

@@ -6,8 +6,8 @@
 
 namespace Dovr {
 
-ReviewTimer::ReviewTimer( Korv::Clock::Reactor & clockReactor, Seconds fillInterval, U32 maxCredits,
-                          Seconds minDelay, Seconds maxDelay )
+ReviewTimer::ReviewTimer( Korv::Clock::Reactor & clockReactor, float fillInterval, U32 maxCredits,
+                          float minDelay, float maxDelay )
    : clockReactor_( clockReactor ), fillInterval_( fillInterval ), maxCredits_( maxCredits ),
      minDelay_( minDelay ), maxDelay_( maxDelay ) {}
 
@@ -39,7 +39,7 @@ U32 ReviewTimer::credits() {
    return credits_;
 }
 
-void ReviewTimer::fillIntervalIs( Seconds fillInterval ) {
+void ReviewTimer::fillIntervalIs( float fillInterval ) {
    fillUntil( clockReactor_.clock().now() );
    fillInterval_ = fillInterval;
 }

@@ -11,6 +11,9 @@ using Korv::U32;
 // Arms a timer of the plain clock; that timer's onTime is the review. Owned by the machine that
 // reviews and owns the timer.
 //
+// Its settings are floats of seconds; times are computed in doubles and armed in whole
+// microseconds, so that a delay of 0.1 is one.
+//
 // A full stock of `maxCredits` at the start. Each finished review (`lastReviewIs`) spends one;
 // while fewer than the full stock are there, one comes back every `fillInterval`, counted from when
 // the stock fell below full. A review comes `minDelay` after it is asked for, or with the next
@@ -19,8 +22,8 @@ class ReviewTimer : public Korv::PtrInterface {
  public:
    // `maxDelay` is the latest that the caller would have a review while credits last; there is
    // nothing here that could make one later than `minDelay`.
-   ReviewTimer( Korv::Clock::Reactor & clockReactor, Seconds fillInterval, U32 maxCredits,
-                Seconds minDelay, Seconds maxDelay );
+   ReviewTimer( Korv::Clock::Reactor & clockReactor, float fillInterval, U32 maxCredits,
+                float minDelay, float maxDelay );
 
    // Asked for and not yet come.
    bool reviewPending() const { return clockReactor_.timeMin() != Korv::never; }
@@ -36,23 +39,23 @@ class ReviewTimer : public Korv::PtrInterface {
 
    U32 credits();
 
-   Seconds fillInterval() const { return fillInterval_; }
+   float fillInterval() const { return fillInterval_; }
    U32 maxCredits() const { return maxCredits_; }
-   Seconds minDelay() const { return minDelay_; }
-   Seconds maxDelay() const { return maxDelay_; }
-   void fillIntervalIs( Seconds fillInterval );
+   float minDelay() const { return minDelay_; }
+   float maxDelay() const { return maxDelay_; }
+   void fillIntervalIs( float fillInterval );
    void maxCreditsIs( U32 maxCredits );
-   void minDelayIs( Seconds minDelay ) { minDelay_ = minDelay; }
-   void maxDelayIs( Seconds maxDelay ) { maxDelay_ = maxDelay; }
+   void minDelayIs( float minDelay ) { minDelay_ = minDelay; }
+   void maxDelayIs( float maxDelay ) { maxDelay_ = maxDelay; }
 
  private:
    void fillUntil( Seconds time );
 
    Korv::Clock::Reactor & clockReactor_;
-   Seconds fillInterval_;
+   float fillInterval_;
    U32 maxCredits_;
-   Seconds minDelay_;
-   Seconds maxDelay_;
+   float minDelay_;
+   float maxDelay_;
 
    U32 credits_ = maxCredits_;
    Seconds fillFrom_ = 0; // while the stock is not full: since then the next credit is under way

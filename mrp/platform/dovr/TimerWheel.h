@@ -38,6 +38,8 @@ class TimerWheel : public Korv::PtrInterface {
 
       virtual void onTime() {}
 
+      Korv::Ptr< TimerWheel > const & wheel() const { return wheel_; }
+
       // One onTime at or after the time; `never`, or a time beyond all ticks, takes it back.
       // Asking for the time already held changes nothing, the place among the timers of its tick
       // included. Once fired, a timer holds `never`.

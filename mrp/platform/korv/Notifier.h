@@ -44,7 +44,13 @@ class Notifier : public PtrInterface {
          notify( on );
       }
    }
-   // The same for a member of a keyed collection of values, and for its removal.
+   // A member of a keyed collection of values; one that is not there reads as a value of nothing.
+   template < class Map, class K >
+   static auto valueAt( Map const & map, K const & key ) {
+      auto const * const found = map.find( key );
+      return found ? *found : std::remove_cvref_t< decltype( *found ) >{};
+   }
+   // The same as set() for a member of a keyed collection of values, and for its removal.
    template < class Map, class K, class V, class On >
    void setMember( Map & map, K const & key, V const & value, On on ) {
       if ( auto * held = map.find( key ) ) {
