@@ -170,19 +170,11 @@ bool MrpSm::mvrpRxVectorSameAsDatabaseAttr() const {
 }
 
 MrpAttrIter * MrpSm::mrpAttrIter( MrpAttrIter::Key const & key ) const {
-   auto const * const found = mrpAttrIter_.find( key );
-   return found ? found->ptr() : nullptr;
+   return Korv::memberAt( mrpAttrIter_, key );
 }
 
 MrpAttrIter * MrpSm::mrpAttrIterIs( MrpAttrIter::Key const & key ) {
-   return mrpAttrIter_.findOrMake( key, [&] { return Korv::newValidPtr< MrpAttrIter >( key ); } )
-      .ptr();
-}
-
-void MrpSm::mrpAttrIterDelAll() {
-   for ( auto member = mrpAttrIter_.walk(); member; ++member ) {
-      mrpAttrIterDel( MrpAttrIter::Key( member.key() ) );
-   }
+   return Korv::memberIs( mrpAttrIter_, key, key );
 }
 
 void MrpSm::addToAttrIter( Pelk::IntfId intfId, U8 attributeType, U64 attributeKey ) {

@@ -54,8 +54,7 @@ void MrpSm::addPendingAttrIs( MrpAttribute const & attribute, Korv::Ptr< MrpAttr
 }
 
 MrpAttrDatabase * MrpSm::addPendingAttr( MrpAttribute const & attribute ) const {
-   auto const * const copy = addPendingAttr_.find( attribute );
-   return copy ? copy->ptr() : nullptr;
+   return Korv::memberAt( addPendingAttr_, attribute );
 }
 
 void MrpSm::addPendingAttrDel( MrpAttribute const & attribute ) {

@@ -3,6 +3,10 @@
 // Owned by MrpPamSm, from the appearance of the interface's Pam in the collection to its going.
 // While the participant is active LeaveAll runs on the interface; in standby frames stay in the
 // socket.
+//
+// The application may close the interface in whatever it is told, and the machine ends there and
+// then, in the middle of its own work. So nobody holds one by a Ptr, and its operations touch
+// nothing of it once they have called something that may tell the application.
 #pragma once
 
 #include "mrp/platform/pelk/IntfId.h"
@@ -21,6 +25,7 @@ class MrpIntfPamSm : public Korv::PtrInterface {
    ~MrpIntfPamSm() override;
 
    Pelk::IntfId intfId() const { return intfId_; }
+   MrpPamSm * mrpPamSm() const { return mrpPamSm_; }
    Korv::Ptr< Pelk::Pam > const & pam() const { return pam_; }
    // Moves to another Pam, and reads one frame of it if it is a different one.
    void pamIs( Korv::Ptr< Pelk::Pam > pam );

@@ -1,5 +1,7 @@
 #include "mrp/frame/MrpLib.h"
 
+#include "mrp/platform/korv/Members.h"
+
 namespace Mrp {
 
 Korv::Ptr< MrpLib > mrpLibFactory() { return Korv::newValidPtr< MrpLib >(); }
@@ -30,19 +32,14 @@ void MrpLib::mvrpVlanVectorTxIs( MvrpVlanAttribute const & v ) { vlanTx_ = v; }
 
 namespace {
 
-MrpTxPacketContext * contextAt( MrpLib::TxPacketContexts const & contexts, Pelk::IntfId intfId ) {
-   auto const * const found = contexts.find( intfId );
-   return found ? found->ptr() : nullptr;
-}
-
 // Calls made() if the context is new.
 template < class Made >
 MrpTxPacketContext * findOrMake( MrpLib::TxPacketContexts & contexts, Pelk::IntfId intfId,
                                  Korv::Ptr< Pelk::Pkt > const & pkt, Made made ) {
-   if ( MrpTxPacketContext * const found = contextAt( contexts, intfId ) ) {
+   if ( MrpTxPacketContext * const found = Korv::memberAt( contexts, intfId ) ) {
       return found;
    }
-   Korv::Ptr< MrpTxPacketContext > const context( new MrpTxPacketContext( intfId, pkt ) );
+   auto const context = Korv::newValidPtr< MrpTxPacketContext >( intfId, pkt );
    contexts.insertOrAssign( intfId, context );
    made();
    return context.ptr();
@@ -51,7 +48,7 @@ MrpTxPacketContext * findOrMake( MrpLib::TxPacketContexts & contexts, Pelk::Intf
 } // namespace
 
 MrpTxPacketContext * MrpLib::mrpTxPacketContext( Pelk::IntfId intfId ) const {
-   return contextAt( mrpTxPacketContext_, intfId );
+   return Korv::memberAt( mrpTxPacketContext_, intfId );
 }
 MrpTxPacketContext * MrpLib::mrpTxPacketContextIs( Pelk::IntfId intfId,
                                                    Korv::Ptr< Pelk::Pkt > pkt ) {
@@ -76,7 +73,7 @@ void MrpLib::mrpTxPacketContextNotify( Pelk::IntfId intfId ) {
 }
 
 MrpTxPacketContext * MrpLib::mrpTxSecondPacketContext( Pelk::IntfId intfId ) const {
-   return contextAt( mrpTxSecondPacketContext_, intfId );
+   return Korv::memberAt( mrpTxSecondPacketContext_, intfId );
 }
 MrpTxPacketContext * MrpLib::mrpTxSecondPacketContextIs( Pelk::IntfId intfId,
                                                          Korv::Ptr< Pelk::Pkt > pkt ) {

@@ -4,6 +4,7 @@
 #include "mrp/observability/RingSites.h"
 #include "mrp/observability/Trace.h"
 #include "mrp/platform/korv/Assert.h"
+#include "mrp/platform/korv/Members.h"
 #include "mrp/platform/pelk/EthHdr.h"
 
 namespace Mrp {
@@ -32,34 +33,19 @@ void MrpPamSm::handleStandbyMode() {
    trace( 8, "void Mrp::MrpPamSm::handleStandbyMode()" );
    Korv::assertThat( initialized(), "initialized()" );
    for ( auto intf = mrpIntfPamSm_.walk(); intf; ++intf ) {
-      Korv::Ptr< MrpIntfPamSm > const sm = intf.value();
-      sm->standbyModeIs( standbyMode_ );
-      sm->handleStandbyMode();
+      MrpIntfPamSm & sm = *intf.value(); // not held, as below
+      sm.standbyModeIs( standbyMode_ );
+      sm.handleStandbyMode();
    }
 }
 
 MrpIntfPamSm * MrpPamSm::mrpIntfPamSm( Pelk::IntfId intfId ) const {
-   auto const * const found = mrpIntfPamSm_.find( intfId );
-   return found ? found->ptr() : nullptr;
+   return Korv::memberAt( mrpIntfPamSm_, intfId );
 }
 
 MrpIntfPamSm * MrpPamSm::mrpIntfPamSmIs( Pelk::IntfId intfId, Korv::Ptr< Pelk::Pam > pam,
                                          bool standbyMode ) {
-   return mrpIntfPamSm_
-      .findOrMake( intfId,
-                   [&] {
-                      return Korv::Ptr< MrpIntfPamSm >(
-                         new MrpIntfPamSm( intfId, std::move( pam ), standbyMode, this ) );
-                   } )
-      .ptr();
-}
-
-void MrpPamSm::mrpIntfPamSmDel( Pelk::IntfId intfId ) { mrpIntfPamSm_.erase( intfId ); }
-
-void MrpPamSm::mrpIntfPamSmDelAll() {
-   for ( auto intf = mrpIntfPamSm_.walk(); intf; ++intf ) {
-      mrpIntfPamSmDel( Pelk::IntfId( intf.key() ) );
-   }
+   return Korv::memberIs( mrpIntfPamSm_, intfId, intfId, std::move( pam ), standbyMode, this );
 }
 
 void MrpPamSm::handlePam( Pelk::IntfId intfId ) {
@@ -93,7 +79,9 @@ void MrpPamSm::transmitAllLeaveAll( Pelk::IntfId intfId ) {
    Sornlog::log( Ring::pamTransmitAllLeaveAll, intfId );
    trace( 8, "MrpPamSm::transmitAllLeaveAll( ", intfId, " )" );
    Korv::assertThat( initialized() && !standbyMode(), "initialized() && !standbyMode()" );
-   if ( Korv::Ptr< MrpIntfPamSm > const sm = mrpIntfPamSm( intfId ) ) {
+   // Not held: the application may close the interface meanwhile and open it anew, and a machine
+   // that closed only after its successor had opened would take its LeaveAll along.
+   if ( MrpIntfPamSm * const sm = mrpIntfPamSm( intfId ) ) {
       sm->transmitAllLeaveAll();
    }
 }

@@ -6,6 +6,7 @@
 #include "mrp/frame/MrpIntfPamSm.h"
 #include "mrp/platform/interface/EthDevPamCollection.h"
 #include "mrp/platform/korv/HashMap.h"
+#include "mrp/platform/korv/Members.h"
 
 namespace Mrp {
 
@@ -28,8 +29,12 @@ class MrpPamSm : public Korv::PtrInterface {
    MrpIntfPamSm * mrpIntfPamSm( Pelk::IntfId intfId ) const;
    MrpIntfPamSm * mrpIntfPamSmIs( Pelk::IntfId intfId, Korv::Ptr< Pelk::Pam > pam,
                                   bool standbyMode );
-   void mrpIntfPamSmDel( Pelk::IntfId intfId );
-   void mrpIntfPamSmDelAll();
+   MrpIntfPamSm * newMrpIntfPamSm( Pelk::IntfId intfId, Korv::Ptr< Pelk::Pam > pam,
+                                   bool standbyMode ) {
+      return mrpIntfPamSmIs( intfId, std::move( pam ), standbyMode );
+   }
+   void mrpIntfPamSmDel( Pelk::IntfId intfId ) { mrpIntfPamSm_.erase( intfId ); }
+   void mrpIntfPamSmDelAll() { Korv::membersDelAll( mrpIntfPamSm_ ); }
 
    bool standbyMode() const { return standbyMode_; }
    void standbyModeIs( bool v ) { standbyMode_ = v; }

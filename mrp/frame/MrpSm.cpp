@@ -22,6 +22,15 @@ constexpr U32 tickMsecs = 100;
 constexpr U32 initialMaxTicks = 60000;
 constexpr U32 defaultBucketSize = 1024;
 
+// The entity that is held, made if it is not there yet: it outlasts a second call.
+template < class E >
+E & namedIs( Korv::Ptr< E > & held, char const * name ) {
+   if ( !held ) {
+      held = Korv::newValidPtr< E >( name );
+   }
+   return *held;
+}
+
 } // namespace
 
 Korv::Ptr< MrpSm >
@@ -96,19 +105,16 @@ void MrpSm::handleStandbyMode() {
    Korv::Ptr< Korv::Clock > const & clock = Korv::activityManager().clock();
    rebuildAttrIter();
    doInitializeCounters();
-   if ( !parseContext_ ) {
-      parseContext_ = mrpParseContextFactory( "MrpParseContext" );
-   }
-   parseContext_->eventsCounterIs( 0 );
-   timerWheel_ =
-      new Dovr::TimerWheel( nullptr, clock, tickMsecs, initialMaxTicks, true, defaultBucketSize );
-   mrpAttrLogSm_ =
-      new MrpAttrLogSm( Korv::NboAttrLog::top().socketOutSm( em_ ? em_->name() : Korv::Name() ) );
-   mrpDatabaseDeleteSm_ = new MrpDatabaseDeleteSm( this, mrpAttrLogSm_, clock );
-   mrpDatabaseAddSm_ = new MrpDatabaseAddSm( this, mrpAttrLogSm_, clock );
-   applicantSm_ = new MrpApplicantSm( this, mrpConfig_ );
-   registrarSm_ = new MrpRegistrarSm( this, mrpConfig_, timerWheel_ );
-   leaveAllSm_ = new MrpLeaveAllSm( this, mrpConfig_, timerWheel_ );
+   namedIs( parseContext_, "MrpParseContext" ).eventsCounterIs( 0 );
+   timerWheel_ = Korv::newValidPtr< Dovr::TimerWheel >( nullptr, clock, tickMsecs, initialMaxTicks,
+                                                        true, defaultBucketSize );
+   mrpAttrLogSm_ = Korv::newValidPtr< MrpAttrLogSm >(
+      Korv::NboAttrLog::top().socketOutSm( em_ ? em_->name() : Korv::Name() ) );
+   mrpDatabaseDeleteSm_ = Korv::newValidPtr< MrpDatabaseDeleteSm >( this, mrpAttrLogSm_, clock );
+   mrpDatabaseAddSm_ = Korv::newValidPtr< MrpDatabaseAddSm >( this, mrpAttrLogSm_, clock );
+   applicantSm_ = Korv::newValidPtr< MrpApplicantSm >( this, mrpConfig_ );
+   registrarSm_ = Korv::newValidPtr< MrpRegistrarSm >( this, mrpConfig_, timerWheel_ );
+   leaveAllSm_ = Korv::newValidPtr< MrpLeaveAllSm >( this, mrpConfig_, timerWheel_ );
    maxAttrTypes_ = mrpNumberOfTypes( mrpLib_->application() );
    if ( mrpPamSm_->standbyMode() != standbyMode_ ) {
       mrpPamSm_->standbyModeIs( standbyMode_ );
@@ -117,11 +123,9 @@ void MrpSm::handleStandbyMode() {
 }
 
 void MrpSm::doInitializeCounters() {
-   if ( !mrpCounters_ ) {
-      mrpCounters_ = new MrpCounters( "MrpCounters" );
-   }
+   MrpCounters & counters = namedIs( mrpCounters_, "MrpCounters" );
    MrpCounters::attributes().forEach(
-      [this]( auto const & counter ) { ( mrpCounters_.ptr()->*counter.mutator )( 0 ); } );
+      [&]( auto const & counter ) { ( counters.*counter.mutator )( 0 ); } );
 }
 
 // Attributes that stand in the tree already are walked like those made later.

@@ -37,6 +37,7 @@
 #include "mrp/platform/korv/Clock.h"
 #include "mrp/platform/korv/Fifo.h"
 #include "mrp/platform/korv/HashMap.h"
+#include "mrp/platform/korv/Members.h"
 #include "mrp/platform/korv/OrderedMap.h"
 #include "mrp/platform/mirel/EntityManager.h"
 #include "mrp/platform/stp/Stp.h"
@@ -179,23 +180,36 @@ class MrpSm : public Korv::PtrInterface {
    // What the frame said: types with a LeaveAll, each attribute's last event and value, and the
    // keys in their order of arrival, MSRP domains apart.
    RxLeaveAll const & mrpRxLeaveAll() const { return mrpRxLeaveAll_; }
+   bool mrpRxLeaveAll( U8 attributeType ) const {
+      bool const * const found = mrpRxLeaveAll_.find( attributeType );
+      return found && *found;
+   }
    void mrpRxLeaveAllIs( U8 attributeType, bool v ) {
       mrpRxLeaveAll_.insertOrAssign( attributeType, v );
    }
+   void newMrpRxLeaveAll( U8 attributeType, bool v ) { mrpRxLeaveAllIs( attributeType, v ); }
    void mrpRxLeaveAllDel( U8 attributeType ) { mrpRxLeaveAll_.erase( attributeType ); }
    void mrpRxLeaveAllDelAll() { mrpRxLeaveAll_.clear(); }
    MrpParsedAttributes const & mrpParsedAttribute() const { return mrpParsedAttribute_; }
+   MrpParsedAttribute * mrpParsedAttribute( MrpParsedAttributeKey key ) const {
+      return mrpParsedAttribute_.find( key );
+   }
    MrpParsedAttribute * mrpParsedAttributeIs( MrpParsedAttributeKey key ) {
       return mrpParsedAttribute_.findOrMake( key );
+   }
+   MrpParsedAttribute * newMrpParsedAttribute( MrpParsedAttributeKey key ) {
+      return mrpParsedAttributeIs( key );
    }
    void mrpParsedAttributeDel( MrpParsedAttributeKey key ) { mrpParsedAttribute_.erase( key ); }
    void mrpParsedAttributeDelAll() { mrpParsedAttribute_.clear(); }
    ParsedKeys const & mrpParsedAttributeKey() const { return mrpParsedAttributeKey_; }
    void mrpParsedAttributeKeyEnq( MrpParsedAttributeKey key ) { mrpParsedAttributeKey_.enq( key ); }
    MrpParsedAttributeKey mrpParsedAttributeKeyDeq() { return mrpParsedAttributeKey_.deq(); }
+   void mrpParsedAttributeKeyDelAll() { mrpParsedAttributeKey_.clear(); }
    ParsedKeys const & msrpParsedDomainKey() const { return msrpParsedDomainKey_; }
    void msrpParsedDomainKeyEnq( MrpParsedAttributeKey key ) { msrpParsedDomainKey_.enq( key ); }
    MrpParsedAttributeKey msrpParsedDomainKeyDeq() { return msrpParsedDomainKey_.deq(); }
+   void msrpParsedDomainKeyDelAll() { msrpParsedDomainKey_.clear(); }
 
    // ---- receive/ParsedAttributes.cpp: the frame as a whole to the machines --------------------
    void processParsedAttributes( Pelk::IntfId intfId );
@@ -242,7 +256,7 @@ class MrpSm : public Korv::PtrInterface {
    MrpAttrIter * mrpAttrIterIs( MrpAttrIter::Key const & key );
    MrpAttrIter * newMrpAttrIter( MrpAttrIter::Key const & key ) { return mrpAttrIterIs( key ); }
    void mrpAttrIterDel( MrpAttrIter::Key const & key ) { mrpAttrIter_.erase( key ); }
-   void mrpAttrIterDelAll();
+   void mrpAttrIterDelAll() { Korv::membersDelAll( mrpAttrIter_ ); }
    void addToAttrIter( Pelk::IntfId intfId, U8 attributeType, U64 attributeKey );
    void removeFromAttrIter( Pelk::IntfId intfId, U8 attributeType, U64 attributeKey );
 
@@ -255,6 +269,9 @@ class MrpSm : public Korv::PtrInterface {
    AddPending const & addPendingAttr() const { return addPendingAttr_; }
    MrpAttrDatabase * addPendingAttr( MrpAttribute const & attribute ) const;
    void addPendingAttrIs( MrpAttribute const & attribute, Korv::Ptr< MrpAttrDatabase > copy );
+   void newAddPendingAttr( MrpAttribute const & attribute, Korv::Ptr< MrpAttrDatabase > copy ) {
+      addPendingAttrIs( attribute, std::move( copy ) );
+   }
    void addPendingAttrDel( MrpAttribute const & attribute );
    void addPendingAttrDelAll();
    DeletePending const & deletePendingAttr() const { return deletePendingAttr_; }
@@ -263,6 +280,9 @@ class MrpSm : public Korv::PtrInterface {
    }
    bool isDeletePending( MrpAttribute const & attribute ) const;
    void deletePendingAttrIs( MrpAttribute const & attribute, bool v );
+   void newDeletePendingAttr( MrpAttribute const & attribute, bool v ) {
+      deletePendingAttrIs( attribute, v );
+   }
    void deletePendingAttrDel( MrpAttribute const & attribute );
    void deletePendingAttrDelAll();
 

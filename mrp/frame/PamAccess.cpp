@@ -81,7 +81,7 @@ void MrpSm::doInitializePamMan() {
       as< Interface::AllIntfStatusDir >( em_->getEntity( "interface/status/all" ) );
    allIntfStatusLocalDir_ = as< Interface::AllIntfStatusLocalDir >(
       em_->getEntity( Cell::path( "interface/status/local" ) ) );
-   Korv::Ptr< KorvHudra::Mount > const mount( new KorvHudra::Mount( em_ ) );
+   auto const mount = Korv::newValidPtr< KorvHudra::Mount >( em_ );
    mount->handleInitialized();
    Korv::String8 const path = Korv::format( "kni/ns/%s/status", checkedNamespaceName().c_str() );
    KorvHudra::MountInfo info;
@@ -91,15 +91,16 @@ void MrpSm::doInitializePamMan() {
       as< KernelNetInfo::Status >( mount->getEntity( path ) );
 
    // The names are the same for MVRP.
-   deviceIntfStatusDir_ = new Interface::DeviceIntfStatusDir( "deviceIntfStatusDirMsrp" );
-   intfStatusManagerRoot_ = new Interface::NetNsIntfStatusManagerRoot(
+   deviceIntfStatusDir_ =
+      Korv::newValidPtr< Interface::DeviceIntfStatusDir >( "deviceIntfStatusDirMsrp" );
+   intfStatusManagerRoot_ = Korv::newValidPtr< Interface::NetNsIntfStatusManagerRoot >(
       nullptr, allIntfStatusDir_, allIntfStatusLocalDir_, false );
    intfStatusManagerRoot_->intfStatusManagerIs( nullptr, deviceIntfStatusDir_, kernelStatus,
                                                 checkedNamespaceName() );
-   desiredIntfDir_ = new Interface::PamDesiredIntfDir( "desiredIntfDirMsrp" );
-   pamCollection_ = new Interface::EthDevPamCollection( "pamCollectionMsrp" );
-   pamMan_ =
-      new Interface::EthDevPamManager( desiredIntfDir_, pamCollection_, deviceIntfStatusDir_ );
+   desiredIntfDir_ = Korv::newValidPtr< Interface::PamDesiredIntfDir >( "desiredIntfDirMsrp" );
+   pamCollection_ = Korv::newValidPtr< Interface::EthDevPamCollection >( "pamCollectionMsrp" );
+   pamMan_ = Korv::newValidPtr< Interface::EthDevPamManager >( desiredIntfDir_, pamCollection_,
+                                                               deviceIntfStatusDir_ );
    pamMan_->txRetriesIs( txRetries );
    pamMan_->destinationIs( mrpLib_->applicationMacAddr() );
    pamMan_->filterProgramIs( Pelk::SockFilterProgram( std::size( filter ), filter ) );
@@ -108,7 +109,7 @@ void MrpSm::doInitializePamMan() {
    pamMan_->enabledIs( true );
 
    // The collection is new and empty: interfaces appear as the agent enables them.
-   mrpPamSm_ = new MrpPamSm( pamCollection_, standbyMode_, this );
+   mrpPamSm_ = Korv::newValidPtr< MrpPamSm >( pamCollection_, standbyMode_, this );
 }
 
 Pelk::Pam * MrpSm::pam( Pelk::IntfId intfId ) const { return pamCollection_->intfPam( intfId ); }

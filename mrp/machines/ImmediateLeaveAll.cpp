@@ -2,6 +2,9 @@
 //
 // Unlike a periodic one it posts no registrar event: the neighbours redeclare, and no leave timer
 // of this participant starts.
+//
+// Over a frame that leaves the application may close the interface, and with it goes the machine:
+// what runs here names the interface and not the machine.
 #include "mrp/frame/MrpIntfPamSm.h"
 #include "mrp/frame/MrpSm.h"
 #include "mrp/machines/MrpApplicantSm.h"
@@ -12,44 +15,50 @@
 
 namespace Mrp {
 
-void MrpIntfPamSm::transmitAllLeaveAll() {
-   Sornlog::log( Ring::intfPamTransmitAllLeaveAll, intfId_ );
-   trace( 8, "MrpIntfPamSm::transmitAllLeaveAll( ", intfId_, " )" );
-   Korv::assertThat( initialized() && !standbyMode(), "initialized() && !standbyMode()" );
-   MrpSm & sm = mrpSm();
-   Korv::Seconds const period = getLeaveAllTime( sm, intfId_ );
-   for ( U8 type = 1; type <= sm.maxAttrTypes(); ++type ) {
-      mrpAllLeaveAllSm( type );
-      sm.leaveAllSm()->doPushLeaveAll( intfId_, type, period );
-   }
-   sm.mrpTransmitTxAttributes( intfId_ );
-}
+namespace {
 
-void MrpIntfPamSm::mrpAllLeaveAllSm( U8 attrType ) {
+void postLeaveAll( MrpSm & sm, Pelk::IntfId intfId, U8 attrType ) {
    trace( 8, "MrpIntfPamSm::mrpAllLeaveAllSm( ", attrType, " )" );
-   MrpSm & sm = mrpSm();
-   Korv::Ptr< MrpAttrIter > const iter = sm.mrpAttrIter( MrpAttrIter::Key( intfId_, attrType ) );
+   Korv::Ptr< MrpAttrIter > const iter = sm.mrpAttrIter( MrpAttrIter::Key( intfId, attrType ) );
    if ( !iter ) {
-      sm.mrpLib()->mrpSendLeaveAll( attrType, intfId_ );
+      sm.mrpLib()->mrpSendLeaveAll( attrType, intfId );
       return;
    }
    MrpParseContext & context = *sm.parseContext();
    context.sendTxLvAllIs( true );
    for ( auto member = iter->attributeKey().walk(); member; ++member ) {
-      MrpAttribute const attribute( intfId_, attrType, member.key() );
+      MrpAttribute const attribute( intfId, attrType, member.key() );
       if ( sm.isDeletePending( attribute ) ) {
          continue;
       }
       trace( 8, "AllLeaveAllSm: attributeKey = 0x", Korv::Hex{ attribute.attributeVal() },
-             " Type = ", attrType, "interface = ", intfId_ );
+             " Type = ", attrType, "interface = ", intfId );
       sm.mrpFillContextFromDatabase( attribute );
       sm.applicantSm()->applicantEventIs( txLvAll );
       sm.applicantSm()->handleApplicantEvent();
    }
    if ( context.sendTxLvAll() ) {
-      sm.mrpLib()->mrpSendLeaveAll( attrType, intfId_ );
+      sm.mrpLib()->mrpSendLeaveAll( attrType, intfId );
    }
    context.sendTxLvAllIs( false );
 }
+
+} // namespace
+
+void MrpIntfPamSm::transmitAllLeaveAll() {
+   Sornlog::log( Ring::intfPamTransmitAllLeaveAll, intfId_ );
+   trace( 8, "MrpIntfPamSm::transmitAllLeaveAll( ", intfId_, " )" );
+   Korv::assertThat( initialized() && !standbyMode(), "initialized() && !standbyMode()" );
+   MrpSm & sm = mrpSm();
+   Pelk::IntfId const intfId = intfId_;
+   Korv::Seconds const period = getLeaveAllTime( sm, intfId );
+   for ( U8 type = 1; type <= sm.maxAttrTypes(); ++type ) {
+      postLeaveAll( sm, intfId, type );
+      sm.leaveAllSm()->doPushLeaveAll( intfId, type, period );
+   }
+   sm.mrpTransmitTxAttributes( intfId );
+}
+
+void MrpIntfPamSm::mrpAllLeaveAllSm( U8 attrType ) { postLeaveAll( mrpSm(), intfId_, attrType ); }
 
 } // namespace Mrp

@@ -29,20 +29,16 @@ void deleteEntry( MrpRegistrarSm::LeaveSms const & machines, MrpAttribute const 
    if ( machines.empty() ) {
       return;
    }
-   auto const * const found = machines.find( key );
-   if ( found && ( *found )->isLeavePending( attributeKey ) ) {
-      ( *found )->leavePendingDel( attributeKey );
+   MrpLeaveSm * const machine = Korv::memberAt( machines, key );
+   if ( machine && machine->leavePending( attributeKey ) ) {
+      machine->leavePendingDel( attributeKey );
    }
 }
 
 } // namespace
 
 MrpLeaveSm * MrpRegistrarSm::findOrMake( LeaveSms & machines, MrpAttribute const & key ) {
-   return machines
-      .findOrMake(
-         key,
-         [&] { return Korv::Ptr< MrpLeaveSm >( new MrpLeaveSm( key, mrpSm_, timerWheel_ ) ); } )
-      .ptr();
+   return Korv::memberIs( machines, key, key, mrpSm_, timerWheel_ );
 }
 
 void MrpRegistrarSm::mrpAddAttrToLeavePending() {
@@ -50,7 +46,7 @@ void MrpRegistrarSm::mrpAddAttrToLeavePending() {
    MrpAttribute const attribute = namedAttribute( *mrpSm_->parseContext() );
    MrpLeaveSm * const machine = registrarEvent_ == regLv ? explicitLeaveSmIs( attribute )
                                                          : leaveSmIs( sharedKey( attribute ) );
-   if ( machine->isLeavePending( attribute.attributeVal() ) ) {
+   if ( machine->leavePending( attribute.attributeVal() ) ) {
       return;
    }
    machine->leavePendingIs( attribute.attributeVal(), true );
@@ -80,7 +76,7 @@ void cancel( MrpRegistrarSm::LeaveSms & machines, Pelk::IntfId intfId ) {
       Korv::Ptr< MrpLeaveSm > const machine = member.value();
       U64 const attributeVal = machine->key().attributeVal();
       trace( 8, "Intf: ", intfId,
-             " Leave pending deleted: ", machine->isLeavePending( attributeVal ) );
+             " Leave pending deleted: ", machine->leavePending( attributeVal ) );
       machine->leavePendingDel( attributeVal );
       if ( machine->leavePending().empty() ) {
          MrpAttribute const key = member.key();

@@ -4,6 +4,7 @@
 #include "mrp/machines/MrpLeaveAllSm.h"
 #include "mrp/observability/Trace.h"
 #include "mrp/platform/korv/Assert.h"
+#include "mrp/platform/korv/Members.h"
 
 #include <algorithm>
 
@@ -28,16 +29,11 @@ void MrpIntfLeaveAllSm::handleInitialized() {
 }
 
 MrpLeaveAllTimer * MrpIntfLeaveAllSm::leaveAllPending( U8 attrType ) const {
-   auto const * const found = leaveAllPending_.find( attrType );
-   return found ? found->ptr() : nullptr;
+   return Korv::memberAt( leaveAllPending_, attrType );
 }
 
 MrpLeaveAllTimer * MrpIntfLeaveAllSm::leaveAllPendingIs( U8 attrType ) {
-   return leaveAllPending_
-      .findOrMake(
-         attrType,
-         [&] { return Korv::Ptr< MrpLeaveAllTimer >( new MrpLeaveAllTimer( attrType ) ); } )
-      .ptr();
+   return Korv::memberIs( leaveAllPending_, attrType, attrType );
 }
 
 void MrpIntfLeaveAllSm::doScheduleLeaveAllTimer( Korv::Seconds expiryTime ) {

@@ -48,6 +48,7 @@ class MrpIntfLeaveAllSm : public Korv::PtrInterface {
    LeaveAllPending const & leaveAllPending() const { return leaveAllPending_; }
    MrpLeaveAllTimer * leaveAllPending( U8 attrType ) const;
    MrpLeaveAllTimer * leaveAllPendingIs( U8 attrType );
+   MrpLeaveAllTimer * newLeaveAllPending( U8 attrType ) { return leaveAllPendingIs( attrType ); }
    void leaveAllPendingDel( U8 attrType ) { leaveAllPending_.erase( attrType ); }
    void leaveAllPendingDelAll() { leaveAllPending_.clear(); }
 

@@ -22,18 +22,11 @@ void MrpLeaveAllSm::handleInitialized() {
 }
 
 MrpIntfLeaveAllSm * MrpLeaveAllSm::intfLeaveAllSm( Pelk::IntfId intfId ) const {
-   auto const * const found = intfLeaveAllSm_.find( intfId );
-   return found ? found->ptr() : nullptr;
+   return Korv::memberAt( intfLeaveAllSm_, intfId );
 }
 
 MrpIntfLeaveAllSm * MrpLeaveAllSm::intfLeaveAllSmIs( Pelk::IntfId intfId ) {
-   return intfLeaveAllSm_
-      .findOrMake( intfId,
-                   [&] {
-                      return Korv::Ptr< MrpIntfLeaveAllSm >(
-                         new MrpIntfLeaveAllSm( intfId, mrpSm_, timerWheel_ ) );
-                   } )
-      .ptr();
+   return Korv::memberIs( intfLeaveAllSm_, intfId, intfId, mrpSm_, timerWheel_ );
 }
 
 void MrpLeaveAllSm::publish( Pelk::IntfId intfId, U8 attributeType,

@@ -6,6 +6,7 @@
 
 #include "mrp/machines/MrpIntfLeaveAllSm.h"
 #include "mrp/platform/korv/HashMap.h"
+#include "mrp/platform/korv/Members.h"
 #include "mrp/topology/MrpConfig.h"
 #include "mrp/vocabulary/Mrp.h"
 
@@ -26,12 +27,11 @@ class MrpLeaveAllSm : public Korv::PtrInterface {
    IntfLeaveAllSms const & intfLeaveAllSm() const { return intfLeaveAllSm_; }
    MrpIntfLeaveAllSm * intfLeaveAllSm( Pelk::IntfId intfId ) const;
    MrpIntfLeaveAllSm * intfLeaveAllSmIs( Pelk::IntfId intfId );
-   void intfLeaveAllSmDel( Pelk::IntfId intfId ) { intfLeaveAllSm_.erase( intfId ); }
-   void intfLeaveAllSmDelAll() {
-      for ( auto member = intfLeaveAllSm_.walk(); member; ++member ) {
-         intfLeaveAllSmDel( Pelk::IntfId( member.key() ) );
-      }
+   MrpIntfLeaveAllSm * newIntfLeaveAllSm( Pelk::IntfId intfId ) {
+      return intfLeaveAllSmIs( intfId );
    }
+   void intfLeaveAllSmDel( Pelk::IntfId intfId ) { intfLeaveAllSm_.erase( intfId ); }
+   void intfLeaveAllSmDelAll() { Korv::membersDelAll( intfLeaveAllSm_ ); }
 
    // Posts the pair to every attribute of the type, those marked for deletion left out. Not for a
    // received LeaveAll, which MrpSm::mrpProcessRxLeaveAll applies.

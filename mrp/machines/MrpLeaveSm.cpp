@@ -61,7 +61,7 @@ void MrpLeaveSm::doReceiveWaitingFrame() {
 }
 
 void MrpLeaveSm::handleLeavePending( U64 attributeKey ) {
-   if ( !isLeavePending( attributeKey ) ) {
+   if ( !leavePending( attributeKey ) ) {
       return;
    }
    mrpSm_->mrpFillContextFromDatabase(

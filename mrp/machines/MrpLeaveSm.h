@@ -32,15 +32,16 @@ class MrpLeaveSm : public Korv::PtrInterface {
 
    // By ascending attribute key.
    LeavePending const & leavePending() const { return leavePending_; }
-   void leavePendingIs( U64 attributeKey, bool v ) {
-      leavePending_.insertOrAssign( attributeKey, v );
-   }
-   void leavePendingDel( U64 attributeKey ) { leavePending_.erase( attributeKey ); }
-   void leavePendingDelAll() { leavePending_.clear(); }
-   bool isLeavePending( U64 attributeKey ) const {
+   bool leavePending( U64 attributeKey ) const {
       bool const * const found = leavePending_.find( attributeKey );
       return found && *found;
    }
+   void leavePendingIs( U64 attributeKey, bool v ) {
+      leavePending_.insertOrAssign( attributeKey, v );
+   }
+   void newLeavePending( U64 attributeKey, bool v ) { leavePendingIs( attributeKey, v ); }
+   void leavePendingDel( U64 attributeKey ) { leavePending_.erase( attributeKey ); }
+   void leavePendingDelAll() { leavePending_.clear(); }
 
    // Called by the registrar. A duration from now; it may postpone as well as advance.
    void doScheduleLeaveTimer( Korv::Seconds expiryTime );

@@ -10,6 +10,7 @@
 #include "mrp/machines/MrpLeaveSm.h"
 #include "mrp/platform/dovr/TimerWheel.h"
 #include "mrp/platform/korv/HashMap.h"
+#include "mrp/platform/korv/Members.h"
 #include "mrp/topology/MrpConfig.h"
 #include "mrp/vocabulary/Mrp.h"
 
@@ -60,23 +61,23 @@ class MrpRegistrarSm : public Korv::PtrInterface {
 
    // Shared timers, by interface and type (key 0), and timers of one attribute each.
    LeaveSms const & leaveSm() const { return leaveSm_; }
-   MrpLeaveSm * leaveSmIs( MrpAttribute const & key ) { return findOrMake( leaveSm_, key ); }
-   void leaveSmDel( MrpAttribute const & key ) { leaveSm_.erase( key ); }
-   void leaveSmDelAll() {
-      for ( auto member = leaveSm_.walk(); member; ++member ) {
-         leaveSmDel( MrpAttribute( member.key() ) );
-      }
+   MrpLeaveSm * leaveSm( MrpAttribute const & key ) const {
+      return Korv::memberAt( leaveSm_, key );
    }
+   MrpLeaveSm * leaveSmIs( MrpAttribute const & key ) { return findOrMake( leaveSm_, key ); }
+   MrpLeaveSm * newLeaveSm( MrpAttribute const & key ) { return leaveSmIs( key ); }
+   void leaveSmDel( MrpAttribute const & key ) { leaveSm_.erase( key ); }
+   void leaveSmDelAll() { Korv::membersDelAll( leaveSm_ ); }
    LeaveSms const & explicitLeaveSm() const { return explicitLeaveSm_; }
+   MrpLeaveSm * explicitLeaveSm( MrpAttribute const & key ) const {
+      return Korv::memberAt( explicitLeaveSm_, key );
+   }
    MrpLeaveSm * explicitLeaveSmIs( MrpAttribute const & key ) {
       return findOrMake( explicitLeaveSm_, key );
    }
+   MrpLeaveSm * newExplicitLeaveSm( MrpAttribute const & key ) { return explicitLeaveSmIs( key ); }
    void explicitLeaveSmDel( MrpAttribute const & key ) { explicitLeaveSm_.erase( key ); }
-   void explicitLeaveSmDelAll() {
-      for ( auto member = explicitLeaveSm_.walk(); member; ++member ) {
-         explicitLeaveSmDel( MrpAttribute( member.key() ) );
-      }
-   }
+   void explicitLeaveSmDelAll() { Korv::membersDelAll( explicitLeaveSm_ ); }
 
    // The participant's periodic transmit opportunity, each 0.1 seconds, gated by nothing.
    void handleTxTimer();

@@ -47,6 +47,8 @@ void MrpIntfPamSm::handleMrpdu() {
                      "pkt->bytes() >= sizeof( Pelk::EthHdr )" );
 
    MrpSm & sm = mrpSm();
+   MrpPamSm & pamSm = *mrpPamSm_;
+   Pelk::IntfId const intfId = intfId_;
    MrpLib & lib = *sm.mrpLib();
    MrpCounters & counters = *sm.mrpCounters();
    if ( Pelk::EthHdr::at( pkt->frontData() ).dst() != lib.applicationMacAddr() ) {
@@ -74,14 +76,14 @@ void MrpIntfPamSm::handleMrpdu() {
    if ( sm.mrpConfig()->mrpFlooding() ) {
       // At the packet limit there is no copy, and the frame is not flooded.
       if ( auto const copy = copyFromCursor( *pkt ) ) {
-         mrpPamSm_->floodMsrpdu( intfId_, copy );
+         pamSm.floodMsrpdu( intfId, copy );
       }
    }
    pkt->delSharedHeadData( sizeof( Pelk::EthHdr ) );
-   sm.parseContext()->intfIdIs( intfId_ );
+   sm.parseContext()->intfIdIs( intfId );
    sm.parseMrpdu( pkt );
    // Also after a malformed frame: what was saved before the failure counts.
-   sm.processParsedAttributes( intfId_ );
+   sm.processParsedAttributes( intfId );
    counters.numOfPktsProcessedInc( 1 );
    sm.mrpTransmitTxAttributes();
    futureProtocolVersion = false;

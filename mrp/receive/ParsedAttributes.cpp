@@ -142,7 +142,7 @@ namespace {
 
 // How the frame itself declares the attribute: what the answer to its LeaveAll is to report.
 MrpRegistrarState declaredState( MrpSm const & sm, MrpParsedAttributeKey const & key ) {
-   MrpParsedAttribute const * const record = sm.mrpParsedAttribute().find( key );
+   MrpParsedAttribute const * const record = sm.mrpParsedAttribute( key );
    if ( !record ) {
       return mrpMt;
    }

@@ -9,20 +9,14 @@ using Mirrors = Korv::HashMap< Korv::Name, Korv::Ptr< Mirror > >;
 template < class Mirror >
 using Records = Korv::HashMap< Korv::Name, Korv::Ptr< typename Mirror::Record > >;
 
-template < class T >
-T * at( Korv::HashMap< Korv::Name, Korv::Ptr< T > > const & map, Korv::Name const & name ) {
-   auto const * const found = map.find( name );
-   return found ? found->ptr() : nullptr;
-}
-
 // Brings the mirror of one name into line with the record. A record that has gone and come again
 // within one notification is another one, and so is its mirror. What is told last may lead back
 // here, or end the parent: nothing of it is touched after that.
 template < class Mirror >
 void mirrorRecord( Mirrors< Mirror > & mirrors, Records< Mirror > const & records,
                    Korv::Name const & name, typename Mirror::Parent & parent ) {
-   auto * const record = at( records, name );
-   Korv::Ptr< Mirror > const gone = at( mirrors, name );
+   auto * const record = Korv::memberAt( records, name );
+   Korv::Ptr< Mirror > const gone = Korv::memberAt( mirrors, name );
    if ( record == ( gone ? &gone->record() : nullptr ) ) {
       return;
    }

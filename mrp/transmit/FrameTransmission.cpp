@@ -100,8 +100,14 @@ void MrpSm::mrpTransmitTxAttributes( Pelk::IntfId intfId ) {
 
 // The first map only: a second frame whose first has left already stays open until its interface
 // has a first one again, or until a call for that interface.
+//
+// As many as there are at the start: a frame opened meanwhile, by somebody who is told of one that
+// leaves, waits for the next turn. Else an application that always had an answer would hold the
+// loop for ever.
 void MrpSm::mrpTransmitTxAttributes() {
-   for ( auto member = mrpLib_->mrpTxPacketContext().walk(); member; ++member ) {
+   std::size_t left = mrpLib_->mrpTxPacketContext().size();
+   for ( auto member = mrpLib_->mrpTxPacketContext().walk(); member && left > 0;
+         ++member, --left ) {
       mrpTransmitTxAttributes( Pelk::IntfId( member.key() ) );
    }
 }

@@ -155,6 +155,29 @@ TEST( Interfaces, comeAndGo ) {
    EXPECT_THAT( mvrp.indications(), ElementsAre( "join vlan 10 JoinIn on Ethernet1" ) );
 }
 
+// The machine that ends has closed before its successor opens, also in the middle of its work.
+TEST( Interfaces, openedAnewOverALeavingFrameHaveTheirLeaveAll ) {
+   class Reopen : public Mrp::MrpCounters::Reactor {
+    public:
+      explicit Reopen( Participant & mvrp ) : mvrp_( mvrp ) {
+         notifierIs( mvrp.sm().mrpCounters().ptr() );
+      }
+      void onNumOfPktsTransmitted() override {
+         notifierIs( nullptr );
+         mvrp_.lib().mrpInterfaceDisable( ethernet1 );
+         mvrp_.lib().mrpInterfaceEnable( ethernet1 );
+      }
+
+    private:
+      Participant & mvrp_;
+   };
+   Participant mvrp( Mrp::MVRP, { et1 } );
+   mvrp.declare( et1, Vlan{ 10 }, New );
+   Reopen const reopen( mvrp );
+   mvrp.sm().mrpPamSm()->transmitAllLeaveAll( ethernet1 );
+   EXPECT_TRUE( mvrp.sm().leaveAllSm()->intfLeaveAllSm( ethernet1 ) );
+}
+
 // A subclass that overrides the mutators sees a value each time that it is written: declared,
 // and loaded from the database for a LeaveAll of our own.
 TEST( Fields, areWrittenThroughTheirVirtualMutators ) {

@@ -30,8 +30,8 @@ inline std::string waitsOn( Participant & participant, U64 key ) {
    auto const & registrar = *participant.sm().registrarSm();
    auto const * const own = registrar.explicitLeaveSm().find( { id( et1 ), 1, key } );
    auto const * const shared = registrar.leaveSm().find( { id( et1 ), 1, 0 } );
-   std::string where = own && ( *own )->isLeavePending( key ) ? "explicit" : "";
-   if ( shared && ( *shared )->isLeavePending( key ) ) {
+   std::string where = own && ( *own )->leavePending( key ) ? "explicit" : "";
+   if ( shared && ( *shared )->leavePending( key ) ) {
       where += where.empty() ? "shared" : " shared";
    }
    return where;

@@ -78,8 +78,8 @@ bool waitsOnTimer( Mrp::MrpRegistrarSm const & registrar, Name const & name ) {
    auto const * const shared =
       registrar.leaveSm().find( attribute( { name.port, { name.kind.type, 0 } } ) );
    auto const * const own = registrar.explicitLeaveSm().find( attribute( name ) );
-   return ( shared && ( *shared )->isLeavePending( name.kind.key ) ) ||
-          ( own && ( *own )->isLeavePending( name.kind.key ) );
+   return ( shared && ( *shared )->leavePending( name.kind.key ) ) ||
+          ( own && ( *own )->leavePending( name.kind.key ) );
 }
 
 void checkRecord( Agent const & agent, Name const & name, Record const & record ) {

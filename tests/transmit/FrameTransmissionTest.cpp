@@ -261,6 +261,31 @@ TEST( FrameTransmission, losesAnAttributeWhenNoPacketIsLeft ) {
    manager.maxPktsIs( limit );
 }
 
+// An application that answers each frame with more to say has its next frames at the next turn.
+TEST( FrameTransmission, endsWhateverIsSaidMeanwhile ) {
+   class Answer : public Mrp::MrpCounters::Reactor {
+    public:
+      explicit Answer( Sender & mvrp ) : mvrp_( mvrp ) {
+         notifierIs( mvrp.sm().mrpCounters().ptr() );
+      }
+      void onNumOfPktsTransmitted() override {
+         ASSERT_LT( ++frames, 100u );
+         mvrp_.declare( et1, Vlan{ 10 }, New );
+      }
+      unsigned frames = 0;
+
+    private:
+      Sender & mvrp_;
+   };
+   Sender mvrp( Mrp::MVRP );
+   Answer const answer( mvrp );
+   mvrp.declare( et1, Vlan{ 10 }, New );
+   for ( unsigned turn = 1; turn <= 3; ++turn ) {
+      mvrp.advanceTo( turn * 0.1 );
+      EXPECT_EQ( answer.frames, 2 * turn ); // one in each context
+   }
+}
+
 TEST( FrameTransmission, isDoneBeforeAnInterfaceIsDisabled ) {
    Sender mvrp( Mrp::MVRP );
    mvrp.send( Vlan{ 10 }, JoinIn ).send( Vlan{ 20 }, New, true );

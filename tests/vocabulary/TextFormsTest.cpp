@@ -56,6 +56,8 @@ TEST( TextForms, ofKeys ) {
                            "'attributeEvent': 5, 'newEvent': true})" );
    expectForm( MrpParsedAttributeKey( 4, 6 ),
                "Value('Mrp::MrpParsedAttributeKey', ** {'attributeType': 4, 'attributeKey': 6})" );
+   expectForm( MrpLeaveAllKey( Pelk::IntfId( "a,b}" ), 2 ),
+               "Value('Mrp::MrpLeaveAllKey', ** {'intfId': a,b}, 'attributeType': 2})" );
    expectForm( MrpLeaveAllKey( et1, 2 ),
                "Value('Mrp::MrpLeaveAllKey', ** {'intfId': et1, 'attributeType': 2})" );
    expectForm( MrpAttrIterKey( Pelk::IntfId(), 2 ),

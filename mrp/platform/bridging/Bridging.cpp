@@ -16,26 +16,19 @@ VlanId VlanId::textRead( Korv::TextReader & in ) {
 }
 
 VlanConfig * Config::vlanConfig( VlanId vlanId ) const {
-   auto const * const found = vlanConfig_.find( vlanId );
-   return found ? found->ptr() : nullptr;
+   return Korv::memberAt( vlanConfig_, vlanId );
 }
 
 VlanConfig * Config::vlanConfigIs( VlanId vlanId ) {
-   return vlanConfig_
-      .findOrMake( vlanId, [&] { return Korv::Ptr< VlanConfig >( new VlanConfig( vlanId ) ); } )
-      .ptr();
+   return Korv::memberIs( vlanConfig_, vlanId, vlanId );
 }
 
 SwitchIntfConfig * Config::switchIntfConfig( Pelk::IntfId const & intfId ) const {
-   auto const * const found = switchIntfConfig_.find( intfId );
-   return found ? found->ptr() : nullptr;
+   return Korv::memberAt( switchIntfConfig_, intfId );
 }
 
 SwitchIntfConfig * Config::switchIntfConfigIs( Pelk::IntfId const & intfId ) {
-   return switchIntfConfig_
-      .findOrMake( intfId,
-                   [&] { return Korv::Ptr< SwitchIntfConfig >( new SwitchIntfConfig( intfId ) ); } )
-      .ptr();
+   return Korv::memberIs( switchIntfConfig_, intfId, intfId );
 }
 
 } // namespace Bridging

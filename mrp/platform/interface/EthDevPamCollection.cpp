@@ -3,8 +3,7 @@
 namespace Interface {
 
 Pelk::Pam * EthDevPamCollection::intfPam( Pelk::IntfId const & intfId ) const {
-   auto const * const found = intfPam_.find( intfId );
-   return found ? found->ptr() : nullptr;
+   return Korv::memberAt( intfPam_, intfId );
 }
 
 void EthDevPamCollection::intfPamIs( Pelk::IntfId const & intfId, Korv::Ptr< Pelk::Pam > pam ) {

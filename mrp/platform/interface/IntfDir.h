@@ -3,6 +3,7 @@
 
 #include "mrp/platform/korv/Entity.h"
 #include "mrp/platform/korv/HashMap.h"
+#include "mrp/platform/korv/Members.h"
 #include "mrp/platform/pelk/IntfId.h"
 
 #include <utility>
@@ -45,8 +46,7 @@ class IntfDir : public Korv::NamedEntity {
    }
    // The entry, or null. Good until it is deleted.
    Entry * intfStatus( Pelk::IntfId const & intfId ) const {
-      auto const * found = intfStatus_.find( intfId );
-      return found ? found->ptr() : nullptr;
+      return Korv::memberAt( intfStatus_, intfId );
    }
 
    void intfStatusDel( Pelk::IntfId const & intfId ) {

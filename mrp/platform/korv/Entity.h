@@ -1,6 +1,7 @@
 // A named, published object with attributes that can be watched and mirrored.
 #pragma once
 
+#include "mrp/platform/korv/Members.h"
 #include "mrp/platform/korv/Notifier.h"
 #include "mrp/platform/korv/String8.h"
 
@@ -42,8 +43,7 @@ class Entity : public Notifier {
    // Ptr< Child >. A child is made from its key, and may outlive its place here in a reader's hand.
    template < class Map, class K >
    static auto * childAt( Map const & children, K const & key ) {
-      auto const * const found = children.find( key );
-      return found ? found->ptr() : nullptr;
+      return memberAt( children, key );
    }
    // Finds or makes and attaches, without announcing.
    template < class Map, class K >

@@ -37,6 +37,8 @@ class Fifo {
       return value;
    }
 
+   void clear() { head_ = tail_ = 0; }
+
  private:
    // By moving to the front of the room that there is, or by twice the room.
    [[gnu::noinline]] void makeRoom() {

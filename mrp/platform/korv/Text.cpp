@@ -1,5 +1,7 @@
 #include "mrp/platform/korv/Text.h"
 
+#include <algorithm>
+
 namespace Korv {
 
 void TextReader::expect( std::string_view words ) {
@@ -30,7 +32,7 @@ U64 TextReader::number( U64 max ) {
 }
 
 std::string_view TextReader::word() {
-   auto const word = rest_.substr( 0, rest_.find_first_of( ",}" ) );
+   auto const word = rest_.substr( 0, std::min( rest_.find( ", '" ), rest_.find( "})" ) ) );
    rest_.remove_prefix( word.size() );
    return word;
 }

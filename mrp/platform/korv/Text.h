@@ -28,7 +28,8 @@ class TextReader {
 
    void expect( std::string_view words );
    U64 number( U64 max );
-   // Up to the next character that may follow a field of a record, or the end.
+   // Up to what may follow a field of a record, or the end. A comma or a brace alone is part of
+   // the word: interfaces may have such names.
    std::string_view word();
    void expectEnd() const;
 

@@ -9,8 +9,7 @@ Network::~Network() {
 }
 
 Device * Network::device( Pelk::IntfId const & intfId ) const {
-   auto const * const found = device_.find( intfId );
-   return found ? found->ptr() : nullptr;
+   return Korv::memberAt( device_, intfId );
 }
 
 Device * Network::deviceIs( Pelk::IntfId const & intfId ) {

@@ -3,8 +3,7 @@
 namespace Mirel {
 
 Korv::Entity * EntityManager::getEntity( Korv::String8 const & path ) const {
-   auto const * const found = entity_.find( path );
-   return found ? found->ptr() : nullptr;
+   return Korv::memberAt( entity_, path );
 }
 
 void EntityManager::entityIs( Korv::String8 const & path, Korv::Ptr< Korv::Entity > entity ) {

@@ -6,6 +6,7 @@
 #include "mrp/platform/korv/Entity.h"
 #include "mrp/platform/korv/Enum.h"
 #include "mrp/platform/korv/HashMap.h"
+#include "mrp/platform/korv/Members.h"
 
 namespace Stp {
 
@@ -16,10 +17,7 @@ template < class Child >
 class Children {
  public:
    Korv::HashMap< Name, Korv::Ptr< Child > > const & byName() const { return byName_; }
-   Child * find( Name const & name ) const {
-      auto const * const found = byName_.find( name );
-      return found ? found->ptr() : nullptr;
-   }
+   Child * find( Name const & name ) const { return Korv::memberAt( byName_, name ); }
    // Puts a record in that is not there yet.
    void put( Korv::Entity * parent, Korv::Ptr< Child > const & child ) {
       child->parentIs( parent );
