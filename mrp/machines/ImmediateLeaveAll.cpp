@@ -20,7 +20,9 @@ void MrpIntfPamSm::transmitAllLeaveAll() {
    Korv::Seconds const period = getLeaveAllTime( sm, intfId_ );
    for ( U8 type = 1; type <= sm.maxAttrTypes(); ++type ) {
       mrpAllLeaveAllSm( type );
-      sm.leaveAllSm()->doPushLeaveAll( intfId_, type, period );
+      if ( sm.leaveAllSm()->doPushLeaveAll( intfId_, type, period ) ) {
+         sm.leaveAllSm()->publish( intfId_, type, period );
+      }
    }
    sm.mrpTransmitTxAttributes( intfId_ );
 }
