@@ -7,9 +7,12 @@ Korv::Ptr< MrpAttrDatabase > MrpAttrDatabaseIs( U64 mrpAttributeKey ) {
 }
 
 void MrpAttrDatabase::attributeValueIs( U32 index, U8 byte ) {
-   if ( attributeValue_.put( ValueIndex( index ).value(), byte ) ) {
-      notify( &Reactor::onAttributeValue, index );
+   // For a span from slot 0, any slot of it that holds the byte already: nothing to tell.
+   if ( index < attributeValue_.count() && attributeValue_.at( index ) == byte ) {
+      return;
    }
+   attributeValue_.put( ValueIndex( index ).value(), byte );
+   notify( &Reactor::onAttributeValue, index );
 }
 
 void MrpAttrDatabase::putEach( void const * bytes, U32 size ) {

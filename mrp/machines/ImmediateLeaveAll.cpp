@@ -54,7 +54,9 @@ void MrpIntfPamSm::transmitAllLeaveAll() {
    Korv::Seconds const period = getLeaveAllTime( sm, intfId );
    for ( U8 type = 1; type <= sm.maxAttrTypes(); ++type ) {
       postLeaveAll( sm, intfId, type );
-      sm.leaveAllSm()->doPushLeaveAll( intfId, type, period );
+      if ( sm.leaveAllSm()->doPushLeaveAll( intfId, type, period ) ) {
+         sm.leaveAllSm()->publish( intfId, type, period );
+      }
    }
    sm.mrpTransmitTxAttributes( intfId );
 }

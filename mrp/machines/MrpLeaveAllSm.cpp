@@ -45,7 +45,6 @@ bool MrpLeaveAllSm::doPushLeaveAll( Pelk::IntfId intfId, U8 attributeType,
    }
    timer->timestampIs( Korv::now() + leaveAllTime );
    intf->doScheduleLeaveAllTimer( leaveAllTime );
-   publish( intfId, attributeType, leaveAllTime );
    return true;
 }
 

@@ -45,7 +45,8 @@ class MrpLeaveAllSm : public Korv::PtrInterface {
    void mrpDisableLeaveAllPending( Pelk::IntfId intfId );
    void mrpDisableLeaveAllPendingAttrType( Pelk::IntfId intfId, U8 attributeType );
 
-   // The type's LeaveAll is due a time from now, if it is under LeaveAll there; false if not.
+   // The type's LeaveAll is due a time from now, if it is under LeaveAll there; false if not. The
+   // caller publishes.
    bool doPushLeaveAll( Pelk::IntfId intfId, U8 attributeType, Korv::Seconds leaveAllTime );
    // Shows the period in the status tree.
    void publish( Pelk::IntfId intfId, U8 attributeType, Korv::Seconds leaveAllTime ) const;

@@ -19,14 +19,15 @@ namespace Mrp {
    trace( 8, "MrpSm::processedParsedAttributes( ", intfId, " )" );
    // One draw for the whole frame.
    Korv::Seconds const leaveAllTime = getLeaveAllTime( *this, intfId );
+   Korv::Seconds const expiry = Korv::now() + leaveAllTime;
    for ( auto type = mrpRxLeaveAll_.walk(); type; ++type ) {
       U8 const attributeType = type.key();
       mrpProcessRxLeaveAll( intfId, attributeType );
       // Somebody else has sent the LeaveAll: our own is put off.
       if ( leaveAllSm_->doPushLeaveAll( intfId, attributeType, leaveAllTime ) ) {
-         trace( 8, " txLeaveAll repunched now = ", Korv::now(),
-                " at = ", Korv::now() + leaveAllTime, " for type = ", attributeType,
-                " on intf = ", intfId );
+         trace( 8, " txLeaveAll repunched now = ", Korv::now(), " at = ", expiry,
+                " for type = ", attributeType, " on intf = ", intfId );
+         leaveAllSm_->publish( intfId, attributeType, leaveAllTime );
       }
       mrpRxLeaveAllDel( attributeType );
    }
@@ -57,7 +58,11 @@ void MrpSm::processParsedAttribute( MrpParsedAttributeKey key, Pelk::IntfId intf
 
 template < class Kind >
 void MrpSm::processRecord( MrpParsedAttribute const & record, Pelk::IntfId intfId ) {
-   fillFromSavedValue< Kind >( intfId, record );
+   if constexpr ( std::is_same_v< Kind, NoKind > ) {
+      fillMrpLibFromSavedValue( intfId, record );
+   } else {
+      fillFromSavedValue< Kind >( intfId, record );
+   }
    U8 const event = record.attributeEvent();
    parseContext_->intfIdIs( intfId );
    parseContext_->attributeTypeIs( record.key().attributeType() );

@@ -192,7 +192,7 @@ MrpSm::parseThreePackedEvents( Korv::Ptr< Pelk::Pkt > const & pkt ) {
    if ( packed > pkt->bytes() ) {
       return eventsDoNotFit( *this, packed, pkt->bytes() );
    }
-   withAttributeKind( mrpLib_->application(), context.attributeType(), [&]( auto kind ) {
+   withAttributeKindOrNone( mrpLib_->application(), context.attributeType(), [&]( auto kind ) {
       walkThreePacked( pkt->frontData(), n, [this]( U8 event, U16 eventNum ) {
          processValue< decltype( kind ) >( event, eventNum );
       } );

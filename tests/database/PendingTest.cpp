@@ -275,6 +275,8 @@ TEST( Tree, keepsAValueInOnePieceOfTheRing ) {
    EXPECT_THAT( put( 5 ), testing::HasSubstr( "outside of queue" ) );
    EXPECT_EQ( put( 4 ), "" );
    EXPECT_EQ( put( 2 ), "" );
+   // Numbered below the count, and 0 already: nothing to do, although it lies outside the span.
+   EXPECT_EQ( put( 0 ), "" );
    EXPECT_EQ( attribute->attributeValue().head(), 2u );
    EXPECT_EQ( attribute->attributeValue().count(), 3u );
    EXPECT_NE( put( 65 ), "" );

@@ -71,22 +71,15 @@ class ByteQueue {
    }
 
    // Writes one slot: in the span, right behind it or right before it; an empty queue starts at
-   // the slot. False if there is nothing to tell: a slot numbered below the count, which for a span
-   // from slot 0 is any slot of it, holds the byte already. The caller has checked that the slot
-   // exists.
-   bool put( U32 slot, U8 byte ) {
-      if ( slot < count_ && at( slot ) == byte ) {
-         return false;
-      }
+   // the slot. The caller has checked that the slot exists.
+   void put( U32 slot, U8 byte ) {
       if ( count_ == 0 ) {
          head_ = static_cast< U8 >( slot );
       }
       U32 const i = offset( slot );
       if ( i < count_ ) {
          data()[i] = byte;
-         return true;
-      }
-      if ( i == count_ ) {
+      } else if ( i == count_ ) {
          enq( byte );
       } else if ( i + 1 == byteQueueSlots ) {
          appendSlot();
@@ -96,7 +89,6 @@ class ByteQueue {
       } else {
          throwRangeException( "outside of queue" );
       }
-      return true;
    }
 
    // Slots 0 onward get these bytes, as by put() one after the other, in one stroke. False, with
