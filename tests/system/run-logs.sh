@@ -75,7 +75,7 @@ PYTHON
 # shellcheck disable=SC2016
 ip netns exec right unshare --mount bash -c 'mount -t tmpfs none /dev
    python3 "$0/syslog.py" > "$0/syslog" 2>&1 < "$0/run.toml" & log=$!
-   until grep -q bound "$0/syslog"; do sleep 0.05; done
+   until grep -qs bound "$0/syslog"; do sleep 0.05; done
    "$@"
    kill $log' "$work" "$MRP" run --log syslog --application mvrp --socket none "${long[@]}" eth0 \
    > "$work/right.out" 2> "$work/right.err" &
