@@ -1,7 +1,6 @@
 // A mirror at the end of a stream: whenever the stream is idle it equals the original, whatever has
 // happened on the way.
 #include "tests/support/MirrorLine.h"
-#include "tests/support/Participant.h"
 #include "tests/support/Random.h"
 
 #include <gmock/gmock.h>
@@ -107,33 +106,6 @@ TEST( Mirror, equalsTheOriginalWheneverTheStreamIsIdle ) {
       line.output().doFlowOut();
       line.moveAll();
       ASSERT_EQ( textOf( line.mirror() ), original.text() ) << "seed " << seed;
-   }
-}
-
-// The engine itself, at a pace of its own.
-TEST( Mirror, followsAParticipant ) {
-   for ( U64 seed = 1; seed <= 5; ++seed ) {
-      Random random( seed );
-      Participant msrp( MSRP, { "Ethernet1", "Ethernet2" } );
-      AttrLogMounts mounts;
-      mounts.statusIs( &msrp.status() );
-      mounts.configIs( &msrp.config() );
-      mounts.countersIs( msrp.sm().mrpCounters() );
-      mounts.parseContextIs( msrp.sm().parseContext() );
-      MirrorLine line( mounts, 2000 );
-      for ( int step = 0; step < 200; ++step ) {
-         std::string const interface = random.below( 2 ) ? "Ethernet1" : "Ethernet2";
-         msrp.declare( interface, talker( random.below( 20 ) ), random.below( 6 ) );
-         msrp.declare( interface, Domain{ static_cast< U8 >( random.below( 7 ) ), 3, 2 },
-                       random.below( 6 ) );
-         msrp.advanceBy( random.below( 30 ) / 100.0 );
-         line.move( random.below( 2000 ) );
-      }
-      line.moveAll();
-      EXPECT_EQ( treeText( line.mirror().status() ), treeText( msrp.status() ) );
-      EXPECT_EQ( treeText( line.mirror().counters() ), treeText( msrp.counters() ) );
-      EXPECT_EQ( treeText( line.mirror().parseContext() ), treeText( *msrp.sm().parseContext() ) );
-      EXPECT_GT( line.moved(), 10'000u );
    }
 }
 

@@ -5,7 +5,6 @@
 #include "mrp/platform/linux/AttrLogServer.h"
 #include "mrp/platform/linux/RealActivity.h"
 
-#include "tests/support/Random.h"
 #include "tests/support/TreeText.h"
 
 #include <gmock/gmock.h>
@@ -86,47 +85,6 @@ TEST_P( Sockets, bringEveryObserverUpToDate ) {
    ASSERT_TRUE( scene.runUntil( [&] { return Scene::text( two.mirror ) == scene.text(); } ) );
    EXPECT_EQ( Scene::text( one.mirror ), scene.text() );
    EXPECT_EQ( scene.server->observers(), 2u );
-}
-
-// Slow, stalling and dying observers while the tree changes: in the end all are equal.
-TEST_P( Sockets, keepEachObserverAtItsOwnPace ) {
-   AttrLogServer::Options options;
-   options.bound = 4000;
-   options.sendBuffer = 4000;
-   for ( U64 seed = 1; seed <= 5; ++seed ) {
-      Random random( seed );
-      Scene scene( address(), options );
-      std::vector< std::unique_ptr< Observer > > observers( 3 );
-      for ( int step = 0; step < 150; ++step ) {
-         for ( int i = 0; i < 40; ++i ) {
-            U64 const vlan = random.below( 500 );
-            if ( random.below( 3 ) == 0 ) {
-               scene.vlans().mrpAttributeDel( vlan );
-            } else {
-               scene.vlans().mrpAttributeIs( vlan )->applicantStateIs(
-                  static_cast< Mrp::MrpApplicantState >( random.below( 12 ) ) );
-            }
-         }
-         auto & observer = observers[random.below( observers.size() )];
-         if ( !observer ) {
-            observer = std::make_unique< Observer >( scene );
-         } else if ( random.below( 8 ) == 0 ) {
-            observer = nullptr;
-         } else {
-            observer->connection.readingIs( random.below( 2 ) == 0 );
-         }
-         scene.activity.runFor( 0 );
-      }
-      for ( auto & observer : observers ) {
-         if ( observer ) {
-            observer->connection.readingIs( true );
-            EXPECT_TRUE(
-               scene.runUntil( [&] { return Scene::text( observer->mirror ) == scene.text(); } ) )
-               << "seed " << seed;
-            EXPECT_LE( observer->connection.streams(), 1u ) << observer->connection.lastError();
-         }
-      }
-   }
 }
 
 // The process stands in for the engine: it changes ten thousand times while nobody reads, and what

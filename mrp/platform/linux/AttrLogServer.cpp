@@ -11,8 +11,9 @@ namespace Linux {
 namespace {
 
 // So much is handed to the kernel at once, from within a notification: a commit of thousands of
-// attributes then sees the socket fill while it goes on.
-constexpr std::size_t chunk = 16 * 1024;
+// attributes then sees the socket fill while it goes on. A Unix-domain socket needs this too, since
+// it wakes nobody before three quarters of it are empty, and would never become half full.
+constexpr std::size_t largestChunk = 16 * 1024;
 
 constexpr Seconds retryDelay = 1;
 
@@ -31,6 +32,7 @@ class AttrLogServer::Observer : public Korv::NboAttrLog::Output {
  public:
    Observer( AttrLogServer & server, Descriptor socket )
       : Output( server.options_.bound ), server_( server ), socket_( std::move( socket ) ),
+        chunk_( std::min( server.options_.bound / 2, largestChunk ) ), nextSend_( chunk_ ),
         halfBuffer_( sendBufferBytes( socket_ ) / 2 ), takenAt_( server.now() ) {
       watch_.emplace( server.activity_, fd(), DescriptorWatch::reading,
                       [this]( Korv::U32 ready ) { server_.handleObserver( *this, ready ); } );
@@ -64,6 +66,7 @@ class AttrLogServer::Observer : public Korv::NboAttrLog::Output {
          }
          frontDel( static_cast< std::size_t >( sent ) );
       }
+      nextSend_ = bytes() + chunk_;
       unsent_ = unsentBytes( socket_ );
       awaitRoom();
    }
@@ -116,7 +119,7 @@ class AttrLogServer::Observer : public Korv::NboAttrLog::Output {
 
  protected:
    void handleBytes() override {
-      if ( bytes() >= chunk && !broken_ ) {
+      if ( bytes() >= nextSend_ && !broken_ ) {
          send();
       } else {
          awaitRoom();
@@ -130,6 +133,8 @@ class AttrLogServer::Observer : public Korv::NboAttrLog::Output {
    AttrLogServer & server_;
    Descriptor socket_;
    std::optional< DescriptorWatch > watch_;
+   std::size_t chunk_;
+   std::size_t nextSend_; // when so much waits, from within a notification
    Korv::S32 halfBuffer_;
    Korv::S32 unsent_ = 0; // when last looked at, in the kernel
    Seconds takenAt_;      // the last time that it took something, or nothing waited
