@@ -132,6 +132,27 @@ TEST_P( Sockets, areFoundAgain ) {
    EXPECT_EQ( observer.connection.streams(), 2u );
 }
 
+// Tens of thousands of adapters go with an observer, but the engine must not wait for that.
+TEST_P( Sockets, dropAdaptersInPieces ) {
+   Scene scene( address() );
+   for ( U64 key = 1; key <= 12'000; ++key ) {
+      scene.vlans().mrpAttributeIs( key );
+   }
+   auto const * const last = scene.vlans().mrpAttribute( 12'000 );
+   auto observer = std::make_unique< Observer >( scene );
+   ASSERT_TRUE( scene.runUntil( [&] { return last->isWatched() && scene.server->idle(); } ) );
+   observer = nullptr;
+   while ( scene.server->observers() > 0 ) {
+      scene.activity.runFor( 0 );
+   }
+   EXPECT_TRUE( last->isWatched() );
+   scene.vlans().mrpAttributeDel( 1 ); // nobody is told, and nothing is amiss
+   scene.vlans().mrpAttributeDel( 11'000 );
+   scene.vlans().mrpAttributeIs( 20'000 );
+   EXPECT_TRUE( scene.runUntil( [&] { return !last->isWatched(); } ) );
+   EXPECT_FALSE( scene.vlans().mrpAttribute( 20'000 )->isWatched() );
+}
+
 // Someone who talks is no observer.
 TEST_P( Sockets, endWithAnObserverThatSpeaks ) {
    Scene scene( address() );

@@ -128,8 +128,8 @@ class EntityAdapter : public Adapter, public E::Reactor {
    void deserialize( S16 attrId, ByteReader & in );
    template < std::size_t place, class Key >
    void deserializeChild( Key const & key, ByteReader & in );
-   template < std::size_t place, class Key, class Add >
-   void doAddMember( Key const & key, Add && add );
+   template < std::size_t place, class Key >
+   void doCountMember( Key const & key );
    template < std::size_t place, class Key >
    void doDelMember( Key const & key );
    template < std::size_t place >

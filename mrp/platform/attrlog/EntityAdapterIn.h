@@ -53,8 +53,8 @@ void EntityAdapter< E >::deserialize( S16 attrId, ByteReader & in ) {
          apply( attribute.number, attribute.mutator, key, in.template get< U8 >() );
       } else if constexpr ( T::kind == Kind::map ) {
          auto const value = in.template get< typename T::Value >();
-         doAddMember< place >( key,
-                               [&] { apply( attribute.number, attribute.mutator, key, value ); } );
+         doCountMember< place >( key );
+         apply( attribute.number, attribute.mutator, key, value );
          if ( flowIn_ && flowIn_->attrId == attribute.number ) {
             std::get< place >( flowIn_->parts ).brought.insert( key );
          }
@@ -73,24 +73,22 @@ void EntityAdapter< E >::deserializeChild( Key const & key, ByteReader & in ) {
    ByteReader orphan = input()->takeOrphan( child, T::Adapter::typeName() );
    in.checked( orphan.template get< Key >() == key, "a child under another key than its own" );
    orphan.expectEnd();
-   doAddMember< place >( key, [&] {
-      Handling const handling( *this, attribute.number );
-      auto * const member = ( entity()->*attribute.make )( key );
-      in.checked( member != nullptr, "a child that did not stay" );
-      auto made = std::make_unique< typename T::Adapter >( *member );
-      made->handleMounted( *input(), child );
-      std::get< place >( kept_ ).adapters[key] = std::move( made );
-   } );
+   doCountMember< place >( key );
+   Handling const handling( *this, attribute.number );
+   auto * const member = ( entity()->*attribute.make )( key );
+   in.checked( member != nullptr, "a child that did not stay" );
+   auto made = std::make_unique< typename T::Adapter >( *member );
+   made->handleMounted( *input(), child );
+   std::get< place >( kept_ ).adapters[key] = std::move( made );
 }
 
-// A member that is not there yet counts.
+// One that is not there yet, and is about to come.
 template < class E >
-template < std::size_t place, class Key, class Add >
-void EntityAdapter< E >::doAddMember( Key const & key, Add && add ) {
+template < std::size_t place, class Key >
+void EntityAdapter< E >::doCountMember( Key const & key ) {
    if ( !isMember( collection< place >(), key ) ) {
       input()->membersInc( 1 );
    }
-   add();
 }
 
 template < class E >
