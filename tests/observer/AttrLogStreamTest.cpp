@@ -128,7 +128,7 @@ TEST( AttrLog, mergesWhatChangesWhileThereIsNoRoom ) {
       vlan->applicantStateIs( static_cast< Mrp::MrpApplicantState >( state ) );
    }
    sender.entity->mrpAttributeDel( 11 );
-   for ( U64 const key : { 11, 12 } ) { // of which 11 alone is known
+   for ( U64 const key : { U64{ 11 }, U64{ 12 } } ) { // of which 11 alone is known
       sender.entity->mrpAttributeIs( key );
       sender.entity->mrpAttributeDel( key );
    }

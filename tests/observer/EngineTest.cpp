@@ -114,7 +114,7 @@ TEST_P( Engine, commitsNothingWhileItsObserverReadsNothing ) {
    EXPECT_EQ( mvrp.indications().size(), 3u );
    EXPECT_THAT( mvrp.said(), testing::Contains( testing::HasSubstr( "30 New" ) ) );
    mvrp.advanceBy( 3 );
-   for ( U64 const vlan : { 20, 21, 22, 30 } ) {
+   for ( U64 const vlan : { U64{ 20 }, U64{ 21 }, U64{ 22 }, U64{ 30 } } ) {
       EXPECT_TRUE( mvrp.attribute( et1, vlan )->pending ) << vlan;
       EXPECT_FALSE( scene.committed( vlan ) ) << vlan;
    }

@@ -183,5 +183,31 @@ TEST( Mirror, endsABrokenStreamInAnError ) {
    EXPECT_GT( errors, 1000u );
 }
 
+// Entities that are made known and never get a place.
+TEST( Mirror, hasAnEndToWhatItKeeps ) {
+   using namespace Korv::NboAttrLog;
+   Output output;
+   std::vector< U8 > const key( 200'000 );
+   for ( int i = 0; i < 400; ++i ) {
+      U64 const identifier = output.newIdentifier();
+      ByteWriter writer = output.nextHeaderIs( identifier, orphanAttr, plain );
+      writer.put( tokenBegin );
+      writer.put( sectionTypeName );
+      writer.put( U32{ 2 + 1 } );
+      writer.putText( "T" );
+      writer.put( sectionKey );
+      writer.put( static_cast< U32 >( key.size() ) );
+      writer.append( key.data(), key.size() );
+      writer.put( sectionIdentifier );
+      writer.put( U32{ 8 } );
+      writer.put( identifier );
+      writer.put( tokenEnd );
+      output.messageEnd();
+   }
+   auto const front = output.front();
+   EXPECT_EQ( errorOf( Bytes( front.begin(), front.begin() + 60'000'000 ) ), "" );
+   EXPECT_EQ( errorOf( Bytes( front.begin(), front.end() ) ), "too many entities without a place" );
+}
+
 } // namespace
 } // namespace TestSupport

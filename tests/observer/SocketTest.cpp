@@ -37,6 +37,10 @@ struct Scene {
    static std::string text( MrpObserver::Mirror const & mirror ) {
       return treeText( mirror.status() ) + treeText( mirror.config() );
    }
+   template < class Observer >
+   bool isMirrored( Observer const & by ) const {
+      return server->idle() && text( by.mirror ) == text();
+   }
    // Until it holds, for at most five seconds.
    template < class Condition >
    bool runUntil( Condition && condition ) {
@@ -79,11 +83,11 @@ TEST_P( Sockets, bringEveryObserverUpToDate ) {
       scene.vlans().mrpAttributeIs( vlan )->attributeValueEnq( 1 );
    }
    Observer one( scene );
-   ASSERT_TRUE( scene.runUntil( [&] { return Scene::text( one.mirror ) == scene.text(); } ) );
+   ASSERT_TRUE( scene.runUntil( [&] { return scene.isMirrored( one ); } ) );
    Observer two( scene );
    scene.vlans().mrpAttributeDel( 17 );
-   ASSERT_TRUE( scene.runUntil( [&] { return Scene::text( two.mirror ) == scene.text(); } ) );
-   EXPECT_EQ( Scene::text( one.mirror ), scene.text() );
+   EXPECT_TRUE( scene.runUntil( [&] { return scene.isMirrored( two ); } ) );
+   EXPECT_TRUE( scene.runUntil( [&] { return scene.isMirrored( one ); } ) );
    EXPECT_EQ( scene.server->observers(), 2u );
 }
 
@@ -96,7 +100,7 @@ TEST_P( Sockets, sendTheLastOfManyChangesToOneThatStalled ) {
    Scene scene( address(), options );
    scene.vlans().mrpAttributeIs( 1 );
    Observer observer( scene );
-   ASSERT_TRUE( scene.runUntil( [&] { return Scene::text( observer.mirror ) == scene.text(); } ) );
+   ASSERT_TRUE( scene.runUntil( [&] { return scene.isMirrored( observer ); } ) );
    observer.connection.readingIs( false );
    auto const sm = Korv::newValidPtr< Mrp::MrpAttrLogSm >( scene.server->socketOutSm() );
    ASSERT_GE( sm->attrLogSockFd(), 0 );
@@ -111,7 +115,7 @@ TEST_P( Sockets, sendTheLastOfManyChangesToOneThatStalled ) {
    }
    EXPECT_TRUE( sm->isAttrLogOutClogged() );
    observer.connection.readingIs( true );
-   ASSERT_TRUE( scene.runUntil( [&] { return Scene::text( observer.mirror ) == scene.text(); } ) );
+   ASSERT_TRUE( scene.runUntil( [&] { return scene.isMirrored( observer ); } ) );
    EXPECT_FALSE( sm->isAttrLogOutClogged() );
    EXPECT_LT( observer.mirror.messages() - before, 200'000u );
    EXPECT_EQ( observer.connection.streams(), 1u );
@@ -127,8 +131,7 @@ TEST_P( Sockets, areFoundAgain ) {
    ASSERT_TRUE( scene->runUntil( [&] { return !observer.connection.connected(); } ) );
    scene->server.emplace( scene->activity, at,
                           [&]( auto & output ) { return scene->mounts.mount( output ); } );
-   ASSERT_TRUE(
-      scene->runUntil( [&] { return Scene::text( observer.mirror ) == scene->text(); } ) );
+   ASSERT_TRUE( scene->runUntil( [&] { return scene->isMirrored( observer ); } ) );
    EXPECT_EQ( observer.connection.streams(), 2u );
 }
 
