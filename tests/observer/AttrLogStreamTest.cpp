@@ -170,6 +170,27 @@ TEST( AttrLog, goesOnWithAResyncWhereItWas ) {
                 ElementsAre( "1 261 marker 2", "1 -261: 00 02 65 31", "1 -261: 00 02 65 34" ) );
 }
 
+TEST( AttrLog, beginsAValueAnewWhenItsSpanHasChanged ) {
+   auto const vlan = Mrp::MrpAttrDatabaseIs( 10 );
+   for ( U8 byte = 1; byte <= 4; ++byte ) {
+      vlan->attributeValueEnq( byte );
+   }
+   Sender sender( vlan, 1 );
+   std::vector< std::string > all;
+   while ( !sender.output.idle() ) {
+      for ( auto const & line : step( sender.output ) ) {
+         if ( line == "1 262: 01 02" && vlan->attributeValue().count() == 4 ) {
+            vlan->attributeValueDeq(); // slot 3 is next
+         }
+         all.push_back( line );
+      }
+   }
+   EXPECT_THAT( std::vector( all.begin() + 3, all.end() ),
+                ElementsAre( "1 261: 00 04", "1 262 marker 0", "1 262: 00 01", "1 262: 01 02",
+                             "1 262: 02 03", "1 261: 01 03", "1 262: 01 02", "1 262: 02 03",
+                             "1 262: 03 04", "1 262 marker 2", "1 -262: 00" ) );
+}
+
 TEST( AttrLog, saysNothingWhileSuspendedAndEverythingAfterwards ) {
    Sender sender( vlansOf( { 10 } ) );
    sender.said();
