@@ -5,14 +5,13 @@
 #include "mrp/platform/linux/AttrLogServer.h"
 #include "mrp/platform/linux/RealActivity.h"
 
+#include "tests/observer/SocketForms.h"
 #include "tests/support/TreeText.h"
 
 #include <gmock/gmock.h>
 
-#include <filesystem>
 #include <memory>
 #include <sys/socket.h>
-#include <unistd.h>
 
 namespace TestSupport {
 namespace {
@@ -64,18 +63,7 @@ struct Observer {
    MrpObserver::Connection connection;
 };
 
-class Sockets : public testing::TestWithParam< char const * > {
- protected:
-   // Both forms, and nothing left behind.
-   std::string address() const {
-      std::string const form = GetParam();
-      return form == "unix" ? "unix:" + path_ : "tcp:0";
-   }
-   ~Sockets() override { std::filesystem::remove( path_ ); }
-
- private:
-   std::string path_ = testing::TempDir() + "mrp-mirror-" + std::to_string( ::getpid() );
-};
+using Sockets = SocketForms;
 
 TEST_P( Sockets, bringEveryObserverUpToDate ) {
    Scene scene( address() );
@@ -165,8 +153,7 @@ TEST_P( Sockets, endWithAnObserverThatSpeaks ) {
    EXPECT_TRUE( scene.runUntil( [&] { return scene.server->observers() == 0; } ) );
 }
 
-INSTANTIATE_TEST_SUITE_P(, Sockets, testing::Values( "unix", "tcp" ),
-                         []( auto const & of ) { return std::string( of.param ); } );
+INSTANTIATE_TEST_SUITE_P(, Sockets, socketForms(), socketFormName );
 
 } // namespace
 } // namespace TestSupport
