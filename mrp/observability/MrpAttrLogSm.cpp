@@ -74,8 +74,8 @@ bool MrpAttrLogSm::isAttrLogOutClogged() {
    if ( usage_ <= threshold_ ) {
       return false;
    }
-   trace( 3, "Tx Buffer usage: ", usage_, " is above threshold: ", threshold_ );
    Sornlog::log( Ring::txBufferAboveThreshold, usage_, threshold_ );
+   trace( 3, "Tx Buffer usage: ", usage_, " is above threshold: ", threshold_ );
    return true;
 }
 

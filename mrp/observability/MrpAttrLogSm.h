@@ -26,6 +26,9 @@ class MrpAttrLogSm : public Korv::PtrInterface {
    // The unsent bytes in the send queue; negative if that is not known.
    Korv::S32 getAttrLogKernTxBufferUsage() const;
 
+   Korv::Ptr< Korv::NboAttrLog::SocketOutSm > const & nboAttrLogOutSm() const {
+      return nboAttrLogOutSm_;
+   }
    Korv::S32 attrLogSockFd() const { return attrLogSockFd_; }
    void attrLogSockFdIs( Korv::S32 fd );
    // Reads the size of the socket's send buffer.

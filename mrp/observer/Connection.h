@@ -38,7 +38,7 @@ class Connection {
    class Retry : public Korv::Clock::Reactor {
     public:
       explicit Retry( Connection & connection )
-         : Reactor( Korv::activityManager().clock(), Korv::Clock::Rank::outside ),
+         : Reactor( connection.activity_.clock(), Korv::Clock::Rank::outside ),
            connection_( connection ) {}
       void onTime() override { connection_.connect(); }
 

@@ -22,7 +22,7 @@ void Mirror::streamBegins() {
 void Mirror::handleBytes( std::span< Korv::U8 const > bytes ) {
    try {
       input_->handleBytes( bytes );
-   } catch ( StreamError const & ) {
+   } catch ( ... ) {
       streamEnds();
       throw;
    }

@@ -2,9 +2,9 @@
 // transport.
 //
 //    MrpObserver::Mirror mirror;
-//    mirror.status()  ...config(), counters(), parseContext()   entities with reactors, as
-//    everywhere mirror.streamBegins();             a connection stands mirror.handleBytes( bytes );
-//    what it delivers; throws a StreamError when it is broken
+//    mirror.streamBegins();           when a connection stands
+//    mirror.handleBytes( bytes );     what it delivers, in pieces of any size
+//    mirror.status()                  and config(), counters(), parseContext(): entities to watch
 //
 // The entities live as long as the mirror, from stream to stream: a new stream brings them up to
 // date and deletes what it does not bring, so that a watcher hears of what has changed and of
@@ -42,8 +42,8 @@ class Mirror {
    void streamBegins();
    void streamEnds() { input_ = nullptr; }
    bool hasStream() const { return input_ != nullptr; }
-   // Throws a StreamError when the stream is broken or hostile, and has then ended it. Not called
-   // from a watcher.
+   // Throws a StreamError when the stream is broken or hostile. Whatever is thrown, by a watcher
+   // too, has ended the stream. Not called from a watcher.
    void handleBytes( std::span< Korv::U8 const > bytes );
    // Of the stream at hand.
    Korv::U64 messages() const { return input_ ? input_->messages() : 0; }

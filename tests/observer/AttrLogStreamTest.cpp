@@ -128,12 +128,14 @@ TEST( AttrLog, mergesWhatChangesWhileThereIsNoRoom ) {
       vlan->applicantStateIs( static_cast< Mrp::MrpApplicantState >( state ) );
    }
    sender.entity->mrpAttributeDel( 11 );
-   sender.entity->mrpAttributeIs( 12 );
-   sender.entity->mrpAttributeDel( 12 );
+   for ( U64 const key : { U64{ 11 }, U64{ 12 } } ) { // of which 11 alone is known
+      sender.entity->mrpAttributeIs( key );
+      sender.entity->mrpAttributeDel( key );
+   }
    sender.takeFilling();
    sender.output.doFlowOut();
-   EXPECT_THAT( sender.said(), ElementsAre( "2 259: 00 00 00 0a", "1 -259: 00 00 00 00 00 00 00 0b",
-                                            "1 -259: 00 00 00 00 00 00 00 0c" ) );
+   EXPECT_THAT( sender.said(),
+                ElementsAre( "2 259: 00 00 00 0a", "1 -259: 00 00 00 00 00 00 00 0b" ) );
    // All is as before: no flow is left.
    vlan->applicantStateIs( Mrp::mrpVeryAnxiousObserver );
    EXPECT_THAT( sender.said(), ElementsAre( "2 259: 00 00 00 00" ) );
@@ -166,6 +168,27 @@ TEST( AttrLog, goesOnWithAResyncWhereItWas ) {
    // What had gone meanwhile, in the order of the keys.
    EXPECT_THAT( std::vector( all.begin() + 5, all.end() ),
                 ElementsAre( "1 261 marker 2", "1 -261: 00 02 65 31", "1 -261: 00 02 65 34" ) );
+}
+
+TEST( AttrLog, beginsAValueAnewWhenItsSpanHasChanged ) {
+   auto const vlan = Mrp::MrpAttrDatabaseIs( 10 );
+   for ( U8 byte = 1; byte <= 4; ++byte ) {
+      vlan->attributeValueEnq( byte );
+   }
+   Sender sender( vlan, 1 );
+   std::vector< std::string > all;
+   while ( !sender.output.idle() ) {
+      for ( auto const & line : step( sender.output ) ) {
+         if ( line == "1 262: 01 02" && vlan->attributeValue().count() == 4 ) {
+            vlan->attributeValueDeq(); // slot 3 is next
+         }
+         all.push_back( line );
+      }
+   }
+   EXPECT_THAT( std::vector( all.begin() + 3, all.end() ),
+                ElementsAre( "1 261: 00 04", "1 262 marker 0", "1 262: 00 01", "1 262: 01 02",
+                             "1 262: 02 03", "1 261: 01 03", "1 262: 01 02", "1 262: 02 03",
+                             "1 262: 03 04", "1 262 marker 2", "1 -262: 00" ) );
 }
 
 TEST( AttrLog, saysNothingWhileSuspendedAndEverythingAfterwards ) {

@@ -1,7 +1,6 @@
 // A mirror at the end of a stream: whenever the stream is idle it equals the original, whatever has
 // happened on the way.
 #include "tests/support/MirrorLine.h"
-#include "tests/support/Participant.h"
 #include "tests/support/Random.h"
 
 #include <gmock/gmock.h>
@@ -110,33 +109,6 @@ TEST( Mirror, equalsTheOriginalWheneverTheStreamIsIdle ) {
    }
 }
 
-// The engine itself, at a pace of its own.
-TEST( Mirror, followsAParticipant ) {
-   for ( U64 seed = 1; seed <= 5; ++seed ) {
-      Random random( seed );
-      Participant msrp( MSRP, { "Ethernet1", "Ethernet2" } );
-      AttrLogMounts mounts;
-      mounts.statusIs( &msrp.status() );
-      mounts.configIs( &msrp.config() );
-      mounts.countersIs( msrp.sm().mrpCounters() );
-      mounts.parseContextIs( msrp.sm().parseContext() );
-      MirrorLine line( mounts, 2000 );
-      for ( int step = 0; step < 200; ++step ) {
-         std::string const interface = random.below( 2 ) ? "Ethernet1" : "Ethernet2";
-         msrp.declare( interface, talker( random.below( 20 ) ), random.below( 6 ) );
-         msrp.declare( interface, Domain{ static_cast< U8 >( random.below( 7 ) ), 3, 2 },
-                       random.below( 6 ) );
-         msrp.advanceBy( random.below( 30 ) / 100.0 );
-         line.move( random.below( 2000 ) );
-      }
-      line.moveAll();
-      EXPECT_EQ( treeText( line.mirror().status() ), treeText( msrp.status() ) );
-      EXPECT_EQ( treeText( line.mirror().counters() ), treeText( msrp.counters() ) );
-      EXPECT_EQ( treeText( line.mirror().parseContext() ), treeText( *msrp.sm().parseContext() ) );
-      EXPECT_GT( line.moved(), 10'000u );
-   }
-}
-
 struct Watcher : MrpAttrDatabase::Reactor {
    void onApplicantState() override { ++changes; }
    int changes = 0;
@@ -209,6 +181,32 @@ TEST( Mirror, endsABrokenStreamInAnError ) {
       errors += errorOf( broken ).empty() ? 0 : 1;
    }
    EXPECT_GT( errors, 1000u );
+}
+
+// Entities that are made known and never get a place.
+TEST( Mirror, hasAnEndToWhatItKeeps ) {
+   using namespace Korv::NboAttrLog;
+   Output output;
+   std::vector< U8 > const key( 200'000 );
+   for ( int i = 0; i < 400; ++i ) {
+      U64 const identifier = output.newIdentifier();
+      ByteWriter writer = output.nextHeaderIs( identifier, orphanAttr, plain );
+      writer.put( tokenBegin );
+      writer.put( sectionTypeName );
+      writer.put( U32{ 2 + 1 } );
+      writer.putText( "T" );
+      writer.put( sectionKey );
+      writer.put( static_cast< U32 >( key.size() ) );
+      writer.append( key.data(), key.size() );
+      writer.put( sectionIdentifier );
+      writer.put( U32{ 8 } );
+      writer.put( identifier );
+      writer.put( tokenEnd );
+      output.messageEnd();
+   }
+   auto const front = output.front();
+   EXPECT_EQ( errorOf( Bytes( front.begin(), front.begin() + 60'000'000 ) ), "" );
+   EXPECT_EQ( errorOf( Bytes( front.begin(), front.end() ) ), "too many entities without a place" );
 }
 
 } // namespace

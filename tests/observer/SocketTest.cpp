@@ -5,15 +5,13 @@
 #include "mrp/platform/linux/AttrLogServer.h"
 #include "mrp/platform/linux/RealActivity.h"
 
-#include "tests/support/Random.h"
+#include "tests/observer/SocketForms.h"
 #include "tests/support/TreeText.h"
 
 #include <gmock/gmock.h>
 
-#include <filesystem>
 #include <memory>
 #include <sys/socket.h>
-#include <unistd.h>
 
 namespace TestSupport {
 namespace {
@@ -38,6 +36,10 @@ struct Scene {
    static std::string text( MrpObserver::Mirror const & mirror ) {
       return treeText( mirror.status() ) + treeText( mirror.config() );
    }
+   template < class Observer >
+   bool isMirrored( Observer const & by ) const {
+      return server->idle() && text( by.mirror ) == text();
+   }
    // Until it holds, for at most five seconds.
    template < class Condition >
    bool runUntil( Condition && condition ) {
@@ -61,18 +63,7 @@ struct Observer {
    MrpObserver::Connection connection;
 };
 
-class Sockets : public testing::TestWithParam< char const * > {
- protected:
-   // Both forms, and nothing left behind.
-   std::string address() const {
-      std::string const form = GetParam();
-      return form == "unix" ? "unix:" + path_ : "tcp:0";
-   }
-   ~Sockets() override { std::filesystem::remove( path_ ); }
-
- private:
-   std::string path_ = testing::TempDir() + "mrp-mirror-" + std::to_string( ::getpid() );
-};
+using Sockets = SocketForms;
 
 TEST_P( Sockets, bringEveryObserverUpToDate ) {
    Scene scene( address() );
@@ -80,53 +71,12 @@ TEST_P( Sockets, bringEveryObserverUpToDate ) {
       scene.vlans().mrpAttributeIs( vlan )->attributeValueEnq( 1 );
    }
    Observer one( scene );
-   ASSERT_TRUE( scene.runUntil( [&] { return Scene::text( one.mirror ) == scene.text(); } ) );
+   ASSERT_TRUE( scene.runUntil( [&] { return scene.isMirrored( one ); } ) );
    Observer two( scene );
    scene.vlans().mrpAttributeDel( 17 );
-   ASSERT_TRUE( scene.runUntil( [&] { return Scene::text( two.mirror ) == scene.text(); } ) );
-   EXPECT_EQ( Scene::text( one.mirror ), scene.text() );
+   EXPECT_TRUE( scene.runUntil( [&] { return scene.isMirrored( two ); } ) );
+   EXPECT_TRUE( scene.runUntil( [&] { return scene.isMirrored( one ); } ) );
    EXPECT_EQ( scene.server->observers(), 2u );
-}
-
-// Slow, stalling and dying observers while the tree changes: in the end all are equal.
-TEST_P( Sockets, keepEachObserverAtItsOwnPace ) {
-   AttrLogServer::Options options;
-   options.bound = 4000;
-   options.sendBuffer = 4000;
-   for ( U64 seed = 1; seed <= 5; ++seed ) {
-      Random random( seed );
-      Scene scene( address(), options );
-      std::vector< std::unique_ptr< Observer > > observers( 3 );
-      for ( int step = 0; step < 150; ++step ) {
-         for ( int i = 0; i < 40; ++i ) {
-            U64 const vlan = random.below( 500 );
-            if ( random.below( 3 ) == 0 ) {
-               scene.vlans().mrpAttributeDel( vlan );
-            } else {
-               scene.vlans().mrpAttributeIs( vlan )->applicantStateIs(
-                  static_cast< Mrp::MrpApplicantState >( random.below( 12 ) ) );
-            }
-         }
-         auto & observer = observers[random.below( observers.size() )];
-         if ( !observer ) {
-            observer = std::make_unique< Observer >( scene );
-         } else if ( random.below( 8 ) == 0 ) {
-            observer = nullptr;
-         } else {
-            observer->connection.readingIs( random.below( 2 ) == 0 );
-         }
-         scene.activity.runFor( 0 );
-      }
-      for ( auto & observer : observers ) {
-         if ( observer ) {
-            observer->connection.readingIs( true );
-            EXPECT_TRUE(
-               scene.runUntil( [&] { return Scene::text( observer->mirror ) == scene.text(); } ) )
-               << "seed " << seed;
-            EXPECT_LE( observer->connection.streams(), 1u ) << observer->connection.lastError();
-         }
-      }
-   }
 }
 
 // The process stands in for the engine: it changes ten thousand times while nobody reads, and what
@@ -138,7 +88,7 @@ TEST_P( Sockets, sendTheLastOfManyChangesToOneThatStalled ) {
    Scene scene( address(), options );
    scene.vlans().mrpAttributeIs( 1 );
    Observer observer( scene );
-   ASSERT_TRUE( scene.runUntil( [&] { return Scene::text( observer.mirror ) == scene.text(); } ) );
+   ASSERT_TRUE( scene.runUntil( [&] { return scene.isMirrored( observer ); } ) );
    observer.connection.readingIs( false );
    auto const sm = Korv::newValidPtr< Mrp::MrpAttrLogSm >( scene.server->socketOutSm() );
    ASSERT_GE( sm->attrLogSockFd(), 0 );
@@ -153,7 +103,7 @@ TEST_P( Sockets, sendTheLastOfManyChangesToOneThatStalled ) {
    }
    EXPECT_TRUE( sm->isAttrLogOutClogged() );
    observer.connection.readingIs( true );
-   ASSERT_TRUE( scene.runUntil( [&] { return Scene::text( observer.mirror ) == scene.text(); } ) );
+   ASSERT_TRUE( scene.runUntil( [&] { return scene.isMirrored( observer ); } ) );
    EXPECT_FALSE( sm->isAttrLogOutClogged() );
    EXPECT_LT( observer.mirror.messages() - before, 200'000u );
    EXPECT_EQ( observer.connection.streams(), 1u );
@@ -169,9 +119,29 @@ TEST_P( Sockets, areFoundAgain ) {
    ASSERT_TRUE( scene->runUntil( [&] { return !observer.connection.connected(); } ) );
    scene->server.emplace( scene->activity, at,
                           [&]( auto & output ) { return scene->mounts.mount( output ); } );
-   ASSERT_TRUE(
-      scene->runUntil( [&] { return Scene::text( observer.mirror ) == scene->text(); } ) );
+   ASSERT_TRUE( scene->runUntil( [&] { return scene->isMirrored( observer ); } ) );
    EXPECT_EQ( observer.connection.streams(), 2u );
+}
+
+// Tens of thousands of adapters go with an observer, but the engine must not wait for that.
+TEST_P( Sockets, dropAdaptersInPieces ) {
+   Scene scene( address() );
+   for ( U64 key = 1; key <= 12'000; ++key ) {
+      scene.vlans().mrpAttributeIs( key );
+   }
+   auto const * const last = scene.vlans().mrpAttribute( 12'000 );
+   auto observer = std::make_unique< Observer >( scene );
+   ASSERT_TRUE( scene.runUntil( [&] { return last->isWatched() && scene.server->idle(); } ) );
+   observer = nullptr;
+   while ( scene.server->observers() > 0 ) {
+      scene.activity.runFor( 0 );
+   }
+   EXPECT_TRUE( last->isWatched() );
+   scene.vlans().mrpAttributeDel( 1 ); // nobody is told, and nothing is amiss
+   scene.vlans().mrpAttributeDel( 11'000 );
+   scene.vlans().mrpAttributeIs( 20'000 );
+   EXPECT_TRUE( scene.runUntil( [&] { return !last->isWatched(); } ) );
+   EXPECT_FALSE( scene.vlans().mrpAttribute( 20'000 )->isWatched() );
 }
 
 // Someone who talks is no observer.
@@ -183,8 +153,7 @@ TEST_P( Sockets, endWithAnObserverThatSpeaks ) {
    EXPECT_TRUE( scene.runUntil( [&] { return scene.server->observers() == 0; } ) );
 }
 
-INSTANTIATE_TEST_SUITE_P(, Sockets, testing::Values( "unix", "tcp" ),
-                         []( auto const & of ) { return std::string( of.param ); } );
+INSTANTIATE_TEST_SUITE_P(, Sockets, socketForms(), socketFormName );
 
 } // namespace
 } // namespace TestSupport

@@ -15,7 +15,8 @@ Adapter::~Adapter() {
 void Adapter::doRemountSelf( Output * output ) {
    freeResyncState();
    suspended_ = false;
-   doDropChildren();
+   std::size_t limit = noLimit;
+   doDropChildren( limit );
    output_ = nullptr;
    if ( output ) {
       doStart( output, 0, 0 );
@@ -53,7 +54,7 @@ void Adapter::flowOutIs( U16 attrId ) {
    if ( !flowOut_ ) {
       flowOut_ = createFlowOut();
       flowOut_->attrIdIs( attrId );
-      syncMode_ = SyncMode::synchronising;
+      syncModeIs( SyncMode::synchronising );
    } else {
       flowOut_->attrIdIs( std::min( flowOut_->attrId, attrId ) );
    }
@@ -76,7 +77,7 @@ void Adapter::freeResyncState() {
    if ( flowOut_ ) {
       flowQueuedIs( false );
       flowOut_ = nullptr;
-      syncMode_ = SyncMode::direct;
+      syncModeIs( SyncMode::direct );
    }
 }
 
@@ -89,17 +90,16 @@ void Adapter::doResumeFlowOut() {
    }
 }
 
-Adapter::Way Adapter::wayOut( U16 attrId, char const * name, bool settled ) {
-   if ( suspended_ || handlingFlowInFor( attrId ) || !output_ ) {
+Adapter::Way Adapter::wayOut( U16 attrId, char const * name ) {
+   if ( suspended_ || handlingFlowInFor( attrId ) || !output_ || output_->failed() ) {
       return Way::stop;
    }
    if ( output_->readOnly() && !output_->convertedToWritable() ) {
       doThrowReadOnly( name );
    }
    bool const room = output_->hasSufficientBuffer();
-   bool const write = syncMode_ == SyncMode::direct
-                         ? room || forced_
-                         : prepareImmediateTransmission( settled, !room );
+   bool const write = syncMode_ == SyncMode::direct ? room || forced_
+                                                    : prepareImmediateTransmission( attrId, !room );
    return write ? Way::write : Way::mark;
 }
 

@@ -24,6 +24,7 @@ class Input;
 class Adapter {
  public:
    enum class SyncMode : U8 { direct, synchronising };
+   static constexpr std::size_t noLimit = ~std::size_t{ 0 };
 
    Adapter() = default;
    Adapter( Adapter const & ) = delete;
@@ -41,12 +42,16 @@ class Adapter {
    void handleAttached( Output * output, U64 parent, U16 parentAttrId ) {
       doStart( output, parent, parentAttrId );
    }
+   // Drops adapters below this one, at most so many; what is left of the limit says whether that
+   // was all.
+   virtual void doDropChildren( std::size_t & limit ) = 0;
    // Suspended, it hears nothing; afterwards everything is sent anew.
    bool suspended() const { return suspended_; }
    void suspendedIs( bool suspended );
    // Writes also past the output's bound.
    bool forced() const { return forced_; }
    void forcedIs( bool forced ) { forced_ = forced; }
+   // Synchronising: something is pending, or at the receiving end a collection is under way.
    SyncMode syncMode() const { return syncMode_; }
 
    // Called by the output when there is room: goes on where it was.
@@ -56,8 +61,10 @@ class Adapter {
    // Applies a message or a marker; throws a StreamError for one that makes no sense.
    virtual void handleAttrDeserialization( S16 attrId, ByteReader & in ) = 0;
    virtual void handleAttrTransaction( U16 attrId, Marker marker ) = 0;
-   // A message about this attribute is being applied.
-   bool handlingFlowInFor( U16 attrId ) const { return handling_ == attrId; }
+   // What has been received about this attribute is being applied.
+   bool handlingFlowInFor( U16 attrId ) const {
+      return handling_ == attrId || handlingTransaction_ == attrId;
+   }
 
  protected:
    // What has still to be sent. The marks of the attributes are added by EntityAdapter.
@@ -74,20 +81,18 @@ class Adapter {
    };
    enum class Way : U8 { stop, write, mark };
 
-   // What becomes of a change of an attribute: `settled` says that nothing is pending for it that
-   // has to go first.
-   Way wayOut( U16 attrId, char const * name, bool settled );
-   bool prepareImmediateTransmission( bool settled, bool noBuffer ) const {
-      return settled && !noBuffer;
-   }
+   // What becomes of a change of an attribute.
+   Way wayOut( U16 attrId, char const * name );
+   // While something is pending: whether the attribute may go ahead of it.
+   virtual bool prepareImmediateTransmission( U16 attrId, bool noBuffer ) const = 0;
    [[noreturn]] static void doThrowReadOnly( char const * attribute );
+   void syncModeIs( SyncMode mode ) { syncMode_ = mode; }
 
    FlowOut * flowOut() const { return flowOut_.get(); }
    // There is one from now on, resuming at the attribute or before it.
    void flowOutIs( U16 attrId );
    void flowQueuedIs( bool queued );
    void freeResyncState();
-   // The root's or the new child's first words.
    void doStart( Output * output, U64 parent, U16 parentAttrId );
 
    virtual std::unique_ptr< FlowOut > createFlowOut() const = 0;
@@ -98,8 +103,7 @@ class Adapter {
    virtual void doSerializeOrphan() = 0;
    // The child's place: its key and identifier under the parent's identifier.
    virtual void doSerializePlace( U64 parent, U16 parentAttrId ) = 0;
-   virtual void doDropChildren() = 0;
-   // Null once the entity has gone.
+   // Not once the entity has gone.
    virtual bool hasEntity() const = 0;
 
    // Runs what a notification asks for; what it throws ends the stream, not the engine.
@@ -120,6 +124,9 @@ class Adapter {
       Adapter & adapter;
    };
 
+   // A collection has been brought as a whole, and what is not of it is being deleted. 0: none.
+   void handlingTransactionIs( U16 attrId ) { handlingTransaction_ = attrId; }
+
    // At the receiving end: where the adapter is known by its identifier.
    Input * input() const { return input_; }
    void inputIs( Input * input, U64 identifier );
@@ -130,6 +137,7 @@ class Adapter {
    U64 identifier_ = 0;
    std::unique_ptr< FlowOut > flowOut_;
    U16 handling_ = 0;
+   U16 handlingTransaction_ = 0;
    SyncMode syncMode_ = SyncMode::direct;
    bool suspended_ = false;
    bool forced_ = false;

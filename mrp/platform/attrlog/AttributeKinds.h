@@ -14,6 +14,19 @@ namespace Korv::NboAttrLog {
 
 enum class Kind : U8 { scalar, map, children, queue };
 
+// What of a collection has still to be sent.
+template < class Key, class Walk >
+struct CollectionFlowOut {
+   bool korvHasSynced = true; // false: the whole of it, first
+   // The whole has been begun, and goes on here.
+   std::optional< Walk > bookmark;
+   void bookmarkIs( std::optional< Walk > const & at ) { bookmark = at; }
+   // The keys that have changed meanwhile. True for a member that the observer may have: once it
+   // has gone, that is to be told.
+   std::map< Key, bool > korvIsDirty;
+   void korvIsDirtyDel( Key const & key ) { korvIsDirty.erase( key ); }
+};
+
 template < class Attribute >
 struct Traits;
 
@@ -37,10 +50,7 @@ struct Traits< MapAttribute< E, C, K, V > > {
    struct FlowIn {
       std::set< Key > brought;
    };
-   struct FlowOut {
-      std::optional< typename C::Walk > bookmark; // the resync goes on here
-      std::map< Key, bool > dirty;
-   };
+   using FlowOut = CollectionFlowOut< Key, typename C::Walk >;
 };
 
 template < class E, class C, class K, class Child >
@@ -53,10 +63,7 @@ struct Traits< ChildrenAttribute< E, C, K, Child > > {
       std::map< Key, std::unique_ptr< Adapter > > adapters;
    };
    struct FlowIn {};
-   struct FlowOut {
-      std::optional< typename C::Walk > bookmark;
-      std::map< Key, bool > dirty;
-   };
+   using FlowOut = CollectionFlowOut< Key, typename C::Walk >;
 };
 
 template < class E, class Q, class M >
@@ -75,10 +82,8 @@ struct Traits< QueueAttribute< E, Q, M > > {
       void operator++() { ++i; }
    };
    // Which slots there are is told ahead of what is in them.
-   struct FlowOut {
-      bool metadataDirty = false;
-      std::optional< Walk > bookmark;
-      std::map< Key, bool > dirty;
+   struct FlowOut : CollectionFlowOut< Key, Walk > {
+      bool dirty = false; // the span
    };
 };
 
@@ -110,6 +115,25 @@ constexpr void forEachPlace( Table const &, F && f ) {
       ( f( std::integral_constant< std::size_t, place >() ), ... );
    }
    ( std::make_index_sequence< count >() );
+}
+
+// How many members the collections of an entity have, and those of its children, all the way down.
+template < class E >
+std::size_t membersBelow( E const & entity ) {
+   std::size_t members = 0;
+   E::attributes().forEach( [&]( auto const & attribute ) {
+      constexpr Kind kind = Traits< std::remove_cvref_t< decltype( attribute ) > >::kind;
+      if constexpr ( kind == Kind::map || kind == Kind::children ) {
+         auto const & collection = ( entity.*attribute.reader )();
+         members += collection.size();
+         if constexpr ( kind == Kind::children ) {
+            for ( auto child = collection.walk(); child; ++child ) {
+               members += membersBelow( *child.value() );
+            }
+         }
+      }
+   } );
+   return members;
 }
 
 template < class Table, template < class > class Part >

@@ -32,7 +32,7 @@ class EntityAdapter : public Adapter, public E::Reactor {
 
  protected:
    // ---- Sending: EntityAdapterOut.h -----------------------------------------------------------
-   // A scalar, or the span of a queue, has changed.
+   // These are what the reactors call. A scalar, or the span of a queue, has changed.
    template < U16 number >
    void handleAttr();
    // A member of a collection has come, changed or gone.
@@ -83,60 +83,73 @@ class EntityAdapter : public Adapter, public E::Reactor {
       return ( entity()->*std::get< place >( table.list ).reader )();
    }
 
-   Pending & pending() { return static_cast< Pending & >( *flowOut() ); }
-   template < std::size_t place >
-   bool synced() const {
-      return ( synced_ >> place & 1u ) != 0;
+   template < class Members, class Key >
+   static bool isMember( Members const & members, Key const & key ) {
+      if constexpr ( requires { members.isMember( key ); } ) {
+         return members.isMember( key );
+      } else { // a slot of the span
+         return ( key + byteQueueSlots - members.head() ) % byteQueueSlots < members.count();
+      }
    }
+
+   Pending & pending() { return static_cast< Pending & >( *flowOut() ); }
+   Pending const & pending() const { return static_cast< Pending const & >( *flowOut() ); }
+
+   template < std::size_t place, class Write, class Mark >
+   void handleChange( U16 attrId, Write && write, Mark && mark );
    template < std::size_t place >
-   bool settled();
+   bool isPending() const;
    template < std::size_t place >
    U16 flowAttr();
    template < std::size_t place >
    void doMark( Pending & pending );
    // The span has changed: a walk over its slots begins again.
    template < class Marks >
-   static void doMarkMetadata( Marks & marks ) {
-      marks.metadataDirty = true;
+   static void doMarkSpan( Marks & marks ) {
+      marks.dirty = true;
       if ( marks.bookmark ) {
          marks.bookmark->i = 0;
       }
    }
    template < std::size_t place >
-   void serialize();
-   template < std::size_t place >
-   void serializeMetadata();
+   void korvHandleSerialize();
    template < std::size_t place, class Key >
-   void serializeSing( Key const & key );
+   void korvHandleSerializeSing( Key const & key );
    template < std::size_t place >
-   bool serializeColl();
+   bool korvHandleSerializeColl();
    template < class... Part >
    void doWrite( U64 entity, S16 attrId, Part const &... part );
+   template < std::size_t place, class Key, class Member >
+   void nboAttrLogAdapterIs( Key const & key, Member & member );
    template < std::size_t place, class Key >
-   bool dropsChild( Key const & key );
+   bool nboAttrLogAdapterDel( Key const & key );
 
    template < std::size_t place >
    void deserialize( S16 attrId, ByteReader & in );
+   template < std::size_t place, class Key >
+   void deserializeChild( Key const & key, ByteReader & in );
+   template < std::size_t place, class Key >
+   void doCountMember( Key const & key );
+   template < std::size_t place, class Key >
+   void doDelMember( Key const & key );
    template < std::size_t place >
-   void deserializeChild( bool gone, ByteReader & in );
-   template < std::size_t place >
-   void handleBrought();
+   void doDelUnbrought();
    template < class Mutator, class... Value >
    void apply( U16 attrId, Mutator mutator, Value const &... value );
 
    std::unique_ptr< FlowOut > createFlowOut() const override {
       return std::make_unique< Pending >();
    }
+   bool prepareImmediateTransmission( U16 attrId, bool noBuffer ) const override;
    void doMarkAll() override;
    U16 handleAttrFlowOut( U16 attrId ) override;
    void doSerializeOrphan() override;
    void doSerializePlace( U64 parent, U16 parentAttrId ) override;
-   void doDropChildren() override;
+   void doDropChildren( std::size_t & limit ) override;
    bool hasEntity() const override { return entity() != nullptr; }
 
    typename PartsOf< Table, KeptOf >::type kept_;
    std::unique_ptr< FlowIn > flowIn_;
-   U32 synced_ = 0; // a bit for each collection that has been sent as a whole
 };
 
 } // namespace Korv::NboAttrLog

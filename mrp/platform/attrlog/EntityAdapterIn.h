@@ -37,55 +37,80 @@ void EntityAdapter< E >::deserialize( S16 attrId, ByteReader & in ) {
       if constexpr ( !attribute.isKey ) {
          apply( attribute.number, attribute.mutator, in.template get< typename T::Value >() );
       }
-   } else if constexpr ( T::kind == Kind::map ) {
+   } else {
+      if constexpr ( T::kind == Kind::queue ) {
+         if ( attrId == attribute.metadataNumber ) {
+            return apply( attribute.metadataNumber, attribute.metadataMutator,
+                          in.template get< typename T::Metadata >() );
+         }
+         in.checked( attrId != -attribute.metadataNumber, "a span cannot be deleted" );
+      }
       auto const key = in.template get< typename T::Key >();
       if ( gone ) {
-         return apply( attribute.number, attribute.remover, key );
+         return doDelMember< place >( key );
       }
-      in.checked( collection< place >().size() < Input::maxMembers, "a collection too large" );
-      apply( attribute.number, attribute.mutator, key, in.template get< typename T::Value >() );
-      if ( flowIn_ && flowIn_->attrId == attribute.number ) {
-         std::get< place >( flowIn_->parts ).brought.insert( key );
+      if constexpr ( T::kind == Kind::queue ) {
+         apply( attribute.number, attribute.mutator, key, in.template get< U8 >() );
+      } else if constexpr ( T::kind == Kind::map ) {
+         auto const value = in.template get< typename T::Value >();
+         doCountMember< place >( key );
+         apply( attribute.number, attribute.mutator, key, value );
+         if ( flowIn_ && flowIn_->attrId == attribute.number ) {
+            std::get< place >( flowIn_->parts ).brought.insert( key );
+         }
+      } else {
+         deserializeChild< place >( key, in );
       }
-   } else if constexpr ( T::kind == Kind::queue ) {
-      if ( attrId == attribute.metadataNumber ) {
-         return apply( attribute.metadataNumber, attribute.metadataMutator,
-                       in.template get< typename T::Metadata >() );
-      }
-      in.checked( attrId != -attribute.metadataNumber, "a span cannot be deleted" );
-      auto const slot = in.template get< typename T::Key >();
-      if ( gone ) {
-         return apply( attribute.number, attribute.remover, slot );
-      }
-      apply( attribute.number, attribute.mutator, slot, in.template get< U8 >() );
-   } else {
-      deserializeChild< place >( gone, in );
    }
 }
 
 template < class E >
-template < std::size_t place >
-void EntityAdapter< E >::deserializeChild( bool gone, ByteReader & in ) {
+template < std::size_t place, class Key >
+void EntityAdapter< E >::deserializeChild( Key const & key, ByteReader & in ) {
    using T = TraitsAt< place >;
    constexpr auto attribute = std::get< place >( table.list );
-   auto const key = in.template get< typename T::Key >();
-   auto & adapters = std::get< place >( kept_ ).adapters;
-   if ( gone ) {
-      apply( attribute.number, attribute.remover, key );
-      adapters.erase( key );
-      return;
-   }
    U64 const child = in.template get< U64 >();
    ByteReader orphan = input()->takeOrphan( child, T::Adapter::typeName() );
-   in.checked( orphan.template get< typename T::Key >() == key,
-               "a child under another key than its own" );
-   in.checked( collection< place >().size() < Input::maxMembers, "a collection too large" );
+   in.checked( orphan.template get< Key >() == key, "a child under another key than its own" );
+   orphan.expectEnd();
+   doCountMember< place >( key );
    Handling const handling( *this, attribute.number );
    auto * const member = ( entity()->*attribute.make )( key );
    in.checked( member != nullptr, "a child that did not stay" );
    auto made = std::make_unique< typename T::Adapter >( *member );
    made->handleMounted( *input(), child );
-   adapters[key] = std::move( made );
+   std::get< place >( kept_ ).adapters[key] = std::move( made );
+}
+
+// One that is not there yet, and is about to come.
+template < class E >
+template < std::size_t place, class Key >
+void EntityAdapter< E >::doCountMember( Key const & key ) {
+   if ( !isMember( collection< place >(), key ) ) {
+      input()->membersInc( 1 );
+   }
+}
+
+template < class E >
+template < std::size_t place, class Key >
+void EntityAdapter< E >::doDelMember( Key const & key ) {
+   using T = TraitsAt< place >;
+   constexpr auto attribute = std::get< place >( table.list );
+   if constexpr ( T::kind != Kind::queue ) {
+      auto const * const member = collection< place >().find( key );
+      if ( !member ) {
+         return;
+      }
+      if constexpr ( T::kind == Kind::children ) {
+         input()->membersDec( 1 + membersBelow( **member ) );
+      } else {
+         input()->membersDec( 1 );
+         if ( flowIn_ ) {
+            std::get< place >( flowIn_->parts ).brought.erase( key );
+         }
+      }
+   }
+   apply( attribute.number, attribute.remover, key );
 }
 
 template < class E >
@@ -94,50 +119,50 @@ void EntityAdapter< E >::handleAttrTransaction( U16 attrId, Marker marker ) {
       ByteReader::checked( !flowIn_, "a collection within a collection" );
       flowIn_ = std::make_unique< FlowIn >();
       flowIn_->attrId = attrId;
+      syncModeIs( SyncMode::synchronising );
    } else {
       ByteReader::checked( flowIn_ && flowIn_->attrId == attrId,
                            "a marker for what has not begun" );
    }
    forEachPlace( table, [&]( auto place ) {
-      constexpr auto attribute = std::get< place >( table.list );
-      if constexpr ( TraitsAt< place >::kind != Kind::scalar ) {
-         if ( attribute.number == attrId && marker == Marker::end ) {
-            handleBrought< place >();
-         } else if constexpr ( TraitsAt< place >::kind == Kind::children ) {
-            if ( attribute.number == attrId && marker == Marker::begin ) {
-               std::get< place >( kept_ ).adapters.clear();
-            }
+      if ( std::get< place >( table.list ).number != attrId ) {
+         return;
+      }
+      if constexpr ( TraitsAt< place >::kind == Kind::children ) {
+         if ( marker == Marker::begin ) {
+            std::get< place >( kept_ ).adapters.clear();
          }
+      }
+      if ( marker == Marker::end ) {
+         handlingTransactionIs( attrId );
+         doDelUnbrought< place >();
+         handlingTransactionIs( 0 );
       }
    } );
    if ( marker != Marker::begin ) {
       flowIn_ = nullptr;
+      syncModeIs( SyncMode::direct );
    }
 }
 
-// What the resync has not brought exists no more.
+// What the resync has not brought exists no more. Of a queue the span has said it.
 template < class E >
 template < std::size_t place >
-void EntityAdapter< E >::handleBrought() {
-   using T = TraitsAt< place >;
-   if constexpr ( T::kind != Kind::queue ) { // there the span has said it
-      constexpr auto attribute = std::get< place >( table.list );
-      auto const & kept = std::get< place >( kept_ );
-      auto const & flow = std::get< place >( flowIn_->parts );
-      for ( auto member = collection< place >().walk(); member; ++member ) {
-         auto const key = member.key();
-         bool brought;
-         if constexpr ( T::kind == Kind::children ) {
-            brought = kept.adapters.contains( key );
+void EntityAdapter< E >::doDelUnbrought() {
+   constexpr Kind kind = TraitsAt< place >::kind;
+   if constexpr ( kind == Kind::map || kind == Kind::children ) {
+      auto const isBrought = [&]( auto const & key ) {
+         if constexpr ( kind == Kind::children ) {
+            return std::get< place >( kept_ ).adapters.contains( key );
          } else {
-            brought = flow.brought.contains( key );
+            return std::get< place >( flowIn_->parts ).brought.contains( key );
          }
-         if ( !brought ) {
-            apply( attribute.number, attribute.remover, key );
+      };
+      for ( auto member = collection< place >().walk(); member; ++member ) {
+         if ( auto const key = member.key(); !isBrought( key ) ) {
+            doDelMember< place >( key );
          }
       }
-      static_cast< void >( kept );
-      static_cast< void >( flow );
    }
 }
 

@@ -5,22 +5,19 @@
 
 namespace Korv::NboAttrLog {
 
-// Nothing is pending for the attribute that a message now would overtake. A scalar's last value is
-// all that counts.
 template < class E >
-template < std::size_t place >
-bool EntityAdapter< E >::settled() {
-   if constexpr ( TraitsAt< place >::kind == Kind::scalar ) {
-      return true;
-   } else {
-      if ( !flowOut() || !synced< place >() ) {
-         return synced< place >();
-      }
-      auto const & marks = std::get< place >( pending().marks );
-      if constexpr ( TraitsAt< place >::kind == Kind::queue ) {
-         return marks.dirty.empty() && !marks.metadataDirty;
-      }
-      return marks.dirty.empty();
+template < std::size_t place, class Write, class Mark >
+void EntityAdapter< E >::handleChange( U16 attrId, Write && write, Mark && mark ) {
+   static_assert( place < std::tuple_size_v< decltype( Table::list ) >, "no such attribute" );
+   constexpr auto attribute = std::get< place >( table.list );
+   Way const way = wayOut( attrId, attribute.name );
+   if ( way == Way::write ) {
+      guarded( write );
+   } else if ( way == Way::mark ) {
+      guarded( [&] {
+         flowOutIs( firstNumber( attribute ) );
+         mark( std::get< place >( pending().marks ) );
+      } );
    }
 }
 
@@ -28,65 +25,93 @@ template < class E >
 template < U16 number >
 void EntityAdapter< E >::handleAttr() {
    constexpr std::size_t place = placeOf( number );
-   static_assert( place < std::tuple_size_v< decltype( Table::list ) > );
-   constexpr bool metadata = TraitsAt< place >::kind == Kind::queue;
-   Way const way = wayOut( number, std::get< place >( table.list ).name, settled< place >() );
-   if ( way == Way::write ) {
-      guarded( [&] {
-         if constexpr ( metadata ) {
-            serializeMetadata< place >();
-         } else {
-            serialize< place >();
-         }
-      } );
-   } else if ( way == Way::mark ) {
-      guarded( [&] {
-         flowOutIs( number );
-         auto & marks = std::get< place >( pending().marks );
-         if constexpr ( metadata ) {
-            doMarkMetadata( marks );
+   handleChange< place >(
+      number, [&] { korvHandleSerialize< place >(); },
+      []( auto & marks ) {
+         if constexpr ( TraitsAt< place >::kind == Kind::queue ) {
+            doMarkSpan( marks );
          } else {
             marks.dirty = true;
          }
       } );
-   }
 }
 
 template < class E >
 template < U16 number, class Key >
 void EntityAdapter< E >::handleMember( Key const & memberKey ) {
    constexpr std::size_t place = placeOf( number );
-   static_assert( place < std::tuple_size_v< decltype( Table::list ) > );
    using T = TraitsAt< place >;
    auto const key = static_cast< typename T::Key >( memberKey );
+   bool known = true;
    if constexpr ( T::kind == Kind::children ) {
       // Whatever the mode, an adapter goes with its entity. What the stream has never heard of need
       // not be deleted there.
-      bool const dropped = dropsChild< place >( key );
-      bool const marked = flowOut() && std::get< place >( pending().marks ).dirty.contains( key );
-      if ( !dropped && !marked && !collection< place >().isMember( key ) ) {
+      known = nboAttrLogAdapterDel< place >( key );
+      bool const marked =
+         flowOut() && std::get< place >( pending().marks ).korvIsDirty.contains( key );
+      if ( !known && !marked && !collection< place >().isMember( key ) ) {
          return;
       }
    }
-   Way const way = wayOut( number, std::get< place >( table.list ).name, settled< place >() );
-   if ( way == Way::write ) {
-      guarded( [&] { serializeSing< place >( key ); } );
-   } else if ( way == Way::mark ) {
-      guarded( [&] {
-         flowOutIs( firstNumber( std::get< place >( table.list ) ) );
-         auto & marks = std::get< place >( pending().marks );
-         marks.dirty[key] = true;
-         if constexpr ( T::kind == Kind::queue ) {
-            doMarkMetadata( marks );
+   handleChange< place >(
+      number, [&] { korvHandleSerializeSing< place >( key ); },
+      [&]( auto & marks ) {
+         bool & mark = marks.korvIsDirty[key];
+         mark = mark || known;
+         if constexpr ( T::kind == Kind::children ) {
+            if ( !mark && !collection< place >().isMember( key ) ) {
+               marks.korvIsDirtyDel( key ); // come and gone
+            }
+         } else if constexpr ( T::kind == Kind::queue ) {
+            doMarkSpan( marks );
          }
       } );
+}
+
+// A scalar's last value is all that counts. A change of a collection must not overtake what is
+// pending for it.
+template < class E >
+bool EntityAdapter< E >::prepareImmediateTransmission( U16 attrId, bool noBuffer ) const {
+   bool settled = true;
+   forEachPlace( table, [&]( auto place ) {
+      if ( TraitsAt< place >::kind != Kind::scalar &&
+           isNumber( std::get< place >( table.list ), attrId ) ) {
+         settled = !flowOut() || !isPending< place >();
+      }
+   } );
+   return settled && !noBuffer;
+}
+
+template < class E >
+template < std::size_t place >
+bool EntityAdapter< E >::isPending() const {
+   auto const & marks = std::get< place >( pending().marks );
+   bool pends = false;
+   if constexpr ( requires { marks.dirty; } ) {
+      pends = marks.dirty;
+   }
+   if constexpr ( requires { marks.korvIsDirty; } ) {
+      pends = pends || !marks.korvHasSynced || !marks.korvIsDirty.empty();
+   }
+   return pends;
+}
+
+// Unless it stands there already. It says itself what there is to say.
+template < class E >
+template < std::size_t place, class Key, class Member >
+void EntityAdapter< E >::nboAttrLogAdapterIs( Key const & key, Member & member ) {
+   auto & adapter = std::get< place >( kept_ ).adapters[key];
+   if ( !adapter || adapter->entity() != &member ) {
+      adapter = std::make_unique< typename TraitsAt< place >::Adapter >( member );
+      adapter->forcedIs( forced() );
+      adapter->handleAttached( output(), identifier(), std::get< place >( table.list ).number );
    }
 }
 
-// Drops the adapter of a member that has gone or is another one now.
+// Drops the adapter of a member that has gone or is another one now; false if there is none.
 template < class E >
 template < std::size_t place, class Key >
-bool EntityAdapter< E >::dropsChild( Key const & key ) {
+bool EntityAdapter< E >::nboAttrLogAdapterDel( Key const & key ) {
    auto & adapters = std::get< place >( kept_ ).adapters;
    auto const held = adapters.find( key );
    if ( held == adapters.end() ) {
@@ -110,129 +135,108 @@ void EntityAdapter< E >::doWrite( U64 about, S16 attrId, Part const &... part ) 
    output()->messageEnd();
 }
 
+// A scalar, or a queue's span.
 template < class E >
 template < std::size_t place >
-void EntityAdapter< E >::serialize() {
-   constexpr auto attribute = std::get< place >( table.list );
+void EntityAdapter< E >::korvHandleSerialize() {
    if ( flowOut() ) {
       std::get< place >( pending().marks ).dirty = false;
    }
-   doWrite( identifier(), static_cast< S16 >( attribute.number ),
-            ( entity()->*attribute.reader )() );
-}
-
-template < class E >
-template < std::size_t place >
-void EntityAdapter< E >::serializeMetadata() {
-   if ( flowOut() ) {
-      std::get< place >( pending().marks ).metadataDirty = false;
+   constexpr auto number = static_cast< S16 >( firstNumber( std::get< place >( table.list ) ) );
+   if constexpr ( TraitsAt< place >::kind == Kind::queue ) {
+      doWrite( identifier(), number, collection< place >().metadata() );
+   } else {
+      doWrite( identifier(), number, ( entity()->*std::get< place >( table.list ).reader )() );
    }
-   doWrite( identifier(), static_cast< S16 >( std::get< place >( table.list ).metadataNumber ),
-            collection< place >().metadata() );
 }
 
+// One member, or that it has gone.
 template < class E >
 template < std::size_t place, class Key >
-void EntityAdapter< E >::serializeSing( Key const & key ) {
+void EntityAdapter< E >::korvHandleSerializeSing( Key const & key ) {
    using T = TraitsAt< place >;
    constexpr auto number = static_cast< S16 >( std::get< place >( table.list ).number );
    auto const & members = collection< place >();
-   if constexpr ( T::kind == Kind::queue ) {
-      U32 const i = ( key + byteQueueSlots - members.head() ) % byteQueueSlots;
-      if ( i < members.count() ) {
-         return doWrite( identifier(), number, key, members.at( key ) );
-      }
-   } else if ( auto const * const member = members.find( key ) ) {
-      if constexpr ( T::kind == Kind::map ) {
-         return doWrite( identifier(), number, key, *member );
-      } else {
-         dropsChild< place >( key );
-         auto & child = std::get< place >( kept_ ).adapters[key];
-         if ( !child ) {
-            child = std::make_unique< typename T::Adapter >( **member );
-            child->forcedIs( forced() );
-            child->handleAttached( output(), identifier(), static_cast< U16 >( number ) );
-         }
-         return;
-      }
+   if ( !isMember( members, key ) ) {
+      doWrite( identifier(), static_cast< S16 >( -number ), key );
+   } else if constexpr ( T::kind == Kind::queue ) {
+      doWrite( identifier(), number, key, members.at( key ) );
+   } else if constexpr ( T::kind == Kind::map ) {
+      doWrite( identifier(), number, key, *members.find( key ) );
+   } else {
+      nboAttrLogAdapterIs< place >( key, **members.find( key ) );
    }
-   doWrite( identifier(), static_cast< S16 >( -number ), key );
 }
 
 // The whole of a collection, and then the keys that have changed meanwhile. True if there is more.
 template < class E >
 template < std::size_t place >
-bool EntityAdapter< E >::serializeColl() {
+bool EntityAdapter< E >::korvHandleSerializeColl() {
+   using T = TraitsAt< place >;
    constexpr U16 number = std::get< place >( table.list ).number;
    auto & marks = std::get< place >( pending().marks );
    auto const & members = collection< place >();
-   if ( !synced< place >() ) {
+   if ( !marks.korvHasSynced ) {
       if ( !marks.bookmark ) {
          output()->doSendMarker( identifier(), number, Marker::begin );
-         if constexpr ( TraitsAt< place >::kind == Kind::queue ) {
-            marks.bookmark.emplace( typename TraitsAt< place >::Walk{ &members } );
+         if constexpr ( T::kind == Kind::queue ) {
+            marks.bookmarkIs( typename T::Walk{ &members } );
          } else {
-            marks.bookmark.emplace( members.walk() );
+            marks.bookmarkIs( members.walk() );
          }
       }
       for ( auto & next = *marks.bookmark; next; ) {
-         if ( !output()->continueFlowOut() ) {
-            return true;
-         }
          auto const key = next.key();
          ++next;
-         // The one that the walk stood on may have gone while there was no room.
-         if constexpr ( TraitsAt< place >::kind == Kind::queue ) {
-            serializeSing< place >( key );
-         } else if ( members.isMember( key ) ) {
-            serializeSing< place >( key );
-            marks.dirty.erase( key );
+         if ( isMember( members, key ) ) { // it may have gone while there was no room
+            korvHandleSerializeSing< place >( key );
+            marks.korvIsDirtyDel( key );
+         }
+         if ( next && !output()->continueFlowOut() ) {
+            return true;
          }
       }
       output()->doSendMarker( identifier(), number, Marker::end );
-      marks.bookmark.reset();
-      synced_ |= 1u << place;
+      marks.bookmarkIs( {} );
+      marks.korvHasSynced = true;
    }
-   while ( !marks.dirty.empty() ) {
+   while ( !marks.korvIsDirty.empty() ) {
       if ( !output()->continueFlowOut() ) {
          return true;
       }
-      auto const key = marks.dirty.begin()->first;
-      marks.dirty.erase( marks.dirty.begin() );
-      serializeSing< place >( key );
+      auto const key = marks.korvIsDirty.begin()->first;
+      marks.korvIsDirtyDel( key );
+      korvHandleSerializeSing< place >( key );
    }
    return false;
 }
 
-// 0 when done.
+// 0 when done, else the number to come back to.
 template < class E >
 template < std::size_t place >
 U16 EntityAdapter< E >::flowAttr() {
-   using T = TraitsAt< place >;
    constexpr auto attribute = std::get< place >( table.list );
-   flowOut()->attrIdIs( firstNumber( attribute ) );
-   auto & marks = std::get< place >( pending().marks );
-   if constexpr ( T::kind == Kind::scalar ) {
-      if ( marks.dirty ) {
-         if ( !output()->continueFlowOut() ) {
-            return attribute.number;
-         }
-         serialize< place >();
-      }
+   constexpr U16 number = firstNumber( attribute );
+   if ( !isPending< place >() ) {
       return 0;
-   } else {
-      if constexpr ( T::kind == Kind::queue ) {
-         if ( marks.metadataDirty ) {
-            if ( !output()->continueFlowOut() ) {
-               return attribute.metadataNumber;
-            }
-            serializeMetadata< place >();
-         }
-      }
-      return serializeColl< place >() ? firstNumber( attribute ) : U16{ 0 };
    }
+   flowOut()->attrIdIs( number );
+   if ( !output()->continueFlowOut() ) {
+      return number;
+   }
+   auto & marks = std::get< place >( pending().marks );
+   if constexpr ( requires { marks.dirty; } ) {
+      if ( marks.dirty ) {
+         korvHandleSerialize< place >();
+      }
+   }
+   if constexpr ( requires { marks.korvIsDirty; } ) {
+      return korvHandleSerializeColl< place >() ? number : U16{ 0 };
+   }
+   return 0;
 }
 
+// There are no generic attributes to go through first: the orphan record has told them.
 template < class E >
 U16 EntityAdapter< E >::handleAttrFlowOut( U16 attrId ) {
    for ( U16 const aborted : pending().pendingAborts ) {
@@ -257,28 +261,36 @@ void EntityAdapter< E >::doMark( Pending & pending ) {
       marks.dirty = !attribute.isKey; // a key stands in the orphan record
    } else {
       if ( marks.bookmark ) {
-         marks.bookmark.reset();
+         marks.bookmarkIs( {} );
          pending.pendingAborts.insert( attribute.number );
       }
-      marks.dirty.clear();
+      marks.korvIsDirty.clear();
+      marks.korvHasSynced = false;
       if constexpr ( TraitsAt< place >::kind == Kind::queue ) {
-         marks.metadataDirty = true;
+         marks.dirty = true;
       }
    }
 }
 
 template < class E >
 void EntityAdapter< E >::doMarkAll() {
-   doDropChildren();
+   std::size_t limit = noLimit;
+   doDropChildren( limit );
    forEachPlace( table, [&]( auto place ) { doMark< place >( pending() ); } );
 }
 
 template < class E >
-void EntityAdapter< E >::doDropChildren() {
-   synced_ = 0;
+void EntityAdapter< E >::doDropChildren( std::size_t & limit ) {
    forEachPlace( table, [&]( auto place ) {
       if constexpr ( TraitsAt< place >::kind == Kind::children ) {
-         std::get< place >( kept_ ).adapters.clear();
+         auto & adapters = std::get< place >( kept_ ).adapters;
+         while ( !adapters.empty() && limit > 0 ) {
+            adapters.begin()->second->doDropChildren( limit );
+            if ( limit > 0 ) {
+               adapters.erase( adapters.begin() );
+               --limit;
+            }
+         }
       }
    } );
 }

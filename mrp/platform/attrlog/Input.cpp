@@ -10,6 +10,11 @@ Input::~Input() { rootAdapters_.clear(); }
 
 void Input::rootIs( char const * typeName, Root root ) { roots_[typeName] = std::move( root ); }
 
+void Input::membersInc( std::size_t count ) {
+   members_ += count;
+   ByteReader::checked( members_ <= maxMembers, "collections too large" );
+}
+
 void Input::handleBytes( std::span< U8 const > bytes ) {
    rest_.insert( rest_.end(), bytes.begin(), bytes.end() );
    std::size_t at = 0;
@@ -95,6 +100,8 @@ void Input::handleOrphan( U64 identifier, ByteReader & in ) {
       ByteReader::checked( rootsSeen_.insert( orphan.typeName ).second, "a second root of a type" );
       rootAdapters_.push_back( root->second( *this, identifier ) );
    } else {
+      orphanBytes_ += orphan.bytes();
+      ByteReader::checked( orphanBytes_ <= maxOrphanBytes, "too many entities without a place" );
       orphans_[identifier] = std::move( orphan );
    }
 }
@@ -103,6 +110,7 @@ ByteReader Input::takeOrphan( U64 identifier, char const * typeName ) {
    auto const found = orphans_.find( identifier );
    ByteReader::checked( found != orphans_.end(), "a child that was not made known" );
    ByteReader::checked( found->second.typeName == typeName, "a child of another type" );
+   orphanBytes_ -= found->second.bytes();
    taken_ = std::move( found->second );
    orphans_.erase( found );
    return { taken_.key, names_ };

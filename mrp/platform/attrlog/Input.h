@@ -8,6 +8,7 @@
 #pragma once
 
 #include "mrp/platform/attrlog/Adapter.h"
+#include "mrp/platform/attrlog/AttributeKinds.h"
 
 #include <functional>
 #include <string>
@@ -19,7 +20,8 @@ namespace Korv::NboAttrLog {
 class Input {
  public:
    static constexpr std::size_t maxEntities = 4'000'000;
-   static constexpr std::size_t maxMembers = 1'000'000; // of one collection
+   static constexpr std::size_t maxMembers = 4'000'000; // of all collections together
+   static constexpr std::size_t maxOrphanBytes = 64 * 1024 * 1024;
    // Makes the adapter of a root that the stream has told of.
    using Root = std::function< std::unique_ptr< Adapter >( Input & input, U64 identifier ) >;
 
@@ -36,6 +38,7 @@ class Input {
    void rootOf( E & entity ) {
       rootIs( RootAdapter::typeName(), [&entity]( Input & input, U64 identifier ) {
          auto adapter = std::make_unique< RootAdapter >( entity );
+         input.membersInc( membersBelow( entity ) );
          adapter->handleMounted( input, identifier );
          return adapter;
       } );
@@ -48,12 +51,15 @@ class Input {
    // For adapters.
    void adapterIs( U64 identifier, Adapter & adapter ) { adapters_[identifier] = &adapter; }
    void adapterDel( U64 identifier ) { adapters_.erase( identifier ); }
+   void membersInc( std::size_t count );
+   void membersDec( std::size_t count ) { members_ -= count; }
    // The key of an entity that has been made known and has found no place yet. Good until the next
    // call.
    ByteReader takeOrphan( U64 identifier, char const * typeName );
 
  private:
    struct Orphan {
+      std::size_t bytes() const { return typeName.size() + key.size(); }
       std::string typeName;
       std::vector< U8 > key;
    };
@@ -67,6 +73,8 @@ class Input {
    // Made known, and without a place: also those of types that only a later version knows, for
    // good. What is said about them is passed over.
    std::unordered_map< U64, Orphan > orphans_;
+   std::size_t orphanBytes_ = 0;
+   std::size_t members_ = 0; // of collections, all over the trees
    std::vector< std::unique_ptr< Adapter > > rootAdapters_;
    std::unordered_set< std::string > rootsSeen_;
    std::vector< U8 > rest_; // of a message that has not arrived as a whole

@@ -50,7 +50,9 @@ class Output {
       failed_ = true;
       handleFailed();
    }
+   // No more is written: it has failed, or nobody is there any more.
    bool failed() const { return failed_; }
+   void doEnd() { failed_ = true; }
 
    // For the transport: what waits, front first; what of it has gone.
    std::size_t bytes() const { return buffer_.size() - gone_; }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <optional>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -10,10 +11,18 @@ namespace Linux {
 namespace {
 
 // So much is handed to the kernel at once, from within a notification: a commit of thousands of
-// attributes then sees the socket fill while it goes on.
-constexpr std::size_t chunk = 16 * 1024;
+// attributes then sees the socket fill while it goes on. A Unix-domain socket needs this too, since
+// it wakes nobody before three quarters of it are empty, and would never become half full.
+constexpr std::size_t largestChunk = 16 * 1024;
 
 constexpr Seconds retryDelay = 1;
+
+// How often it is looked at what the observers have taken.
+constexpr Seconds checkDelay = 0.1;
+
+// A tree of hundreds of thousands of adapters is not dropped at once: the engine is waiting.
+constexpr std::size_t teardownPiece = 5000;
+constexpr Seconds teardownDelay = 0.001;
 
 } // namespace
 
@@ -22,9 +31,12 @@ constexpr Seconds retryDelay = 1;
 class AttrLogServer::Observer : public Korv::NboAttrLog::Output {
  public:
    Observer( AttrLogServer & server, Descriptor socket )
-      : Output( server.options_.bound ), socket_( std::move( socket ) ),
-        watch_( server.activity_, socket_.number(), DescriptorWatch::reading,
-                [this, &server]( Korv::U32 ready ) { server.handleObserver( *this, ready ); } ) {}
+      : Output( server.options_.bound ), server_( server ), socket_( std::move( socket ) ),
+        chunk_( std::min( server.options_.bound / 2, largestChunk ) ), nextSend_( chunk_ ),
+        halfBuffer_( sendBufferBytes( socket_ ) / 2 ), takenAt_( server.now() ) {
+      watch_.emplace( server.activity_, fd(), DescriptorWatch::reading,
+                      [this]( Korv::U32 ready ) { server_.handleObserver( *this, ready ); } );
+   }
 
    void mountIs( Mount const & mount ) {
       {
@@ -43,6 +55,7 @@ class AttrLogServer::Observer : public Korv::NboAttrLog::Output {
    // As much as the kernel takes. A connection that is broken ends from the loop, which hears of
    // it.
    void send() {
+      look();
       while ( bytes() > 0 && !failed() ) {
          auto const waiting = front();
          auto const sent =
@@ -53,18 +66,60 @@ class AttrLogServer::Observer : public Korv::NboAttrLog::Output {
          }
          frontDel( static_cast< std::size_t >( sent ) );
       }
+      nextSend_ = bytes() + chunk_;
+      unsent_ = unsentBytes( socket_ );
       awaitRoom();
    }
    bool broken() const { return broken_ || failed(); }
    // Woken when the socket takes more, for as long as there is more.
    void awaitRoom() {
       bool const more = !idle() || broken();
-      watch_.eventsIs( DescriptorWatch::reading | ( more ? DescriptorWatch::writing : 0u ) );
+      watch_->eventsIs( DescriptorWatch::reading | ( more ? DescriptorWatch::writing : 0u ) );
+      if ( isWaitedFor() ) {
+         server_.check_.doRun( checkDelay );
+      }
+   }
+
+   // Whether it has taken anything since the last look: the kernel has less than what it had after
+   // we gave it the last. What has been given is no sign, since the kernel takes that by itself.
+   void look() {
+      Korv::S32 const unsent = unsentBytes( socket_ );
+      if ( unsent < unsent_ || unsent <= 0 ) {
+         takenAt_ = server_.now();
+      }
+      unsent_ = unsent;
+   }
+   bool isWaitedFor() const { return unsent_ > 0 || !idle(); }
+   Seconds takenAt() const { return takenAt_; }
+   Korv::S32 unsent() const { return unsent_; }
+   bool isClogged() const { return unsent_ > halfBuffer_; }
+
+   // Nobody is there any more. What the kernel still has is thrown away if the other end takes
+   // nothing.
+   void doClose( bool stalled ) {
+      doEnd();
+      if ( stalled ) {
+         linger const atOnce{ 1, 0 };
+         ::setsockopt( fd(), SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce );
+      }
+      watch_.reset();
+      socket_ = Descriptor();
+   }
+   // Drops adapters; false once there are none.
+   bool doDropAdapters( std::size_t limit ) {
+      while ( !adapters_.empty() && limit > 0 ) {
+         adapters_.back()->doDropChildren( limit );
+         if ( limit > 0 ) {
+            adapters_.pop_back();
+            --limit;
+         }
+      }
+      return !adapters_.empty();
    }
 
  protected:
    void handleBytes() override {
-      if ( bytes() >= chunk && !broken_ ) {
+      if ( bytes() >= nextSend_ && !broken_ ) {
          send();
       } else {
          awaitRoom();
@@ -75,8 +130,14 @@ class AttrLogServer::Observer : public Korv::NboAttrLog::Output {
    void handleFailed() noexcept override { ::shutdown( fd(), SHUT_RDWR ); }
 
  private:
+   AttrLogServer & server_;
    Descriptor socket_;
-   DescriptorWatch watch_;
+   std::optional< DescriptorWatch > watch_;
+   std::size_t chunk_;
+   std::size_t nextSend_; // when so much waits, from within a notification
+   Korv::S32 halfBuffer_;
+   Korv::S32 unsent_ = 0; // when last looked at, in the kernel
+   Seconds takenAt_;      // the last time that it took something, or nothing waited
    bool broken_ = false;
    std::vector< std::unique_ptr< Korv::NboAttrLog::Adapter > > adapters_;
 };
@@ -114,7 +175,7 @@ void AttrLogServer::handleAccept() {
    if ( !socket ) {
       if ( errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM ) {
          listenWatch_->eventsIs( 0 );
-         retry_.timeMinIs( Korv::now() + retryDelay );
+         retry_.doRun( retryDelay );
       }
       return;
    }
@@ -129,7 +190,7 @@ void AttrLogServer::handleAccept() {
    Observer & observer = *observers_.back();
    try {
       observer.mountIs( mount_ );
-      socketOut_->sockFdIs( observers_.front()->fd() );
+      doOfferSocket();
    } catch ( ... ) {
       observerDel( observer );
    }
@@ -149,12 +210,54 @@ void AttrLogServer::handleObserver( Observer & observer, Korv::U32 ready ) {
    }
 }
 
-void AttrLogServer::observerDel( Observer & observer ) {
+void AttrLogServer::handleCheck() {
+   bool waiting = false;
+   for ( auto at = observers_.begin(); at != observers_.end(); ) {
+      Observer & observer = **at++;
+      observer.look();
+      if ( options_.stallLimit > 0 && observer.isWaitedFor() &&
+           now() - observer.takenAt() >= options_.stallLimit ) {
+         ++stalled_;
+         observerDel( observer, true );
+      } else {
+         waiting = waiting || observer.isWaitedFor();
+      }
+   }
+   doOfferSocket();
+   if ( waiting ) {
+      check_.doRun( checkDelay );
+   }
+}
+
+void AttrLogServer::observerDel( Observer & observer, bool stalled ) {
+   observer.doClose( stalled );
    auto const at = std::find_if( observers_.begin(), observers_.end(),
                                  [&]( auto const & o ) { return o.get() == &observer; } );
-   std::unique_ptr< Observer > const leaving = std::move( *at );
-   observers_.erase( at );
-   socketOut_->sockFdIs( observers_.empty() ? -1 : observers_.front()->fd() );
+   leaving_.splice( leaving_.end(), observers_, at );
+   teardown_.doRun( teardownDelay );
+   if ( offered_ == &observer ) {
+      offered_ = nullptr;
+      doOfferSocket();
+   }
+}
+
+void AttrLogServer::handleTeardown() {
+   if ( !leaving_.front()->doDropAdapters( teardownPiece ) ) {
+      leaving_.pop_front();
+   }
+   if ( !leaving_.empty() ) {
+      teardown_.doRun( teardownDelay );
+   }
+}
+
+void AttrLogServer::doOfferSocket() {
+   if ( !offered_ || offered_->isClogged() ) {
+      auto const least = std::min_element(
+         observers_.begin(), observers_.end(),
+         []( auto const & a, auto const & b ) { return a->unsent() < b->unsent(); } );
+      offered_ = least == observers_.end() ? nullptr : least->get();
+   }
+   socketOut_->sockFdIs( offered_ ? offered_->fd() : -1 );
 }
 
 } // namespace Linux

@@ -5,9 +5,15 @@
 // are marks instead of messages. An observer that reads no more costs its marks; one that goes
 // takes all of it along; one that comes gets everything from the start.
 //
-// Owned by the agent, made after the activity and gone before it. Entered as the connection's
-// output it says whose send buffer the commits of the engine look at: that of the observer that
-// has been there longest.
+// One that has taken nothing for too long, while something waits for it, is sent away: it may come
+// again and gets everything.
+//
+// Entered as the connection's output, the server says whose send buffer the commits of the engine
+// look at. Who is slow must hold up nobody but himself as long as another keeps up: it is that of
+// one observer for as long as less than half of it is unsent, at first the one that has been there
+// longest, and then that of whoever has the least unsent.
+//
+// Owned by the agent, made after the activity and gone before it.
 #pragma once
 
 #include "mrp/platform/attrlog/Adapter.h"
@@ -32,6 +38,7 @@ class AttrLogServer {
       std::size_t bound = Korv::NboAttrLog::Output::usualBound;
       int sendBuffer = 0; // SO_SNDBUF of each observer's socket; 0: the system's
       std::size_t maxObservers = 64;
+      Seconds stallLimit = 10; // without taking anything; 0: none
    };
 
    // Throws std::system_error if the address cannot be had.
@@ -46,6 +53,8 @@ class AttrLogServer {
    // With the port that was found for port 0.
    StreamAddress const & address() const { return address_; }
    std::size_t observers() const { return observers_.size(); }
+   // How many have been sent away since they took nothing.
+   Korv::U64 stalled() const { return stalled_; }
    // Nothing waits for any observer on this side of the sockets.
    bool idle() const;
 
@@ -62,21 +71,33 @@ class AttrLogServer {
     private:
       Korv::S32 fd_ = -1;
    };
-   // Goes on accepting after the process was out of descriptors.
-   class Retry : public Korv::Clock::Reactor {
+   using Observers = std::list< std::unique_ptr< Observer > >;
+   class Timer : public Korv::Clock::Reactor {
     public:
-      explicit Retry( AttrLogServer & server )
-         : Reactor( Korv::activityManager().clock(), Korv::Clock::Rank::outside ),
-           server_( server ) {}
-      void onTime() override { server_.listenWatch_->eventsIs( DescriptorWatch::reading ); }
+      Timer( AttrLogServer & server, void ( AttrLogServer::*on )() )
+         : Reactor( server.activity_.clock(), Korv::Clock::Rank::outside ), server_( server ),
+           on_( on ) {}
+      void onTime() override { ( server_.*on_ )(); }
+      // Unless it runs already.
+      void doRun( Seconds delay ) {
+         if ( timeMin() == Korv::never ) {
+            timeMinIs( clock().now() + delay );
+         }
+      }
 
     private:
       AttrLogServer & server_;
+      void ( AttrLogServer::*on_ )();
    };
 
    void handleAccept();
+   void handleRetry() { listenWatch_->eventsIs( DescriptorWatch::reading ); }
    void handleObserver( Observer & observer, Korv::U32 ready );
-   void observerDel( Observer & observer );
+   void handleCheck();
+   void handleTeardown();
+   void observerDel( Observer & observer, bool stalled = false );
+   void doOfferSocket();
+   Seconds now() const { return check_.clock().now(); }
 
    RealActivity & activity_;
    StreamAddress address_;
@@ -85,8 +106,13 @@ class AttrLogServer {
    Korv::Ptr< SocketOut > socketOut_{ new SocketOut };
    Descriptor listening_;
    std::unique_ptr< DescriptorWatch > listenWatch_;
-   Retry retry_{ *this };
-   std::list< std::unique_ptr< Observer > > observers_;
+   Timer retry_{ *this, &AttrLogServer::handleRetry }; // after the process was out of descriptors
+   Timer check_{ *this, &AttrLogServer::handleCheck }; // while something waits for somebody
+   Timer teardown_{ *this, &AttrLogServer::handleTeardown };
+   Observers observers_;
+   Observers leaving_; // gone, short of their adapters
+   Observer * offered_ = nullptr;
+   Korv::U64 stalled_ = 0;
 };
 
 } // namespace Linux

@@ -11,6 +11,7 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -161,6 +162,17 @@ Korv::U16 listeningPort( Descriptor const & listening ) {
    socklen_t size = sizeof in;
    ::getsockname( listening.number(), reinterpret_cast< sockaddr * >( &in ), &size );
    return ntohs( in.sin_port );
+}
+
+Korv::S32 unsentBytes( Descriptor const & socket ) {
+   int unsent = 0;
+   return ::ioctl( socket.number(), TIOCOUTQ, &unsent ) == 0 ? unsent : -1;
+}
+
+Korv::S32 sendBufferBytes( Descriptor const & socket ) {
+   int bytes = 0;
+   socklen_t size = sizeof bytes;
+   return ::getsockopt( socket.number(), SOL_SOCKET, SO_SNDBUF, &bytes, &size ) == 0 ? bytes : -1;
 }
 
 int socketError( Descriptor const & socket ) {

@@ -31,6 +31,11 @@ Descriptor connectingSocket( StreamAddress const & address );
 Descriptor acceptedSocket( Descriptor const & listening );
 // The port that was found for a TCP address of port 0.
 Korv::U16 listeningPort( Descriptor const & listening );
+// What has been sent and not been taken at the other end, and what there is room for, as the kernel
+// counts them: on TCP the bytes, on a Unix-domain socket the memory that they take up. Negative
+// where that cannot be told.
+Korv::S32 unsentBytes( Descriptor const & socket );
+Korv::S32 sendBufferBytes( Descriptor const & socket );
 // What became of connecting: 0 or an error number.
 int socketError( Descriptor const & socket );
 

@@ -1,17 +1,17 @@
-// Writes the seeds of the fuzzers, a file each, into FOLDER/mvrp, FOLDER/msrp and FOLDER/text:
-// the frames of the builder, each at work in a small story.
+// Writes the seeds of the fuzzers, a file each, into FOLDER/NAME for fuzz-NAME. Those of mvrp and
+// msrp are the frames of the builder, each at work in a small story.
 #include "mrp/vocabulary/Mrp.h"
 #include "mrp/vocabulary/MrpMsrp.h"
 
 #include "tests/fuzz/script/Script.h"
+#include "tests/fuzz/seeds/Corpus.h"
 
-#include <filesystem>
-#include <fstream>
 #include <iostream>
 
 namespace {
 
 using namespace TestSupport;
+using Fuzz::Corpus;
 using Fuzz::Step;
 
 // A script, step by step.
@@ -39,7 +39,7 @@ class Script {
       return step( Step::declare, type, event, key >> 8, key, queued );
    }
 
-   Bytes const & bytes() const { return bytes_; }
+   operator Bytes const &() const { return bytes_; }
 
  private:
    Script & withBytes( Step with, Bytes const & frame ) {
@@ -50,23 +50,6 @@ class Script {
 
    Bytes bytes_;
    U8 interface_ = 0;
-};
-
-class Corpus {
- public:
-   explicit Corpus( std::filesystem::path folder ) : folder_( std::move( folder ) ) {
-      std::filesystem::create_directories( folder_ );
-   }
-   void add( std::string const & name, std::string_view bytes ) const {
-      std::ofstream( folder_ / name, std::ios::binary ) << bytes;
-   }
-   void add( std::string const & name, Script const & script ) const {
-      auto const & bytes = script.bytes();
-      add( name, { reinterpret_cast< char const * >( bytes.data() ), bytes.size() } );
-   }
-
- private:
-   std::filesystem::path folder_;
 };
 
 // What both applications have in common: `frame( event )` registers or ends two attributes with
@@ -294,4 +277,6 @@ int main( int argc, char ** argv ) {
    writeMvrp( Corpus( folder / "mvrp" ) );
    writeMsrp( Corpus( folder / "msrp" ) );
    writeText( Corpus( folder / "text" ) );
+   Fuzz::writeStreams( Corpus( folder / "observer" ) );
+   Fuzz::writeRingFiles( Corpus( folder / "ring_file" ) );
 }

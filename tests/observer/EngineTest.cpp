@@ -1,0 +1,210 @@
+// A participant and its observers, over real sockets: whatever they do, it answers as fast as ever;
+// while nobody takes anything its tree stands still; and whenever the streams are idle all trees
+// are equal.
+#include "mrp/observability/AttrLogMounts.h"
+#include "mrp/observability/MrpAttrLogSm.h"
+#include "mrp/observer/Connection.h"
+#include "mrp/platform/linux/AttrLogServer.h"
+#include "mrp/platform/linux/RealActivity.h"
+
+#include "tests/observer/SocketForms.h"
+#include "tests/support/Participant.h"
+#include "tests/support/Random.h"
+#include "tests/support/TreeText.h"
+
+#include <gmock/gmock.h>
+
+#include <memory>
+
+namespace TestSupport {
+namespace {
+
+std::string const et1 = "Ethernet1";
+std::string const et2 = "Ethernet2";
+
+// Sockets are real; the participant's time is not, so that nothing depends on how fast we are.
+struct Scene {
+   Scene( std::string const & address, double stallLimit )
+      : server( sockets, Linux::StreamAddress::fromText( address ),
+                [this]( auto & output ) { return mounts.mount( output ); },
+                { .bound = 4000, .sendBuffer = 4000, .stallLimit = stallLimit } ) {
+      Korv::NboAttrLog::top().socketOutSmIs( "host", server.socketOutSm() );
+      mvrp.emplace( Mrp::MVRP, std::vector{ et1, et2 } );
+      Korv::NboAttrLog::top().socketOutSmDel( "host" );
+      mounts.statusIs( &mvrp->status() );
+      mounts.configIs( &mvrp->config() );
+      mounts.countersIs( mvrp->sm().mrpCounters() );
+      mounts.parseContextIs( mvrp->sm().parseContext() );
+   }
+   bool clogged() { return mvrp->sm().mrpAttrLogSm()->isAttrLogOutClogged(); }
+   bool committed( U64 vlan ) { return mvrp->attribute( et1, vlan )->committed; }
+   // For ten seconds of the sockets at most, and as many of the participant unless it waits.
+   template < class Until >
+   bool run( Until && until, double pace = 0.01 ) {
+      for ( int i = 0; i < 1000 && !until(); ++i ) {
+         sockets.runFor( 0.01 );
+         mvrp->advanceBy( pace );
+      }
+      return until();
+   }
+
+   Linux::RealActivity sockets;
+   Mrp::AttrLogMounts mounts;
+   Linux::AttrLogServer server;
+   std::optional< Participant > mvrp;
+};
+
+struct Observer {
+   explicit Observer( Scene & of )
+      : scene( of ), connection( of.sockets, of.server.address(), mirror ) {}
+   bool equal() const {
+      Participant & mvrp = *scene.mvrp;
+      return treeText( mirror.status() ) == treeText( mvrp.status() ) &&
+             treeText( mirror.config() ) == treeText( mvrp.config() ) &&
+             treeText( mirror.counters() ) == treeText( mvrp.counters() ) &&
+             treeText( mirror.parseContext() ) == treeText( *mvrp.sm().parseContext() );
+   }
+   Scene & scene;
+   MrpObserver::Mirror mirror;
+   MrpObserver::Connection connection;
+};
+
+class Engine : public SocketForms {
+ protected:
+   // One that reads no more, and whose socket has become full. Refreshes alone fill it.
+   static void stall( Scene & scene, Observer & observer ) {
+      Participant & mvrp = *scene.mvrp;
+      mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn } ) ) );
+      ASSERT_TRUE( scene.run( [&] { return scene.committed( 10 ) && observer.equal(); } ) );
+      observer.connection.readingIs( false );
+      Bytes const refresh = mvrpFrame( vlans( 10, { JoinIn } ) );
+      Bytes const other = mvrpFrame( vlans( 11, { JoinIn } ) );
+      bool clogged = false;
+      for ( int frames = 0; !clogged && frames < 1'000'000; ++frames ) {
+         mvrp.receive( et1, frames % 2 ? refresh : other );
+         scene.sockets.runFor( 0 );
+         if ( scene.clogged() ) { // and stays so, with all that its kernel takes
+            scene.sockets.runFor( 0.1 );
+            clogged = scene.clogged();
+         }
+      }
+      ASSERT_TRUE( clogged );
+   }
+};
+
+TEST_P( Engine, commitsNothingWhileItsObserverReadsNothing ) {
+   Scene scene( address(), 0 );
+   Observer observer( scene );
+   stall( scene, observer );
+   Participant & mvrp = *scene.mvrp;
+   bool const eleven = scene.committed( 11 );
+
+   mvrp.clear();
+   mvrp.receive( et1, mvrpFrame( vlans( 20, { JoinIn, JoinIn, JoinIn } ) ) );
+   mvrp.declare( et1, Vlan{ 30 }, 0 );
+   mvrp.advanceBy( 0.2 );
+   EXPECT_EQ( mvrp.indications().size(), 3u );
+   EXPECT_THAT( mvrp.said(), testing::Contains( testing::HasSubstr( "30 New" ) ) );
+   mvrp.advanceBy( 3 );
+   for ( U64 const vlan : { U64{ 20 }, U64{ 21 }, U64{ 22 }, U64{ 30 } } ) {
+      EXPECT_TRUE( mvrp.attribute( et1, vlan )->pending ) << vlan;
+      EXPECT_FALSE( scene.committed( vlan ) ) << vlan;
+   }
+   EXPECT_EQ( scene.committed( 11 ), eleven );
+
+   observer.connection.readingIs( true );
+   EXPECT_TRUE( scene.run( [&] { return scene.committed( 30 ) && observer.equal(); } ) );
+   EXPECT_EQ( observer.connection.streams(), 1u ) << observer.connection.lastError();
+}
+
+TEST_P( Engine, waitsForNobodyWhileAnotherKeepsUp ) {
+   Scene scene( address(), 0 );
+   Observer stalled( scene );
+   stall( scene, stalled );
+   Observer other( scene );
+   scene.mvrp->receive( et1, mvrpFrame( vlans( 20, { JoinIn } ) ) );
+   EXPECT_TRUE( scene.run( [&] { return scene.committed( 20 ) && other.equal(); } ) );
+   EXPECT_EQ( scene.server.observers(), 2u );
+}
+
+// Who has nothing to take is not to blame, and time counts from when there is something. The
+// participant's time stands still, or it would always find something to say.
+TEST_P( Engine, sendsAwayWhoTakesNothingForTooLong ) {
+   Scene scene( address(), 0.8 );
+   Observer one( scene );
+   ASSERT_TRUE( scene.run( [&] { return one.equal(); } ) );
+   one.connection.readingIs( false );
+   scene.sockets.runFor( 0.9 );
+   scene.mvrp->receive( et1, mvrpFrame( vlans( 9, { JoinIn } ) ) );
+   scene.sockets.runFor( 0.15 );
+   EXPECT_EQ( scene.server.stalled(), 0u );
+   one.connection.readingIs( true );
+
+   stall( scene, one );
+   Observer other( scene );
+   scene.mvrp->receive( et1, mvrpFrame( vlans( 20, { JoinIn } ) ) );
+   ASSERT_TRUE( scene.run( [&] { return scene.server.stalled() > 0; }, 0 ) );
+   EXPECT_TRUE( scene.run( [&] { return scene.committed( 20 ); } ) );
+   one.connection.readingIs( true );
+   EXPECT_TRUE( scene.run( [&] { return one.equal() && other.equal(); } ) );
+   EXPECT_GT( one.connection.streams(), 1u );
+   EXPECT_EQ( other.connection.streams(), 1u ) << other.connection.lastError();
+}
+
+void step( Participant & mvrp, Random & random ) {
+   std::string const & intf = random.below( 2 ) ? et1 : et2;
+   Pelk::IntfId const intfId( intf );
+   auto const vlan = static_cast< U16 >( 1 + random.below( 40 ) );
+   switch ( random.below( 14 ) ) {
+   case 0: mvrp.receive( intf, mvrpFrame( vlanLeaveAll() ) ); break;
+   case 1: mvrp.lib().mrpInterfaceDisable( intfId ); break;
+   case 2: mvrp.lib().mrpInterfaceEnable( intfId ); break;
+   case 3: mvrp.config().leaveTimeIs( random.between( 0.2, 1 ) ); break;
+   case 4: mvrp.config().intfLeaveTimeIs( intfId, random.between( 0.2, 1 ) ); break;
+   case 5: mvrp.config().intfLeaveTimeDel( intfId ); break;
+   case 6: mvrp.config().mrpFloodingIs( random.below( 2 ) == 0 ); break;
+   case 7:
+   case 8: mvrp.declare( intf, Vlan{ vlan }, random.below( 6 ) ); break;
+   case 9: mvrp.receive( intf, mvrpFrame( vlans( vlan, { Lv, Lv, Lv, Lv } ) ) ); break;
+   default:
+      mvrp.receive( intf, mvrpFrame( vlans( vlan, { JoinIn, New, JoinMt, random.oneOf( { Lv, In } ),
+                                                    JoinIn } ) ) );
+   }
+   mvrp.advanceBy( random.below( 3 ) * 0.2 );
+}
+
+TEST_P( Engine, equalsEachObserversTreeWhateverHappens ) {
+   for ( U64 seed = 1; seed <= 10; ++seed ) {
+      Random random( seed );
+      Scene scene( address(), 0 );
+      std::vector< std::unique_ptr< Observer > > observers( 3 );
+      for ( int i = 0; i < 400; ++i ) {
+         step( *scene.mvrp, random );
+         auto & observer = observers[random.below( observers.size() )];
+         if ( !observer ) {
+            observer = std::make_unique< Observer >( scene );
+         } else if ( random.below( 8 ) == 0 ) {
+            observer = nullptr;
+         } else {
+            observer->connection.readingIs( random.below( 3 ) == 0 );
+         }
+         scene.sockets.runFor( 0 );
+         if ( i % 100 < 99 ) {
+            continue;
+         }
+         for ( auto & reader : observers ) {
+            if ( reader ) {
+               reader->connection.readingIs( true );
+               ASSERT_TRUE( scene.run( [&] { return reader->equal(); }, 0 ) )
+                  << "seed " << seed << " step " << i;
+               EXPECT_LE( reader->connection.streams(), 1u ) << reader->connection.lastError();
+            }
+         }
+      }
+   }
+}
+
+INSTANTIATE_TEST_SUITE_P(, Engine, socketForms(), socketFormName );
+
+} // namespace
+} // namespace TestSupport
