@@ -29,6 +29,7 @@ class EntityAdapter : public Adapter, public E::Reactor {
    void handleMounted( Input & input, U64 identifier ) { inputIs( &input, identifier ); }
    void handleAttrDeserialization( S16 attrId, ByteReader & in ) override;
    void handleAttrTransaction( U16 attrId, Marker marker ) override;
+   bool isBrought() const override;
 
  protected:
    // ---- Sending: EntityAdapterOut.h -----------------------------------------------------------
@@ -136,7 +137,7 @@ class EntityAdapter : public Adapter, public E::Reactor {
 
    typename PartsOf< Table, KeptOf >::type kept_;
    std::unique_ptr< FlowIn > flowIn_;
-   U32 synced_ = 0; // a bit for each collection that has been sent as a whole
+   U32 synced_ = 0; // a bit for each collection that has been sent, or brought, as a whole
 };
 
 } // namespace Korv::NboAttrLog

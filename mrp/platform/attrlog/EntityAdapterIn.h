@@ -101,8 +101,12 @@ void EntityAdapter< E >::handleAttrTransaction( U16 attrId, Marker marker ) {
    forEachPlace( table, [&]( auto place ) {
       constexpr auto attribute = std::get< place >( table.list );
       if constexpr ( TraitsAt< place >::kind != Kind::scalar ) {
+         if ( attribute.number == attrId && marker == Marker::begin ) {
+            synced_ &= ~( 1u << place );
+         }
          if ( attribute.number == attrId && marker == Marker::end ) {
             handleBrought< place >();
+            synced_ |= 1u << place;
          } else if constexpr ( TraitsAt< place >::kind == Kind::children ) {
             if ( attribute.number == attrId && marker == Marker::begin ) {
                std::get< place >( kept_ ).adapters.clear();
@@ -113,6 +117,17 @@ void EntityAdapter< E >::handleAttrTransaction( U16 attrId, Marker marker ) {
    if ( marker != Marker::begin ) {
       flowIn_ = nullptr;
    }
+}
+
+template < class E >
+bool EntityAdapter< E >::isBrought() const {
+   bool all = true;
+   forEachPlace( table, [&]( auto place ) {
+      if constexpr ( TraitsAt< place >::kind != Kind::scalar ) {
+         all = all && synced< place >();
+      }
+   } );
+   return all;
 }
 
 // What the resync has not brought exists no more.

@@ -1,0 +1,71 @@
+#include "command/ShowFrame.h"
+
+#include "mrp/platform/korv/Clock.h"
+
+#include <algorithm>
+
+namespace Command {
+
+namespace {
+
+constexpr char const * plain = "\033[0m";
+constexpr char const * bold = "\033[1m";
+constexpr char const * reverse = "\033[7m";
+constexpr char const * home = "\033[H";
+constexpr char const * clearLine = "\033[K";
+constexpr char const * clearBelow = "\033[J";
+
+std::string squeezed( std::string const & line ) {
+   std::string text;
+   std::ranges::unique_copy( line, std::back_inserter( text ),
+                             []( char a, char b ) { return a == ' ' && b == ' '; } );
+   return text;
+}
+
+} // namespace
+
+std::string ShowFrame::picture( std::string const & head, ShowLines const & lines, ScreenSize size,
+                                Korv::Seconds now ) {
+   std::size_t const room = size.rows > 1 ? size.rows - 1 : 0;
+   bool const isCut = lines.size() > room;
+   std::size_t const shown = isCut && room > 0 ? room - 1 : std::min( lines.size(), room );
+
+   std::string text = home;
+   std::string first = head.substr( 0, size.columns );
+   first.resize( size.columns, ' ' );
+   text += reverse + first + plain;
+
+   decltype( since_ ) since;
+   nextEnd_ = Korv::never;
+   for ( std::size_t i = 0; i < lines.size(); ++i ) {
+      bool isNew = false;
+      if ( lines[i].kind == ShowLine::Kind::plain && !lines[i].text.empty() ) {
+         std::string const key = squeezed( lines[i].text );
+         auto const known = since_.find( key );
+         Korv::Seconds const came = known != since_.end() ? known->second
+                                    : isFirst_            ? now - moment
+                                                          : now;
+         since[key] = came;
+         isNew = now < came + moment;
+         if ( isNew && i < shown ) {
+            nextEnd_ = std::min( nextEnd_, came + moment );
+         }
+      }
+      if ( i < shown ) {
+         text += "\r\n";
+         text += isNew ? reverse : lines[i].kind == ShowLine::Kind::heading ? bold : "";
+         text += lines[i].text.substr( 0, size.columns );
+         text += plain;
+         text += lines[i].text.size() < size.columns ? clearLine : "";
+      }
+   }
+   since_ = std::move( since );
+   isFirst_ = false;
+   if ( isCut && room > 0 ) {
+      std::string const rest = "... " + std::to_string( lines.size() - shown ) + " more lines";
+      text += std::string( "\r\n" ) + bold + rest.substr( 0, size.columns ) + plain + clearLine;
+   }
+   return text + clearBelow;
+}
+
+} // namespace Command

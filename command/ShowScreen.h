@@ -1,0 +1,43 @@
+// The terminal, taken over for a picture that is drawn anew, and given back as it was.
+#pragma once
+
+#include "mrp/platform/linux/DescriptorWatch.h"
+
+#include "command/ShowFrame.h"
+
+#include <ostream>
+#include <termios.h>
+
+namespace Command {
+
+bool isStandardOutput( std::ostream const & out );
+// None if it is no terminal.
+std::optional< ScreenSize > terminalSize( std::ostream const & out );
+
+// On the alternate screen, without a cursor and without echo, for its lifetime.
+class ShowScreen {
+ public:
+   // `quit` is called from the loop when the user types q.
+   ShowScreen( Linux::RealActivity & activity, std::ostream & out, std::function< void() > quit );
+   ShowScreen( ShowScreen const & ) = delete;
+   ShowScreen & operator=( ShowScreen const & ) = delete;
+   ~ShowScreen();
+
+   ScreenSize size() const { return terminalSize( out_ ).value_or( ScreenSize() ); }
+   void draw( std::string const & picture );
+   // Gives the terminal back, stops the process as Ctrl-Z does, and goes on afterwards.
+   void suspend();
+
+ private:
+   void enter();
+   void leave();
+   void handleInput();
+
+   std::ostream & out_;
+   std::function< void() > quit_;
+   bool hasKeyboard_;
+   termios before_{};
+   std::optional< Linux::DescriptorWatch > keys_;
+};
+
+} // namespace Command
