@@ -161,7 +161,8 @@ void describeRun( CLI::App & mrp, Run & run ) {
       "as class=A,priority=3,vlan=2, which is class A if nothing is said; class B has priority 2.\n"
       "\n"
       "SIGTERM and SIGINT withdraw what was declared and end the command with exit status 0;\n"
-      "SIGUSR1 prints all attributes. It takes CAP_NET_RAW. docs/running.md tells more." );
+      "SIGUSR1 prints all attributes; SIGUSR2 switches traces off, or on as --trace and the file\n"
+      "say by then. It takes CAP_NET_RAW. docs/running.md tells more." );
    app.callback( [arguments, &run] {
       run = [arguments]( std::ostream & out, std::ostream & err ) {
          return Command::run( *arguments, out, err );

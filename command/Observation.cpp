@@ -1,11 +1,15 @@
 #include "command/Observation.h"
 
 #include "mrp/observability/Logs.h"
+#include "mrp/observability/Trace.h"
 #include "mrp/observability/TraceSetting.h"
 #include "mrp/platform/korv/LogSinks.h"
 #include "mrp/platform/korv/RangeException.h"
 
 #include "command/CommandError.h"
+
+#include <cstdlib>
+#include <sys/syslog.h>
 
 namespace Command {
 
@@ -27,15 +31,19 @@ Korv::LogSink sinkOf( LogTarget target ) {
    return nullptr;
 }
 
+void traceLevelsAre( std::string const & levels ) {
+   try {
+      Mrp::traceLevelsAre( levels );
+   } catch ( Korv::RangeException const & error ) {
+      throw CommandError( std::string( "trace: " ) + error.what() );
+   }
+}
+
 } // namespace
 
 Observation::Observation( RunSettings const & settings ) {
    if ( !settings.trace.empty() ) {
-      try {
-         Mrp::traceLevelsAre( settings.trace );
-      } catch ( Korv::RangeException const & error ) {
-         throw CommandError( std::string( "trace: " ) + error.what() );
-      }
+      traceLevelsAre( settings.trace );
    }
    if ( !settings.ring.empty() ) {
       try {
@@ -45,7 +53,22 @@ Observation::Observation( RunSettings const & settings ) {
       }
       Sornlog::fileIs( &*ring_ );
    }
+   if ( settings.log == LogTarget::syslog ) {
+      ::openlog( "mrp", LOG_PID, LOG_DAEMON );
+   }
    Korv::logSinkIs( sinkOf( settings.log ) );
+}
+
+std::string Observation::switchTraces( std::string const & levels ) {
+   if ( Mrp::mrpTrace.levels() != 0 ) {
+      Mrp::mrpTrace.levelsIs( 0 );
+      return {};
+   }
+   char const * const environment = std::getenv( "MRP_TRACE" );
+   std::string on = environment && *environment ? environment : "Mrp/2-8";
+   on = levels.empty() ? on : levels;
+   traceLevelsAre( on );
+   return on;
 }
 
 Observation::~Observation() {

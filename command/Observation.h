@@ -18,6 +18,11 @@ class Observation {
    Observation & operator=( Observation const & ) = delete;
    ~Observation();
 
+   // Off if any level is on; else on, with these levels, or if they are empty those of MRP_TRACE,
+   // or else all. The levels that are on now, empty for none. Throws CommandError, and then nothing
+   // has changed.
+   static std::string switchTraces( std::string const & levels );
+
  private:
    std::optional< Sornlog::RingFile > ring_;
 };

@@ -1,5 +1,6 @@
 #include "command/RunAgent.h"
 
+#include "command/Metrics.h"
 #include "command/PropagatingLib.h"
 
 namespace Command {
@@ -31,6 +32,7 @@ Korv::Ptr< Mrp::MrpConfig > configOf( RunSettings const & settings ) {
 RunAgent::RunAgent( RunSettings const & settings, KernelNetInfo::HostEntities const & host,
                     std::ostream & out, std::function< void() > outputClosed )
    : lines_( settings.application, settings.json, out ), outputClosed_( std::move( outputClosed ) ),
+     config_( configOf( settings ) ),
      lib_( libOf( settings, host, [this]( Happening const & indication ) {
         lines_.writeIndication( indication );
         checkOutput();
@@ -38,7 +40,7 @@ RunAgent::RunAgent( RunSettings const & settings, KernelNetInfo::HostEntities co
    lib_->applicationIs( settings.application );
    lib_->applicationMacAddrIs( settings.address );
    lib_->applicationEtypeIs( settings.ethertype );
-   sm_ = Mrp::mrpSmFactory( host.brConfig(), lib_.ptr(), configOf( settings ),
+   sm_ = Mrp::mrpSmFactory( host.brConfig(), lib_.ptr(), config_,
                             Mrp::mrpStatusFactory( "MrpStatus" ), host.stpStatus(),
                             host.brTopoConfig(), host.ethPhyIntfStatusDir(), host.em(), false );
    lib_->start( settings.interfaces );
@@ -47,6 +49,20 @@ RunAgent::RunAgent( RunSettings const & settings, KernelNetInfo::HostEntities co
 void RunAgent::showAttributes() {
    lines_.writeAttributes( *sm_ );
    checkOutput();
+}
+
+Mrp::AttrLogMounts::Adapters RunAgent::mirror( Korv::NboAttrLog::Output & output ) const {
+   Mrp::AttrLogMounts mounts;
+   mounts.statusIs( sm_->mrpStatus() );
+   mounts.configIs( config_ );
+   mounts.countersIs( sm_->mrpCounters() );
+   mounts.parseContextIs( sm_->parseContext() );
+   return mounts.mount( output );
+}
+
+std::string RunAgent::metrics() const {
+   return metricsText( sm_->mrpLib()->application(), *sm_->mrpStatus(), *sm_->mrpCounters(),
+                       *config_ );
 }
 
 void RunAgent::checkOutput() const {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "mrp/frame/MrpSm.h"
+#include "mrp/observability/AttrLogMounts.h"
 #include "mrp/platform/kernel/HostEntities.h"
 
 #include "command/DeclaringLib.h"
@@ -25,11 +26,16 @@ class RunAgent {
    void stop() { lib_->stop(); }
    void showAttributes();
 
+   // What it publishes, for an observer and for a scrape.
+   Mrp::AttrLogMounts::Adapters mirror( Korv::NboAttrLog::Output & output ) const;
+   std::string metrics() const;
+
  private:
    void checkOutput() const;
 
    RunLines lines_;
    std::function< void() > outputClosed_;
+   Korv::Ptr< Mrp::MrpConfig > config_;
    Korv::Ptr< DeclaringLib > lib_;
    Korv::Ptr< Mrp::MrpSm > sm_; // ends before its lib
 };

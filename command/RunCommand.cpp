@@ -5,11 +5,15 @@
 #include "mrp/platform/linux/SignalWatch.h"
 
 #include "command/CommandError.h"
+#include "command/MetricsServer.h"
 #include "command/Observation.h"
 #include "command/RunAgent.h"
 #include "command/RunConfig.h"
 #include "command/RunSettings.h"
+#include "command/RunStream.h"
 
+#include <memory>
+#include <optional>
 #include <system_error>
 
 namespace Command {
@@ -38,7 +42,40 @@ void checkInterfaces( RunSettings const & settings ) {
    }
 }
 
-int runOnLinux( RunSettings const & settings, std::ostream & out, std::ostream & err ) {
+std::unique_ptr< MetricsServer > metricsServed( RunSettings const & settings,
+                                                Linux::RealActivity & activity,
+                                                MetricsServer::Text text ) {
+   if ( !settings.metrics ) {
+      return nullptr;
+   }
+   try {
+      return std::make_unique< MetricsServer >( activity, *settings.metrics, std::move( text ) );
+   } catch ( std::runtime_error const & error ) {
+      throw CommandError( "metrics: " + settings.metrics->text() + ": " + error.what() );
+   }
+}
+
+// As the command line and the file say, by now.
+RunOptions optionsOf( RunArguments const & arguments ) {
+   RunOptions options = arguments.options;
+   if ( !arguments.configFile.empty() ) {
+      options.fillFrom( readRunConfig( arguments.configFile ) );
+   }
+   return options;
+}
+
+void switchTraces( RunArguments const & arguments, std::ostream & err ) {
+   try {
+      std::string const on =
+         Observation::switchTraces( optionsOf( arguments ).trace.value_or( "" ) );
+      err << "mrp: traces are " << ( on.empty() ? "off" : "on: " + on ) << std::endl;
+   } catch ( CommandError const & error ) {
+      err << "mrp: warning: traces stay as they are: " << error.what() << std::endl;
+   }
+}
+
+int runOnLinux( RunArguments const & arguments, RunSettings const & settings, std::ostream & out,
+                std::ostream & err ) {
    BrokenPipeIgnored const brokenPipeIgnored;
    Linux::RealActivity activity;
    checkInterfaces( settings );
@@ -50,32 +87,35 @@ int runOnLinux( RunSettings const & settings, std::ostream & out, std::ostream &
    for ( Pelk::IntfId const intfId : settings.interfaces ) {
       host.interfaceIs( intfId );
    }
-   RunAgent agent( settings, host, out, [&activity] { activity.doStop(); } );
-   Linux::SignalWatch const signals( activity, { SIGTERM, SIGINT, SIGUSR1 }, [&]( int signal ) {
-      if ( signal == SIGUSR1 ) {
-         agent.showAttributes();
-      } else {
-         activity.doStop();
-      }
-   } );
+   std::optional< RunAgent > agent;
+   // Neither calls before the loop runs.
+   auto const stream = RunStream::offered(
+      settings, activity, host.em()->name(),
+      [&agent]( Korv::NboAttrLog::Output & output ) { return agent->mirror( output ); }, err );
+   auto const metrics = metricsServed( settings, activity, [&agent] { return agent->metrics(); } );
+   agent.emplace( settings, host, out, [&activity] { activity.doStop(); } );
+   Linux::SignalWatch const signals( activity, { SIGTERM, SIGINT, SIGUSR1, SIGUSR2 },
+                                     [&]( int signal ) {
+                                        switch ( signal ) {
+                                        case SIGUSR1: agent->showAttributes(); break;
+                                        case SIGUSR2: switchTraces( arguments, err ); break;
+                                        default: activity.doStop();
+                                        }
+                                     } );
    activity.run();
-   agent.stop();
+   agent->stop();
    return 0;
 }
 
 } // namespace
 
 int run( RunArguments const & arguments, std::ostream & out, std::ostream & err ) {
-   RunOptions options = arguments.options;
-   if ( !arguments.configFile.empty() ) {
-      options.fillFrom( readRunConfig( arguments.configFile ) );
-   }
-   RunSettings const settings = runSettings( options );
+   RunSettings const settings = runSettings( optionsOf( arguments ) );
    for ( std::string const & warning : warningsOf( settings ) ) {
       err << "mrp: warning: " << warning << '\n';
    }
    try {
-      return runOnLinux( settings, out, err );
+      return runOnLinux( arguments, settings, out, err );
    } catch ( std::system_error const & error ) {
       throw CommandError( error.what() );
    }

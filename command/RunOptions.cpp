@@ -3,6 +3,7 @@
 #include "command/Arguments.h"
 #include "command/CommandError.h"
 #include "command/RunArguments.h"
+#include "command/StreamPath.h"
 
 #include <array>
 
@@ -36,6 +37,25 @@ LogTarget logArgument( std::string const & text ) {
       }
    }
    throw CommandError( "'" + text + "' is no place for logs: errors, stderr, syslog or none" );
+}
+
+std::string socketArgument( std::string const & text ) {
+   if ( text != noSocket ) {
+      try {
+         streamAddressArgument( text );
+      } catch ( CommandError const & error ) {
+         throw CommandError( error.what() + std::string( ", or " ) + noSocket );
+      }
+   }
+   return text;
+}
+
+Linux::StreamAddress metricsArgument( std::string const & text ) {
+   try {
+      return streamAddressArgument( "tcp:" + text );
+   } catch ( CommandError const & ) {
+      throw CommandError( "'" + text + "' is neither PORT nor HOST:PORT, such as 9100" );
+   }
 }
 
 Korv::Seconds timerArgument( std::string const & text ) {
@@ -104,6 +124,19 @@ constexpr std::array all{
               []( Options & to, Text const & text ) { to.trace = text; }, nullptr },
    RunOption{ "ring", "FILE", "Keep a ring buffer of what happens in FILE, for mrp ring", false,
               []( Options & to, Text const & text ) { to.ring = text; }, nullptr },
+   RunOption{
+      "socket", "ADDRESS",
+      "Where to offer the mirror stream: a path, unix:PATH, tcp:PORT, tcp:HOST:PORT or none "
+      "[/run/mrp/APPLICATION.sock, for others than root "
+      "$XDG_RUNTIME_DIR/mrp/APPLICATION.sock]",
+      false, []( Options & to, Text const & text ) { to.socket = socketArgument( text ); },
+      nullptr },
+   RunOption{ "metrics", "[HOST:]PORT",
+              "Serve metrics for Prometheus over HTTP, on the loopback interface unless there is a "
+              "HOST, an IPv4 address [none]",
+              false,
+              []( Options & to, Text const & text ) { to.metrics = metricsArgument( text ); },
+              nullptr },
    RunOption{ "json", nullptr, "Print lines of JSON", false,
               []( Options & to, Text const & text ) { to.json = switchArgument( text ); },
               nullptr },
@@ -123,7 +156,7 @@ void RunOptions::fillFrom( RunOptions const & others ) {
    using O = RunOptions;
    fill( &O::application, &O::address, &O::ethertype, &O::declare, &O::bridge, &O::talkers,
          &O::listeners, &O::domains, &O::leaveTime, &O::leaveAllTime, &O::json, &O::interfaces,
-         &O::log, &O::trace, &O::ring );
+         &O::log, &O::trace, &O::ring, &O::socket, &O::metrics );
 }
 
 } // namespace Command

@@ -1,6 +1,7 @@
 // What `mrp run` can be told, on the command line and in a file, described once.
 #pragma once
 
+#include "mrp/platform/linux/StreamSocket.h"
 #include "mrp/platform/pelk/EthAddr.h"
 #include "mrp/vocabulary/Mrp.h"
 
@@ -41,6 +42,9 @@ enum class LogTarget : U8 {
    none
 };
 
+// The socket that is none.
+inline constexpr char const * noSocket = "none";
+
 // As far as they were given.
 struct RunOptions {
    std::optional< Mrp::MrpApplication > application;
@@ -58,6 +62,8 @@ struct RunOptions {
    std::optional< LogTarget > log;
    std::optional< std::string > trace;
    std::optional< std::string > ring;
+   std::optional< std::string > socket; // "none", or what streamAddressArgument takes
+   std::optional< Linux::StreamAddress > metrics;
 
    // Takes what was not given from the others, each option as a whole.
    void fillFrom( RunOptions const & others );

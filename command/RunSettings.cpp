@@ -114,7 +114,9 @@ RunSettings runSettings( RunOptions const & options ) {
                          interfacesOf( options ),
                          options.log.value_or( LogTarget::errors ),
                          options.trace.value_or( "" ),
-                         options.ring.value_or( "" ) };
+                         options.ring.value_or( "" ),
+                         options.socket,
+                         options.metrics };
    // Registrations that are asked for again before they can run out never do.
    if ( settings.leaveAllTime <= settings.leaveTime ) {
       throw CommandError(

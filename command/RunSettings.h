@@ -20,8 +20,10 @@ struct RunSettings {
    bool json;
    std::vector< Pelk::IntfId > interfaces; // at least one, each once
    LogTarget log;
-   std::string trace; // empty: as it is
-   std::string ring;  // empty: none
+   std::string trace;                             // empty: as it is
+   std::string ring;                              // empty: none
+   std::optional< std::string > socket;           // without it the usual place
+   std::optional< Linux::StreamAddress > metrics; // without it none
 };
 
 // Throws CommandError for what cannot be.

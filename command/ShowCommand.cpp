@@ -19,7 +19,7 @@ namespace Command {
 
 namespace {
 
-constexpr char const * howToStart = "mrp run makes one, and docs/showing.md tells more";
+constexpr char const * howToStart = "mrp run makes one, as in: mrp run --application mvrp eth0";
 
 // The sockets of the default folder, by name.
 std::vector< Linux::StreamAddress > defaultAddresses() {

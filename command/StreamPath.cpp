@@ -34,12 +34,14 @@ Linux::StreamAddress streamAddressArgument( std::string const & text ) {
       return address;
    }
    try {
-      return Linux::StreamAddress::fromText( text );
-   } catch ( Korv::RangeException const & ) {
-      throw CommandError( "'" + text +
-                          "' is no address of a stream: a path, unix:PATH, tcp:PORT or "
-                          "tcp:HOST:PORT" );
+      auto address = Linux::StreamAddress::fromText( text );
+      if ( address.isUnix || address.port != 0 ) {
+         return address;
+      }
+   } catch ( Korv::RangeException const & ) { // said below
    }
+   throw CommandError( "'" + text +
+                       "' is no address of a stream: a path, unix:PATH, tcp:PORT, tcp:HOST:PORT" );
 }
 
 } // namespace Command

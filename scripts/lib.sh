@@ -6,7 +6,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 mkdir -p build/log
 
 build_packages=( g++ cmake ninja-build pkg-config libpcap-dev libcli11-dev nlohmann-json3-dev
-   libtomlplusplus-dev )
+   libtomlplusplus-dev libmicrohttpd-dev )
 bench_packages=( libgtest-dev libgmock-dev libbenchmark-dev )
 demo_packages=( iproute2 python3 tcpdump )
 test_packages=( "${bench_packages[@]}" python3 iproute2 tshark )
@@ -27,6 +27,7 @@ proof() {
       libcli11-dev) echo CLI/CLI.hpp ;;
       nlohmann-json3-dev) echo nlohmann/json.hpp ;;
       libtomlplusplus-dev) echo toml++/toml.h ;;
+      libmicrohttpd-dev) echo microhttpd.h ;;
       libgtest-dev) echo gtest/gtest.h ;;
       libgmock-dev) echo gmock/gmock.h ;;
       libbenchmark-dev) echo benchmark/benchmark.h ;;

@@ -9,6 +9,7 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -52,8 +53,13 @@ Descriptor newSocket( SocketAddress const & address ) {
    return made;
 }
 
-// Nobody accepts there any more.
-bool isAbandoned( SocketAddress const & address ) {
+// A socket at which nobody accepts any more. A file of another kind would refuse to be connected to
+// just the same.
+bool isAbandoned( StreamAddress const & where, SocketAddress const & address ) {
+   struct stat status {};
+   if ( ::lstat( where.path.c_str(), &status ) != 0 || !S_ISSOCK( status.st_mode ) ) {
+      return false;
+   }
    Descriptor const probe = newSocket( address );
    return ::connect( probe.number(), address.get(), address.size ) != 0 && errno == ECONNREFUSED;
 }
@@ -92,8 +98,12 @@ Descriptor listeningSocket( StreamAddress const & address ) {
    Descriptor made = newSocket( at );
    int const on = 1;
    ::setsockopt( made.number(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof on );
+   if ( address.isUnix ) {
+      // The mode of the path from its first moment on: what binds takes it from the socket.
+      ::fchmod( made.number(), S_IRUSR | S_IWUSR );
+   }
    int result = ::bind( made.number(), at.get(), at.size );
-   if ( result != 0 && errno == EADDRINUSE && address.isUnix && isAbandoned( at ) ) {
+   if ( result != 0 && errno == EADDRINUSE && address.isUnix && isAbandoned( address, at ) ) {
       ::unlink( address.path.c_str() );
       result = ::bind( made.number(), at.get(), at.size );
    }

@@ -22,7 +22,8 @@ struct StreamAddress {
    Korv::U16 port = 0; // 0: any that is free
 };
 
-// These throw std::system_error. A path that a dead process has left behind is taken over.
+// These throw std::system_error. A path belongs to its user alone (0600); one that a dead process
+// has left behind is taken over.
 Descriptor listeningSocket( StreamAddress const & address );
 // Still connecting, possibly: it is writable when that has been decided.
 Descriptor connectingSocket( StreamAddress const & address );

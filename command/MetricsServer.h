@@ -1,0 +1,68 @@
+// Metrics over HTTP, on the process's own loop: GET /metrics.
+#pragma once
+
+#include "mrp/platform/korv/Clock.h"
+#include "mrp/platform/linux/DescriptorWatch.h"
+#include "mrp/platform/linux/StreamSocket.h"
+
+#include <functional>
+#include <list>
+#include <memory>
+#include <string>
+
+struct MHD_Connection;
+struct MHD_Daemon;
+
+namespace Command {
+
+// A connection carries one request and lives for a few seconds at most, whatever its client does;
+// there are few at a time, and the others wait in the kernel.
+//
+// Owned by whoever runs the loop; gone before the activity.
+class MetricsServer {
+ public:
+   using Text = std::function< std::string() >;
+
+   // `text` is asked at each scrape. Throws std::system_error or Korv::RangeException if the
+   // address cannot be had.
+   MetricsServer( Linux::RealActivity & activity, Linux::StreamAddress const & address, Text text );
+   MetricsServer( MetricsServer const & ) = delete;
+   MetricsServer & operator=( MetricsServer const & ) = delete;
+   ~MetricsServer();
+
+   // Called by the library's callbacks.
+   int handleRequest( MHD_Connection & connection, std::string const & path,
+                      std::string const & method ) const;
+   void handleConnected( int socket );
+   void handleClosed( int socket );
+
+ private:
+   // A time of its own: the library's work that no descriptor tells of.
+   class Due : public Korv::Clock::Reactor {
+    public:
+      explicit Due( std::function< void() > due )
+         : Reactor( Korv::activityManager().clock(), Korv::Clock::Rank::outside ),
+           due_( std::move( due ) ) {}
+      void onTime() override { due_(); }
+
+    private:
+      std::function< void() > due_;
+   };
+   struct Client {
+      explicit Client( int number );
+      int socket;
+      Due deadline;
+   };
+
+   // Everything that is ready, and then as long as the library can wait.
+   void work();
+
+   Text text_;
+   std::list< Client > clients_; // each connection that is open
+   Linux::Descriptor listening_;
+   MHD_Daemon * daemon_;
+   std::unique_ptr< Linux::DescriptorWatch > watch_;
+   Due due_{ [this] { work(); } };
+};
+
+} // namespace Command
