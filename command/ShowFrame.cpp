@@ -26,9 +26,11 @@ std::string squeezed( std::string const & line ) {
 
 std::string ShowFrame::picture( std::string const & head, ShowLines const & lines, ScreenSize size,
                                 Korv::Seconds now ) {
-   std::size_t const room = size.rows > 1 ? size.rows - 1 : 0;
+   std::size_t const room = std::max( size.rows, std::size_t{ 2 } ) - 1;
    bool const isCut = lines.size() > room;
-   std::size_t const shown = isCut && room > 0 ? room - 1 : std::min( lines.size(), room );
+   std::size_t const shown = isCut ? room - 1 : lines.size();
+   top_ = std::clamp( top_, 0L, static_cast< long >( lines.size() - shown ) );
+   auto const top = static_cast< std::size_t >( top_ );
 
    std::string text = home;
    std::string first = head.substr( 0, size.columns );
@@ -38,6 +40,7 @@ std::string ShowFrame::picture( std::string const & head, ShowLines const & line
    decltype( since_ ) since;
    nextEnd_ = Korv::never;
    for ( std::size_t i = 0; i < lines.size(); ++i ) {
+      bool const isShown = i >= top && i < top + shown;
       bool isNew = false;
       if ( lines[i].kind == ShowLine::Kind::plain && !lines[i].text.empty() ) {
          std::string const key = squeezed( lines[i].text );
@@ -47,11 +50,11 @@ std::string ShowFrame::picture( std::string const & head, ShowLines const & line
                                                           : now;
          since[key] = came;
          isNew = now < came + moment;
-         if ( isNew && i < shown ) {
+         if ( isNew && isShown ) {
             nextEnd_ = std::min( nextEnd_, came + moment );
          }
       }
-      if ( i < shown ) {
+      if ( isShown ) {
          text += "\r\n";
          text += isNew ? reverse : lines[i].kind == ShowLine::Kind::heading ? bold : "";
          text += lines[i].text.substr( 0, size.columns );
@@ -61,8 +64,9 @@ std::string ShowFrame::picture( std::string const & head, ShowLines const & line
    }
    since_ = std::move( since );
    isFirst_ = false;
-   if ( isCut && room > 0 ) {
-      std::string const rest = "... " + std::to_string( lines.size() - shown ) + " more lines";
+   if ( isCut ) {
+      std::string const rest = "... " + std::to_string( lines.size() - shown - top ) +
+                               " more lines below, " + std::to_string( top ) + " above";
       text += std::string( "\r\n" ) + bold + rest.substr( 0, size.columns ) + plain + clearLine;
    }
    return text + clearBelow;

@@ -18,15 +18,18 @@ class ShowFrame {
  public:
    static constexpr Korv::Seconds moment = 1.5;
 
-   // The head on the first line, then as many lines as there is room for, and how many more there
-   // are.
+   // The head on the first line, then as many lines as there is room for, and how many there are
+   // above and below them.
    std::string picture( std::string const & head, ShowLines const & lines, ScreenSize size,
                         Korv::Seconds now );
+   // So many lines down, or up; as far as there are any.
+   void scroll( long lines ) { top_ += lines; }
    // Some line stands out that need not any more.
    bool isStale( Korv::Seconds now ) const { return now >= nextEnd_; }
 
  private:
    std::unordered_map< std::string, Korv::Seconds > since_; // when each line came
+   long top_ = 0;                                           // of the lines, the first that is shown
    Korv::Seconds nextEnd_ = Korv::never;
    bool isFirst_ = true;
 };

@@ -1,5 +1,7 @@
 #include "command/ShowScreen.h"
 
+#include <algorithm>
+#include <array>
 #include <csignal>
 #include <iostream>
 #include <sys/ioctl.h>
@@ -10,6 +12,19 @@ namespace Command {
 namespace {
 constexpr char const * enterAlternate = "\033[?1049h\033[?25l\033[H\033[J";
 constexpr char const * leaveAlternate = "\033[0m\033[?25h\033[?1049l";
+
+struct KeyText {
+   std::string_view text;
+   ShowScreen::Key key;
+};
+using Key = ShowScreen::Key;
+constexpr std::array keyTexts{
+   KeyText{ "q", Key::quit },         KeyText{ "Q", Key::quit },
+   KeyText{ "\033[A", Key::up },      KeyText{ "\033OA", Key::up },
+   KeyText{ "\033[B", Key::down },    KeyText{ "\033OB", Key::down },
+   KeyText{ "k", Key::up },           KeyText{ "j", Key::down },
+   KeyText{ "\033[5~", Key::pageUp }, KeyText{ "\033[6~", Key::pageDown },
+   KeyText{ "b", Key::pageUp },       KeyText{ " ", Key::pageDown } };
 } // namespace
 
 bool isStandardOutput( std::ostream const & out ) { return &out == &std::cout; }
@@ -24,9 +39,8 @@ std::optional< ScreenSize > terminalSize( std::ostream const & out ) {
    return isKnown ? ScreenSize{ window.ws_row, window.ws_col } : ScreenSize();
 }
 
-ShowScreen::ShowScreen( Linux::RealActivity & activity, std::ostream & out,
-                        std::function< void() > quit )
-   : out_( out ), quit_( std::move( quit ) ),
+ShowScreen::ShowScreen( Linux::RealActivity & activity, std::ostream & out, OnKey onKey )
+   : out_( out ), onKey_( std::move( onKey ) ),
      hasKeyboard_( ::tcgetattr( STDIN_FILENO, &before_ ) == 0 ) {
    if ( hasKeyboard_ ) {
       keys_.emplace( activity, STDIN_FILENO, Linux::DescriptorWatch::reading,
@@ -61,15 +75,23 @@ void ShowScreen::suspend() {
    enter();
 }
 
+// What is no key of ours means nothing, the rest of a sequence that a key sends included.
 void ShowScreen::handleInput() {
-   char key = 0;
-   auto const got = ::read( STDIN_FILENO, &key, 1 );
+   std::array< char, 64 > bytes;
+   auto const got = ::read( STDIN_FILENO, bytes.data(), bytes.size() );
    if ( got <= 0 ) { // the terminal has gone
       keys_.reset();
-      return quit_();
+      return onKey_( Key::quit );
    }
-   if ( key == 'q' || key == 'Q' ) {
-      quit_();
+   for ( std::string_view rest( bytes.data(), static_cast< std::size_t >( got ) );
+         !rest.empty(); ) {
+      auto const known = std::ranges::find_if(
+         keyTexts, [&]( KeyText const & one ) { return rest.starts_with( one.text ); } );
+      bool const isKnown = known != keyTexts.end();
+      rest.remove_prefix( isKnown ? known->text.size() : 1 );
+      if ( isKnown ) {
+         onKey_( known->key );
+      }
    }
 }
 

@@ -17,8 +17,11 @@ std::optional< ScreenSize > terminalSize( std::ostream const & out );
 // On the alternate screen, without a cursor and without echo, for its lifetime.
 class ShowScreen {
  public:
-   // `quit` is called from the loop when the user types q.
-   ShowScreen( Linux::RealActivity & activity, std::ostream & out, std::function< void() > quit );
+   enum class Key : Korv::U8 { quit, up, down, pageUp, pageDown };
+   // Called from the loop for each key that means something.
+   using OnKey = std::function< void( Key key ) >;
+
+   ShowScreen( Linux::RealActivity & activity, std::ostream & out, OnKey onKey );
    ShowScreen( ShowScreen const & ) = delete;
    ShowScreen & operator=( ShowScreen const & ) = delete;
    ~ShowScreen();
@@ -34,9 +37,9 @@ class ShowScreen {
    void handleInput();
 
    std::ostream & out_;
-   std::function< void() > quit_;
-   bool hasKeyboard_;
+   OnKey onKey_;
    termios before_{};
+   bool hasKeyboard_; // and has filled `before_`
    std::optional< Linux::DescriptorWatch > keys_;
 };
 

@@ -45,20 +45,22 @@ std::string ShowSource::failure() const {
    return "";
 }
 
+// A copy under way is nothing to show.
 bool ShowSource::hasChanged() {
    Seen const now = seen();
-   // A copy under way is nothing to show.
    return now != shown_ && ( !now.isConnected || isWhole() );
 }
 
 ShowStream const & ShowSource::stream( ShowFilter const & filter ) {
-   shown_ = seen();
-   stream_.connected = shown_.isConnected;
-   stream_.problem = shown_.problem;
-   if ( isWhole() ) {
-      stream_.views = showViews( mirror_, filter );
-      stream_.isKnown = true;
+   if ( hasChanged() ) {
+      shown_ = seen();
+      if ( shown_.isConnected ) {
+         stream_.views = showViews( mirror_, filter );
+         stream_.isKnown = true;
+      }
    }
+   stream_.connected = connection_.connected();
+   stream_.problem = connection_.lastError();
    return stream_;
 }
 

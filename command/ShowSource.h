@@ -27,7 +27,8 @@ class ShowSource {
    // Why there will be none without another attempt; empty while there is hope.
    std::string failure() const;
 
-   // Taken anew from the mirror if that is whole, with what is known of the connection.
+   // What the mirror was when it was whole last, and what is known of the connection. The filter
+   // is the same each time.
    ShowStream const & stream( ShowFilter const & filter );
    // Whether stream() would be another than it was last.
    bool hasChanged();

@@ -6,6 +6,7 @@
 #include "command/ShowScreen.h"
 
 #include <algorithm>
+#include <chrono>
 #include <ctime>
 #include <sstream>
 #include <sys/stat.h>
@@ -16,6 +17,8 @@ namespace Command {
 namespace {
 
 constexpr Korv::Seconds period = 0.1;
+
+using Clock = std::chrono::steady_clock;
 
 std::string timeOfDay() {
    std::time_t const now = std::time( nullptr );
@@ -34,20 +37,23 @@ class Watch {
         signals_( activity, { SIGINT, SIGTERM, SIGHUP, SIGWINCH, SIGTSTP },
                   [this]( int signal ) { handleSignal( signal ); } ) {
       if ( !options.json && terminalSize( out ) ) {
-         screen_.emplace( activity, out, [this] { doStop(); } );
+         screen_.emplace( activity, out, [this]( ShowScreen::Key key ) { handleKey( key ); } );
       }
       watchReader();
    }
 
    void run() {
       while ( !isStopping_ && out_ ) {
+         Clock::time_point const begin = Clock::now();
          bool const isDue = hasChanged();
          if ( screen_ ) {
             drawScreen( isDue );
          } else if ( isDue ) {
             print();
          }
-         activity_.runFor( period );
+         // A picture of very many attributes takes its time; most of it is left to the stream.
+         std::chrono::duration< double > const spent = Clock::now() - begin;
+         activity_.runFor( std::max( period, 4 * spent.count() ) );
       }
    }
 
@@ -75,6 +81,19 @@ class Watch {
          return doStop();
       }
       isToBeDrawn_ = true;
+   }
+   void handleKey( ShowScreen::Key key ) {
+      using Key = ShowScreen::Key;
+      if ( key == Key::quit ) {
+         return doStop();
+      }
+      auto const page = static_cast< long >( screen_->size().rows ) - 3;
+      frame_.scroll( key == Key::up       ? -1
+                     : key == Key::down   ? 1
+                     : key == Key::pageUp ? -page
+                                          : page );
+      isToBeDrawn_ = true;
+      activity_.doStop(); // a round, for the picture
    }
    void doStop() {
       isStopping_ = true;
@@ -120,7 +139,8 @@ class Watch {
       } else {
          head += std::to_string( connected ) + " of " + std::to_string( all.size() ) + " connected";
       }
-      screen_->draw( frame_.picture( head + "  (q quits)", lines_, size, Korv::now() ) );
+      screen_->draw(
+         frame_.picture( head + "  (q quits, arrows scroll)", lines_, size, Korv::now() ) );
    }
 
    // What differs from the last one; much changes that is not shown.
