@@ -36,7 +36,7 @@ void addTable( ShowLines & lines, Table const & table ) {
 // ---- Of the participant as a whole --------------------------------------------------------------
 
 struct CounterWord {
-   char const * name;
+   std::string_view name;
    char const * line;
    char const * word;
 };
@@ -60,8 +60,7 @@ void addLabelled( ShowLines & lines, std::string label, std::string const & text
 void addCounters( ShowLines & lines, ShowView const & view ) {
    std::map< std::string, std::string > texts;
    for ( auto const & [name, value] : view.counters ) {
-      auto const known =
-         std::ranges::find_if( counterWords, [&]( auto const & w ) { return w.name == name; } );
+      auto const known = std::ranges::find( counterWords, name, &CounterWord::name );
       bool const isKnown = known != counterWords.end();
       std::string const line = isKnown ? known->line : "errors";
       if ( line != "errors" || value != 0 ) {
@@ -136,9 +135,13 @@ class AttributeTable {
          headings.push_back( fields_[i].heading );
       }
       std::size_t const columns = columnsIn( width, headings );
-      Table table( Table::Row( headings.begin(), headings.begin() + columns ) );
+      auto const firstOf = [&]( Table::Row row ) {
+         row.resize( columns );
+         return row;
+      };
+      Table table( firstOf( headings ) );
       for ( Table::Row const & row : rows_ ) {
-         table.add( Table::Row( row.begin(), row.begin() + columns ) );
+         table.add( firstOf( row ) );
       }
       ShowLines written;
       addTable( written, table );
