@@ -160,6 +160,9 @@ void describeRun( CLI::App & mrp, Run & run ) {
       "latency=NANOSECONDS [0]. An ID is eight bytes: 02:00:00:00:00:01:00:07. A domain is given\n"
       "as class=A,priority=3,vlan=2, which is class A if nothing is said; class B has priority 2.\n"
       "\n"
+      "The mirror stream is offered in /run/mrp, for others than root in $XDG_RUNTIME_DIR/mrp, as\n"
+      "mvrp.sock or msrp.sock.\n"
+      "\n"
       "SIGTERM and SIGINT withdraw what was declared and end the command with exit status 0;\n"
       "SIGUSR1 prints all attributes; SIGUSR2 switches traces off, or on as --trace and the file\n"
       "say by then. It takes CAP_NET_RAW. docs/running.md tells more." );

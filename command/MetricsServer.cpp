@@ -102,11 +102,18 @@ int MetricsServer::handleRequest( MHD_Connection & connection, std::string const
 void MetricsServer::handleConnected( int socket ) { clients_.emplace_back( socket ); }
 
 void MetricsServer::handleClosed( int socket ) {
+   ++closed_;
    clients_.remove_if( [socket]( Client const & client ) { return client.socket == socket; } );
 }
 
 void MetricsServer::work() {
-   MHD_run( daemon_ );
+   std::size_t closed = 0;
+   do {
+      closed = closed_;
+      MHD_run( daemon_ );
+      // With no room for clients the library listens no more, and once there is room it listens
+      // again no sooner than when it runs the next time: for which nothing else may call.
+   } while ( closed != closed_ );
    MHD_UNSIGNED_LONG_LONG milliseconds = 0;
    bool const isTimed = MHD_get_timeout( daemon_, &milliseconds ) == MHD_YES;
    due_.timeMinIs( isTimed ? Korv::now() + static_cast< double >( milliseconds ) / 1000

@@ -59,6 +59,7 @@ class MetricsServer {
 
    Text text_;
    std::list< Client > clients_; // each connection that is open
+   std::size_t closed_ = 0;
    Linux::Descriptor listening_;
    MHD_Daemon * daemon_;
    std::unique_ptr< Linux::DescriptorWatch > watch_;

@@ -127,16 +127,14 @@ constexpr std::array all{
    RunOption{
       "socket", "ADDRESS",
       "Where to offer the mirror stream: a path, unix:PATH, tcp:PORT, tcp:HOST:PORT or none "
-      "[/run/mrp/APPLICATION.sock, for others than root "
-      "$XDG_RUNTIME_DIR/mrp/APPLICATION.sock]",
+      "[as below]",
       false, []( Options & to, Text const & text ) { to.socket = socketArgument( text ); },
       nullptr },
-   RunOption{ "metrics", "[HOST:]PORT",
-              "Serve metrics for Prometheus over HTTP, on the loopback interface unless there is a "
-              "HOST, an IPv4 address [none]",
-              false,
-              []( Options & to, Text const & text ) { to.metrics = metricsArgument( text ); },
-              nullptr },
+   RunOption{
+      "metrics", "[HOST:]PORT",
+      "Serve metrics for Prometheus over HTTP, on the loopback interface if there is no HOST",
+      false, []( Options & to, Text const & text ) { to.metrics = metricsArgument( text ); },
+      nullptr },
    RunOption{ "json", nullptr, "Print lines of JSON", false,
               []( Options & to, Text const & text ) { to.json = switchArgument( text ); },
               nullptr },

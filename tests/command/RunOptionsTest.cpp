@@ -2,9 +2,14 @@
 #include "command/CommandError.h"
 #include "command/RunConfig.h"
 #include "command/RunSettings.h"
+#include "command/StreamPath.h"
 #include "tests/command/CommandRun.h"
 
 #include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <functional>
+#include <unistd.h>
 
 namespace CommandTest {
 
@@ -77,6 +82,16 @@ TEST_F( RunOptionsTest, WhatIsWrongOnTheCommandLineIsSaidInALine ) {
       { { "--application", "mvrp", "--leave-time", "10", "eth0" },
         "mrp: a leave-all-time of 10 s is no longer than the leave-time, 10 s" },
       { { "--leave-time", "1", "--leave-time", "2" }, "mrp: " },
+      { { "--log", "file" },
+        "mrp: --log: 'file' is no place for logs: errors, stderr, syslog or none" },
+      { { "--socket", "tpc:7000" },
+        "mrp: --socket: 'tpc:7000' is no address of a stream: a path, unix:PATH, tcp:PORT, "
+        "tcp:HOST:PORT, or none" },
+      { { "--socket", "tcp:0" }, "mrp: --socket: 'tcp:0' is no address" },
+      { { "--socket", "" }, "mrp: --socket: '' is no address" },
+      { { "--metrics", "localhost" },
+        "mrp: --metrics: 'localhost' is neither PORT nor HOST:PORT, such as 9100" },
+      { { "--metrics", "65536" }, "mrp: --metrics: '65536' is neither" },
       { { "--config", "no-such-file" }, "mrp: no-such-file: No such file or directory" },
       { { "--config", "." }, "mrp: .: " },
    };
@@ -151,6 +166,80 @@ vlan = 9
    using Domain = Mrp::MsrpDomainAttribute;
    EXPECT_THAT( msrp.streams.domains,
                 ElementsAre( Domain( 4, 5, 9 ), Domain( 5, 2, 2 ), Domain( 6, 3, 2 ) ) );
+}
+
+TEST_F( RunOptionsTest, AFileSaysWhatIsTold ) {
+   using Command::LogTarget;
+   using Settings = Command::RunSettings;
+   auto const address = []( std::optional< Linux::StreamAddress > const & given ) {
+      return given ? given->text() : "none";
+   };
+   struct {
+      char const * line;
+      std::function< std::string( Settings const & ) > read;
+      char const * otherwise;
+      char const * expected;
+   } const cases[] = {
+      { "log = 'stderr'",
+        []( Settings const & s ) { return std::to_string( static_cast< int >( s.log ) ); }, "0",
+        "1" },
+      { "trace = 'Mrp/2-4'", []( Settings const & s ) { return s.trace; }, "", "Mrp/2-4" },
+      { "ring = 'a.ring'", []( Settings const & s ) { return s.ring; }, "", "a.ring" },
+      { "socket = 'a.sock'", []( Settings const & s ) { return s.socket.value_or( "usual" ); },
+        "usual", "a.sock" },
+      { "socket = 'none'", []( Settings const & s ) { return s.socket.value_or( "usual" ); },
+        "usual", "none" },
+      { "metrics = 9100", [&]( Settings const & s ) { return address( s.metrics ); }, "none",
+        "tcp:127.0.0.1:9100" },
+      { "metrics = '0.0.0.0:9100'", [&]( Settings const & s ) { return address( s.metrics ); },
+        "none", "tcp:0.0.0.0:9100" },
+   };
+   std::string const needed = "application = 'mvrp'\ninterfaces = 'eth0'\n";
+   for ( auto const & [line, read, otherwise, expected] : cases ) {
+      EXPECT_EQ( read( settingsOfFile( needed ) ), otherwise ) << line;
+      EXPECT_EQ( read( settingsOfFile( needed + line ) ), expected ) << line;
+      // What is given elsewhere is not replaced by what is not given here, and the other way round.
+      std::string const path = textFile( "run.toml", needed + line );
+      Command::RunOptions given;
+      given.fillFrom( Command::readRunConfig( path ) );
+      given.fillFrom( Command::readRunConfig( textFile( "other.toml", needed ) ) );
+      EXPECT_EQ( read( Command::runSettings( given ) ), expected ) << line;
+   }
+   EXPECT_EQ( settingsOfFile( needed + "log = 'syslog'" ).log, LogTarget::syslog );
+}
+
+TEST( StreamPathTest, EverybodyHasAFolderOfHisOwn ) {
+   bool const isRoot = ::geteuid() == 0;
+   if ( isRoot ) {
+      EXPECT_EQ( Command::defaultStreamAddress( Mrp::MVRP ), "/run/mrp/mvrp.sock" );
+      ASSERT_EQ( ::seteuid( 65534 ), 0 );
+   }
+   ::setenv( "XDG_RUNTIME_DIR", "/run/user/7", 1 );
+   EXPECT_EQ( Command::defaultStreamAddress( Mrp::MSRP ), "/run/user/7/mrp/msrp.sock" );
+   ::setenv( "XDG_RUNTIME_DIR", "tmp", 1 );
+   EXPECT_EQ( Command::defaultStreamAddress( Mrp::MSRP ), "" );
+   ::unsetenv( "XDG_RUNTIME_DIR" );
+   EXPECT_EQ( Command::defaultStreamAddress( Mrp::MSRP ), "" );
+   if ( isRoot ) {
+      ASSERT_EQ( ::seteuid( 0 ), 0 );
+   }
+}
+
+TEST( StreamPathTest, AnAddressIsAPathUnlessItSaysOtherwise ) {
+   struct {
+      char const * text;
+      char const * address;
+   } const cases[] = {
+      { "/run/a.sock", "unix:/run/a.sock" },
+      { "a.sock", "unix:a.sock" },
+      { "unix:a", "unix:a" },
+      { "./a:b", "unix:./a:b" },
+      { "tcp:7000", "tcp:127.0.0.1:7000" },
+      { "tcp:10.0.0.1:7000", "tcp:10.0.0.1:7000" },
+   };
+   for ( auto const & [text, address] : cases ) {
+      EXPECT_EQ( Command::streamAddressArgument( text ).text(), address );
+   }
 }
 
 TEST_F( RunOptionsTest, TheCommandLineGoesBeforeTheFile ) {

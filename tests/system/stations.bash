@@ -77,6 +77,9 @@ on() {
 run() {
    local name=$1 host=$2
    shift 2
+   # Here, as whoever looks next may be there before the command.
+   : > "$work/$name.out"
+   : > "$work/$name.err"
    ip netns exec "$host" "$MRP" run "$@" > "$work/$name.out" 2> "$work/$name.err" &
    pids[$name]=$!
    marks[$name]=0

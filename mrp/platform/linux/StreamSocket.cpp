@@ -6,8 +6,11 @@
 #include <cerrno>
 #include <charconv>
 #include <cstring>
+#include <ctime>
+#include <fcntl.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <sys/file.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -64,6 +67,22 @@ bool isAbandoned( StreamAddress const & where, SocketAddress const & address ) {
    return ::connect( probe.number(), address.get(), address.size ) != 0 && errno == ECONNREFUSED;
 }
 
+// Held while a path is looked at and taken: of two that begin together, one would find the other's
+// socket bound, not listening yet, and take it for abandoned. A lock on the path's folder, which
+// leaves nothing behind; where it cannot be had before long, it goes without.
+Descriptor pathLock( std::string const & path ) {
+   auto const slash = path.rfind( '/' );
+   std::string const folder = slash == path.npos ? "." : path.substr( 0, slash + 1 );
+   Descriptor lock( ::open( folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC ) );
+   constexpr timespec pause{ 0, 1'000'000 };
+   for ( int tries = 100;
+         tries > 0 && ::flock( lock.number(), LOCK_EX | LOCK_NB ) != 0 && errno == EWOULDBLOCK;
+         --tries ) {
+      ::nanosleep( &pause, nullptr );
+   }
+   return lock;
+}
+
 } // namespace
 
 StreamAddress StreamAddress::fromText( std::string_view text ) {
@@ -98,14 +117,19 @@ Descriptor listeningSocket( StreamAddress const & address ) {
    Descriptor made = newSocket( at );
    int const on = 1;
    ::setsockopt( made.number(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof on );
+   Descriptor const lock = address.isUnix ? pathLock( address.path ) : Descriptor();
    if ( address.isUnix ) {
       // The mode of the path from its first moment on: what binds takes it from the socket.
       ::fchmod( made.number(), S_IRUSR | S_IWUSR );
    }
    int result = ::bind( made.number(), at.get(), at.size );
-   if ( result != 0 && errno == EADDRINUSE && address.isUnix && isAbandoned( address, at ) ) {
-      ::unlink( address.path.c_str() );
-      result = ::bind( made.number(), at.get(), at.size );
+   if ( result != 0 && errno == EADDRINUSE && address.isUnix ) {
+      if ( isAbandoned( address, at ) ) {
+         ::unlink( address.path.c_str() );
+         result = ::bind( made.number(), at.get(), at.size );
+      } else {
+         errno = EADDRINUSE; // whatever the look at it has left there
+      }
    }
    if ( result != 0 || ::listen( made.number(), 16 ) != 0 ) {
       throwErrno( "cannot listen" );

@@ -1,5 +1,5 @@
-// Where a byte stream is offered, and its sockets: Unix-domain, or TCP over IPv4. None of them ever
-// waits.
+// Where a byte stream is offered, and its sockets: Unix-domain, or TCP over IPv4. None of them
+// waits for another end.
 #pragma once
 
 #include "mrp/platform/korv/Types.h"

@@ -1,0 +1,119 @@
+#!/usr/bin/env python3
+"""Follows a mirror stream, with docs/mirror-stream.md for all that it knows, and prints the
+attributes that come (+) and go (-), a changed one as both:
+
+    + eth0 type 1 key 10 VO IN 000a
+"""
+import socket
+import struct
+import sys
+
+APPLICANT = "VO VP VN AN AA QA LA AO QO AP QP LO".split()
+REGISTRAR = "IN LV MT".split()
+# The collection of children of each type, and how their key is read.
+ENUMERATION, INTERFACE, TEXT, U8, U64 = ">I", "", "", ">B", ">Q"
+CHILDREN = {"Mrp::MrpStatus": (258, ENUMERATION), "Mrp::MrpApplicationDatabase": (259, INTERFACE),
+            "Mrp::MrpIntfApplicant": (259, U8), "Mrp::MrpIntfTypeApplicant": (259, U64)}
+SLOTS = 65
+
+
+class Entity:
+    def __init__(self, type_):
+        self.type, self.children, self.states = type_, {}, {}
+        self.head, self.count, self.slots = 0, 0, {}
+        self.brought = set()  # since marker 0
+
+    def value(self):
+        return bytes(self.slots.get((self.head + i) % SLOTS, 0) for i in range(self.count)).hex()
+
+    def put(self, slot, byte):
+        if self.count == 0:
+            self.head = slot
+        elif (slot + 1) % SLOTS == self.head:
+            self.head, self.count = slot, self.count + 1
+        self.count = max(self.count, (slot - self.head) % SLOTS + 1)
+        self.slots[slot] = byte
+
+    def drop(self, slot):
+        if self.count and slot == self.head:
+            self.head, self.count = (slot + 1) % SLOTS, self.count - 1
+        elif self.count and slot == (self.head + self.count - 1) % SLOTS:
+            self.count -= 1
+
+
+def key_and_rest(form, data):
+    size = struct.calcsize(form) if form else 2 + struct.unpack(">H", data[:2])[0]
+    return (struct.unpack(form, data[:size])[0] if form else data[2:size].decode()), data[size:]
+
+
+class Mirror:
+    def __init__(self):
+        self.entities, self.status = {}, None
+
+    def message(self, number, attribute, flags, payload):
+        if attribute == 136:
+            assert payload[1] == 1, "the first section is the type"
+            type_, _ = key_and_rest(TEXT, payload[6:])
+            self.entities[number] = Entity(type_)
+            if self.entities[number].type == "Mrp::MrpStatus":
+                self.status = number
+            return
+        entity = self.entities[number]
+        collection, form = CHILDREN.get(entity.type, (None, None))
+        value = payload[1:-1]
+        if abs(attribute) == collection:
+            if flags == 1 and payload[0] == 0:
+                entity.brought = set()
+            elif flags == 1 and payload[0] == 2:
+                entity.children = {k: n for k, n in entity.children.items() if k in entity.brought}
+            elif flags == 0:
+                key, rest = key_and_rest(form, value)
+                if attribute > 0:
+                    entity.brought.add(key)
+                    entity.children[key], = struct.unpack(">Q", rest)
+                else:
+                    entity.children.pop(key, None)
+        elif entity.type == "Mrp::MrpAttrDatabase":
+            if attribute in (259, 260):
+                entity.states[attribute], = struct.unpack(">I", value)
+            elif attribute == 261:
+                entity.slots = {s: b for s, b in entity.slots.items()
+                                if (s - entity.head) % SLOTS < entity.count}
+                entity.head, entity.count = value
+            elif attribute == 262 and flags == 0:
+                entity.put(*value)
+            elif attribute == -262:
+                entity.drop(*value)
+
+    def lines(self, number, path=()):
+        entity = self.entities[number]
+        if entity.type == "Mrp::MrpAttrDatabase":
+            _, interface, type_, key = path
+            if len(entity.states) == 2:
+                yield (f"{interface} type {type_} key {key} {APPLICANT[entity.states[259]]} "
+                       f"{REGISTRAR[entity.states[260]]} {entity.value()}")
+        for key, child in entity.children.items():
+            yield from self.lines(child, path + (key,))
+
+
+stream = socket.socket(socket.AF_UNIX)
+stream.connect(sys.argv[1])
+data, mirror, known = b"", Mirror(), set()
+while more := stream.recv(65536):
+    data += more
+    if mirror.status is None and len(data) < 12:
+        continue
+    if data.startswith(b"MrpAttrL"):
+        assert data[8:10] == b"\0\1", "another major version"
+        data = data[12:]
+    while len(data) >= 4 and len(data) >= 4 + struct.unpack(">I", data[:4])[0]:
+        end = 4 + struct.unpack(">I", data[:4])[0]
+        mirror.message(*struct.unpack(">QhB", data[4:15]), data[15:end])
+        data = data[end:]
+    now = set(mirror.lines(mirror.status)) if mirror.status is not None else set()
+    for line in sorted(known - now):
+        print("-", line, flush=True)
+    for line in sorted(now - known):
+        print("+", line, flush=True)
+    known = now
+print("end", flush=True)

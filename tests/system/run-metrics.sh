@@ -1,0 +1,101 @@
+#!/usr/bin/env bash
+# `mrp run --metrics`: what a scrape gets, and what clients that mean no good cost it.
+# shellcheck source-path=SCRIPTDIR source=stations.bash
+. "$(dirname "$0")/stations.bash"
+
+# scraped HOST PYTHON: runs it there, with `get`.
+scraped() {
+   on "$1" python3 -c "
+import os, signal, socket, sys, time, urllib.error, urllib.request
+pid = ${pids[right]}
+def get( path, method = 'GET', host = '127.0.0.1:9100' ):
+   request = urllib.request.Request( f'http://{host}{path}', method = method )
+   try:
+      with urllib.request.urlopen( request, timeout = 15 ) as answer:
+         return answer.status, answer.headers, answer.read().decode()
+   except urllib.error.HTTPError as error:
+      return error.code, error.headers, ''
+$2" 2>> "$work/scrape.err"
+}
+
+host left right
+wire left eth0 right eth0
+on right ip link set lo up
+ip -n left address add 10.0.0.1/24 dev eth0
+ip -n right address add 10.0.0.2/24 dev eth0
+run right right --application mvrp --metrics 9100 --socket none "${long[@]}" eth0
+run left left --application mvrp --declare 10,20-21 --socket none "${long[@]}" eth0
+heard right 'VLAN 10 ' 'VLAN 20 ' 'VLAN 21 '
+
+# shellcheck disable=SC2016
+scraped right '
+status, headers, text = get( "/metrics" )
+assert status == 200 and headers[ "Content-Type" ].startswith( "text/plain; version=0.0.4" )
+lines = text.splitlines()
+assert "mrp_registrar_attributes{application=\"mvrp\",interface=\"eth0\",type=\"VLAN\",state=\"IN\"} 3" in lines, text
+received, = ( int( line.split()[ 1 ] ) for line in lines if line.startswith( "mrp_frames_received_total{" ) )
+assert received > 0
+assert get( "/metrics", "HEAD" )[ 2 ] == ""
+assert get( "/" )[ 0 ] == 404
+status, headers, text = get( "/metrics", "DELETE" )
+assert status == 405 and headers[ "Allow" ] == "GET, HEAD"
+' || fail "the scrape is not what it should be"
+
+# Nobody else gets at it, and nobody else gets its port.
+! scraped left 'get( "/metrics", host = "10.0.0.2:9100" )' || fail "other hosts get at the metrics"
+status=0
+on right "$MRP" run --application msrp --metrics 127.0.0.1:9100 --socket none eth0 \
+   2> "$work/taken.err" || status=$?
+[ $status = 2 ] || fail "exit status $status where the port is taken"
+grep -q '^mrp: metrics: tcp:127.0.0.1:9100: .*in use' "$work/taken.err" || fail "no word of the port"
+
+# More of those that never end what they have to say than there is room for: each gets its few
+# seconds, and the scrape its turn. Meanwhile the protocol goes on.
+scraped right '
+noise = b"GET /metrics HTTP/1.1\r\nHost: a\r\nX: " + b"x" * 100000
+for text in ( b"", b"GET /met", noise, b"\0" * 5000, b"POST /metrics HTTP/1.1\r\nContent-Length: 9\r\n\r\n" ) * 2:
+   held = socket.create_connection( ( "127.0.0.1", 9100 ) )
+   held.setblocking( False )
+   try:
+      held.send( text )
+   except OSError:
+      pass
+   globals().setdefault( "all", [] ).append( held )
+print( "held", flush = True )
+assert get( "/metrics" )[ 0 ] == 200
+for held in all:
+   held.settimeout( 15 )
+   try:
+      while held.recv( 65536 ):
+         pass
+   except ConnectionError:
+      pass
+# All that it has room for end at one and the same time.
+descriptors = lambda: len( os.listdir( f"/proc/{pid}/fd" ) )
+before = descriptors()
+many = [ socket.create_connection( ( "127.0.0.1", 9100 ) ) for n in range( 20 ) ]
+while descriptors() < before + 8:
+   time.sleep( 0.01 )
+os.kill( pid, signal.SIGSTOP )
+for held in many:
+   held.close()
+os.kill( pid, signal.SIGCONT )
+assert get( "/metrics" )[ 0 ] == 200
+' > "$work/hostile.out" &
+pids[hostile]=$!
+until_true grep -qs held "$work/hostile.out" || fail "no connections"
+run more left --application mvrp --declare 30 --socket none "${long[@]}" eth0
+heard right 'VLAN 30 '
+wait "${pids[hostile]}" || fail "a scrape behind silent clients is not served"
+unset 'pids[hostile]'
+stop more
+stop left
+stop right || fail "SIGTERM does not end the command with 0"
+
+# Told to, it serves others.
+run right right --application mvrp --metrics 10.0.0.2:9100 --socket none "${long[@]}" eth0
+others_get() {
+   scraped left 'sys.exit( get( "/metrics", host = "10.0.0.2:9100" )[ 0 ] != 200 )'
+}
+until_true others_get || fail "the address that was asked for is not served"
+stop right

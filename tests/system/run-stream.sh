@@ -1,0 +1,82 @@
+#!/usr/bin/env bash
+# The mirror stream of `mrp run`, read by an observer that knows nothing but docs/mirror-stream.md;
+# and the place where it is offered: who may come near it, and who has it when two want it.
+# shellcheck source-path=SCRIPTDIR source=stations.bash
+. "$(dirname "$0")/stations.bash"
+
+# observe NAME PATH: what the observer prints is that name's.
+observe() {
+   python3 "$MRP_SOURCE_DIR/tests/system/observer.py" "$2" > "$work/$1.out" 2> "$work/$1.err" &
+   pids[$1]=$!
+   marks[$1]=0
+}
+# refused PATTERN OPTION...: `mrp run` does not start, and says so in one line.
+refused() {
+   local pattern=$1 status=0
+   shift
+   on left "$MRP" run --application mvrp "$@" eth0 > "$work/refused.out" 2> "$work/refused.err" ||
+      status=$?
+   [ $status = 2 ] || fail "exit status $status with: $*"
+   [ "$(wc -l < "$work/refused.err")" = 1 ] || fail "more than a line is said"
+   grep -q -- "$pattern" "$work/refused.err" || fail "no word of it with: $*"
+}
+is_socket() {
+   [ -S "$1" ]
+}
+
+host left right
+wire left eth0 right eth0
+usual=/run/mrp/mvrp.sock
+
+# Whatever the umask. An observer that comes early sees all that comes.
+umask 0
+run right right --application mvrp "${long[@]}" eth0
+umask 022
+until_true is_socket $usual || fail "no socket at the usual place"
+[ "$(stat -c %a /run/mrp $usual | xargs)" = "700 600" ] || fail "others may come near the stream"
+observe early $usual
+
+# A second one finds the usual place taken. That costs it the stream and a warning.
+run left left --application mvrp --declare 10,20-21 "${long[@]}" eth0
+heard early '^\+ eth0 type 1 key 10 .. IN 000a$' 'key 20 .. IN 0014$' 'key 21 .. IN 0015$'
+[ "$(grep -c 'warning: no mirror stream: unix:/run/mrp/mvrp.sock: it is taken (--socket' \
+   "$work/left.err")" = 1 ] || fail "no warning of the usual place"
+
+# One that comes late has the same picture. Both see what goes.
+observe late $usual
+heard late '^\+ eth0 type 1 key 10 .. IN 000a$' 'key 20 .. IN 0014$' 'key 21 .. IN 0015$'
+stop left
+heard early '^- eth0 type 1 key 10 .. LV 000a$'
+heard late '^- eth0 type 1 key 10 .. LV 000a$'
+
+# A place that was asked for has to be free.
+echo kept > "$work/file"
+refused "mrp: socket: unix:$usual: it is taken" --socket $usual
+refused "mrp: socket: unix:$work/file: it is taken" --socket "$work/file"
+[ "$(cat "$work/file")" = kept ] || fail "a file that is no socket is gone"
+refused "mrp: socket: unix:$work/none/at: .*No such file" --socket "unix:$work/none/at"
+refused "mrp: socket: tcp:nowhere:7000: 'nowhere' is no IPv4 address" --socket tcp:nowhere:7000
+
+# What a killed one leaves behind the next one takes; one that is stopped leaves nothing.
+stop right KILL && fail "SIGKILL is survived"
+heard early '^end$'
+[ -S $usual ] || fail "the socket went by itself"
+run right right --application mvrp "${long[@]}" eth0
+reads() {
+   python3 -c 'import socket, sys
+s = socket.socket( socket.AF_UNIX ); s.settimeout( 5 ); s.connect( sys.argv[ 1 ] )
+sys.exit( s.recv( 8 ) != b"MrpAttrL" )' "$1" 2> /dev/null
+}
+until_true reads $usual || fail "the abandoned socket was not taken over"
+[ ! -s "$work/right.err" ] || fail "something is said about it"
+stop right || fail "SIGTERM does not end the command with 0"
+[ ! -e $usual ] || fail "the socket is left behind"
+
+# A place of its own, or none.
+run left left --application mvrp --socket "$work/own" --declare 10 "${long[@]}" eth0
+run right right --application mvrp --socket none "${long[@]}" eth0
+heard right 'VLAN 10 '
+is_socket "$work/own" || fail "no socket at the place that was asked for"
+[ -z "$(ls -A /run/mrp)" ] || fail "there is a stream that nobody wanted"
+stop left
+stop right
