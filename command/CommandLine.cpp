@@ -249,9 +249,8 @@ void describeShow( CLI::App & mrp, Run & run ) {
       "different ones all are asked for, and so it is with states of the applicant and states of\n"
       "the registrar: --state QA --state MT is what we declare and nobody else does.\n"
       "\n"
-      "--watch waits for a participant that has not started yet and follows one that restarts. In "
-      "a\n"
-      "terminal lines that are new stand out for a moment; q ends it. docs/showing.md tells "
+      "--watch follows a participant that restarts, and waits at a SOCKET for one to start. In a\n"
+      "terminal, lines that are new stand out for a moment; q ends it. docs/showing.md tells "
       "more." );
    app.callback( [options, &run] {
       run = [options]( std::ostream & out, std::ostream & err ) {
