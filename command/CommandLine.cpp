@@ -10,6 +10,7 @@
 #include "command/RingCommand.h"
 #include "command/RunCommand.h"
 #include "command/ScriptCommand.h"
+#include "command/ShowCommand.h"
 
 #include <CLI/CLI.hpp>
 
@@ -195,6 +196,69 @@ void describeRing( CLI::App & mrp, Run & run ) {
    } );
 }
 
+void describeShow( CLI::App & mrp, Run & run ) {
+   CLI::App & app =
+      *mrp.add_subcommand( "show", "Show what a running participant declares and registers" );
+   auto const options = std::make_shared< ShowOptions >();
+   // One text each time it is given, and not all that follow.
+   auto const addFilter = [&app]( char const * name, auto add, char const * description ) {
+      return app
+         .add_option_function< std::vector< std::string > >(
+            name,
+            [name, add]( std::vector< std::string > const & texts ) {
+               for ( std::string const & text : texts ) {
+                  try {
+                     add( text );
+                  } catch ( CommandError const & error ) {
+                     throw CommandError( std::string( name ) + ": " + error.what() );
+                  }
+               }
+            },
+            description )
+         ->expected( 1 )
+         ->allow_extra_args( false )
+         ->multi_option_policy( CLI::MultiOptionPolicy::TakeAll );
+   };
+   app.add_flag( "-w,--watch", options->watch, "Go on, and show anew whatever changes" );
+   app.add_flag( "-j,--json", options->json, "Print JSON: one document, or a line at each change" );
+   app.add_flag( "--metrics", options->metrics, "Print metrics in the text form of Prometheus" );
+   ShowFilter & filter = options->filter;
+   addFilter(
+      "--interface", [&filter]( std::string const & name ) { filter.interfaces.insert( name ); },
+      "This interface alone" )
+      ->type_name( "NAME" );
+   addFilter(
+      "--type", [&filter]( std::string const & text ) { filter.typeAdd( text ); },
+      "Attributes of this type alone: vlan, talker-advertise, talker-failed, listener, domain, or "
+      "its number" )
+      ->type_name( "TYPE" );
+   addFilter(
+      "--state", [&filter]( std::string const & text ) { filter.stateAdd( text ); },
+      "Attributes in this state alone: IN, LV, MT of the registrar, or VO, AO, QO, QP, QA, ... of "
+      "the applicant" )
+      ->type_name( "STATE" );
+   app.add_option( "SOCKET", options->socket,
+                   "Where mrp run offers its stream: a path, tcp:PORT or tcp:HOST:PORT; without "
+                   "it all that are in /run/mrp, or for others than root in $XDG_RUNTIME_DIR/mrp" )
+      ->type_name( "" );
+   app.footer(
+      "Each attribute has the states of its applicant (app) and its registrar (reg): QA is\n"
+      "declared by us, IN registered, LV about to age out, MT not registered.\n"
+      "\n"
+      "--interface, --type and --state can be given several times. Of one of them any will do, of\n"
+      "different ones all are asked for, and so it is with states of the applicant and states of\n"
+      "the registrar: --state QA --state MT is what we declare and nobody else does.\n"
+      "\n"
+      "--watch follows a participant that restarts, and waits at a SOCKET for one to start. In a\n"
+      "terminal, lines that are new stand out for a moment; q ends it. docs/showing.md tells "
+      "more." );
+   app.callback( [options, &run] {
+      run = [options]( std::ostream & out, std::ostream & err ) {
+         return show( *options, out, err );
+      };
+   } );
+}
+
 // CLI11 speaks of what is missing, also where something else stands in its place.
 std::string usageWords( CLI::App const & app, CLI::ParseError const & error, int argc,
                         char const * const * argv ) {
@@ -233,6 +297,7 @@ int runCommandLine( int argc, char const * const * argv, std::ostream & out, std
    describeRun( app, run );
    describeScript( app, run );
    describeRing( app, run );
+   describeShow( app, run );
 
    try {
       app.parse( argc, argv );

@@ -1,5 +1,7 @@
 #include "command/Report.h"
 
+#include "mrp/database/MrpAttrDatabase.h"
+
 #include "command/Participant.h"
 
 #include <algorithm>
@@ -9,22 +11,6 @@
 namespace Command {
 
 namespace {
-
-Report::Attribute attributeOf( Mrp::MrpAttribute const & name,
-                               Mrp::MrpAttrDatabase const & attribute, bool committed ) {
-   auto const & stored = attribute.attributeValue();
-   std::vector< Korv::U8 > value( stored.count() );
-   for ( Korv::U32 i = 0; i < stored.count(); ++i ) {
-      value[i] = stored.at( stored.position( i ) );
-   }
-   return { name.intfId().stringValue(),
-            name.attributeType(),
-            name.attributeVal(),
-            attribute.applicantState(),
-            attribute.registrarState(),
-            std::move( value ),
-            committed };
-}
 
 void addCommitted( Report & report, Mrp::MrpSm const & sm, Pelk::IntfId intfId,
                    Mrp::MrpIntfTypeApplicant const & type ) {
@@ -51,6 +37,22 @@ void countFrames( Report & report ) {
 }
 
 } // namespace
+
+Report::Attribute attributeOf( Mrp::MrpAttribute const & name,
+                               Mrp::MrpAttrDatabase const & attribute, bool committed ) {
+   auto const & stored = attribute.attributeValue();
+   std::vector< Korv::U8 > value( stored.count() );
+   for ( Korv::U32 i = 0; i < stored.count(); ++i ) {
+      value[i] = stored.at( stored.position( i ) );
+   }
+   return { name.intfId().stringValue(),
+            name.attributeType(),
+            name.attributeVal(),
+            attribute.applicantState(),
+            attribute.registrarState(),
+            std::move( value ),
+            committed };
+}
 
 void addAttributes( Report & report, Mrp::MrpSm const & sm ) {
    if ( auto const * const tree = sm.mrpStatus()->application( report.application ) ) {

@@ -14,8 +14,9 @@
 #include <vector>
 
 namespace Mrp {
+class MrpAttrDatabase;
 class MrpSm;
-}
+} // namespace Mrp
 
 namespace Command {
 
@@ -52,6 +53,9 @@ struct Report {
    std::optional< std::string > aborted; // why the engine gave up
 };
 
+// An attribute as it stands in a tree of attributes, or as a pending copy.
+Report::Attribute attributeOf( Mrp::MrpAttribute const & name,
+                               Mrp::MrpAttrDatabase const & attribute, bool committed );
 // What the participant stands at now.
 Report gatherReport( Participant const & participant );
 // The attributes alone; the application is there already.

@@ -1,6 +1,7 @@
 // What people see of a run.
 #include "mrp/platform/korv/Format.h"
 
+#include "command/AttributeRows.h"
 #include "command/FrameWords.h"
 #include "command/Report.h"
 #include "command/Table.h"
@@ -74,16 +75,6 @@ void writeTimeline( Report const & report, std::ostream & out ) {
    }
 }
 
-// Attributes with no value beside their name, in the same state, share a row.
-bool sharesRow( Mrp::MrpApplication application, Report::Attribute const & last,
-                Report::Attribute const & next ) {
-   return next.interface == last.interface && next.attributeType == last.attributeType &&
-          next.applicantState == last.applicantState &&
-          next.registrarState == last.registrarState && next.committed == last.committed &&
-          valueFields( application, last.attributeType, last.value ).size() == 1 &&
-          nextValue( application, last.attributeType, last.value ) == next.value;
-}
-
 void writeCounts( Report const & report, std::ostream & out ) {
    bool const isAnyHeldBack = std::ranges::any_of(
       report.interfaces, []( auto const & interface ) { return interface.heldBack > 0; } );
@@ -121,17 +112,12 @@ void writeCounts( Report const & report, std::ostream & out ) {
 void writeAttributes( Report const & report, std::ostream & out ) {
    std::map< std::pair< Korv::U8, Table::Row >, Table > tables; // by type and headings
    bool isAnyPending = false;
-   auto const & attributes = report.attributes;
-   for ( std::size_t i = 0; i < attributes.size(); ++i ) {
-      Report::Attribute const & first = attributes[i];
-      while ( i + 1 < attributes.size() &&
-              sharesRow( report.application, attributes[i], attributes[i + 1] ) ) {
-         ++i;
-      }
+   for ( AttributeRow const & attributes :
+         attributeRows( report.application, report.attributes ) ) {
+      Report::Attribute const & first = *attributes.first;
       Table::Row headings{ "interface", "type" };
       Table::Row row{ first.interface, typeWord( report.application, first.attributeType ) };
-      for ( Field const & field : rangeFields( report.application, first.attributeType, first.value,
-                                               attributes[i].value ) ) {
+      for ( Field const & field : attributes.fields ) {
          headings.push_back( field.heading );
          row.push_back( field.text );
       }

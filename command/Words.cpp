@@ -1,7 +1,8 @@
 #include "command/Words.h"
 
-#include "mrp/frame/AttributeKinds.h"
 #include "mrp/platform/korv/Format.h"
+
+#include "command/ValueRecord.h"
 
 #include <algorithm>
 #include <array>
@@ -61,12 +62,6 @@ std::string classWord( U8 srClassId ) {
              : "class id " + number( srClassId );
 }
 
-// Two bytes of priority, then an address.
-std::string bridgeIdWord( U64 bridgeId ) {
-   return Korv::format( "%04x.", static_cast< unsigned >( bridgeId >> 48 ) ) +
-          Pelk::EthAddr::fromNumber( bridgeId ).stringValue();
-}
-
 Fields fieldsOf( Mrp::MvrpVlanAttribute const & vlan ) {
    return { { "VLAN", number( vlan.vlanId() ), true } };
 }
@@ -116,18 +111,6 @@ Bytes bytesOf( T const & value ) {
    return { bytes, bytes + sizeof value };
 }
 
-// f( kind, value ) if the bytes are a value of the type.
-template < class F >
-void withValue( Mrp::MrpApplication application, U8 attributeType, Bytes const & bytes, F && f ) {
-   Mrp::withAttributeKind( application, attributeType, [&]( auto kind ) {
-      typename decltype( kind )::Value value;
-      if ( bytes.size() == sizeof value ) {
-         std::memcpy( &value, bytes.data(), sizeof value );
-         f( kind, value );
-      }
-   } );
-}
-
 bool isNumber( std::string const & text ) {
    return std::ranges::all_of( text, []( char c ) { return c >= '0' && c <= '9'; } );
 }
@@ -155,6 +138,11 @@ std::string streamIdWord( U64 streamId ) {
    return Pelk::EthAddr::fromNumber( streamId >> 16 ).stringValue() +
           Korv::format( ":%02x:%02x", static_cast< unsigned >( streamId >> 8 & 0xFF ),
                         static_cast< unsigned >( streamId & 0xFF ) );
+}
+
+std::string bridgeIdWord( U64 bridgeId ) {
+   return Korv::format( "%04x.", static_cast< unsigned >( bridgeId >> 48 ) ) +
+          Pelk::EthAddr::fromNumber( bridgeId ).stringValue();
 }
 
 std::string failureWord( U8 failureCode ) {

@@ -22,6 +22,8 @@ std::string eventWord( U8 attributeEvent );
 std::string typeWord( Mrp::MrpApplication application, U8 attributeType );
 
 std::string streamIdWord( U64 streamId );
+// Two bytes of priority, then an address: "8000.02:00:00:00:00:01".
+std::string bridgeIdWord( U64 bridgeId );
 // The reason that a Talker Failed gives, with its number; IEEE 802.1Q, Table 35-6.
 std::string failureWord( U8 failureCode );
 

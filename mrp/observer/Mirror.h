@@ -45,6 +45,9 @@ class Mirror {
    // Throws a StreamError when the stream is broken or hostile. Whatever is thrown, by a watcher
    // too, has ended the stream. Not called from a watcher.
    void handleBytes( std::span< Korv::U8 const > bytes );
+   // The stream at hand has brought all that it has told of, which is then a copy of what there
+   // was; it may be about to tell of more. Looks at every entity.
+   bool isBrought() const { return input_ && input_->isBrought(); }
    // Of the stream at hand.
    Korv::U64 messages() const { return input_ ? input_->messages() : 0; }
 

@@ -61,6 +61,8 @@ class Adapter {
    // Applies a message or a marker; throws a StreamError for one that makes no sense.
    virtual void handleAttrDeserialization( S16 attrId, ByteReader & in ) = 0;
    virtual void handleAttrTransaction( U16 attrId, Marker marker ) = 0;
+   // Every collection of the entity has been brought as a whole since the stream began.
+   virtual bool isBrought() const = 0;
    // What has been received about this attribute is being applied.
    bool handlingFlowInFor( U16 attrId ) const {
       return handling_ == attrId || handlingTransaction_ == attrId;

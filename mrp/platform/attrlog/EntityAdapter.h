@@ -29,6 +29,7 @@ class EntityAdapter : public Adapter, public E::Reactor {
    void handleMounted( Input & input, U64 identifier ) { inputIs( &input, identifier ); }
    void handleAttrDeserialization( S16 attrId, ByteReader & in ) override;
    void handleAttrTransaction( U16 attrId, Marker marker ) override;
+   bool isBrought() const override;
 
  protected:
    // ---- Sending: EntityAdapterOut.h -----------------------------------------------------------
@@ -150,6 +151,7 @@ class EntityAdapter : public Adapter, public E::Reactor {
 
    typename PartsOf< Table, KeptOf >::type kept_;
    std::unique_ptr< FlowIn > flowIn_;
+   U32 brought_ = 0; // a bit for each collection that has been brought as a whole
 };
 
 } // namespace Korv::NboAttrLog

@@ -128,6 +128,7 @@ void EntityAdapter< E >::handleAttrTransaction( U16 attrId, Marker marker ) {
       if ( std::get< place >( table.list ).number != attrId ) {
          return;
       }
+      brought_ &= ~( 1u << place );
       if constexpr ( TraitsAt< place >::kind == Kind::children ) {
          if ( marker == Marker::begin ) {
             std::get< place >( kept_ ).adapters.clear();
@@ -137,12 +138,22 @@ void EntityAdapter< E >::handleAttrTransaction( U16 attrId, Marker marker ) {
          handlingTransactionIs( attrId );
          doDelUnbrought< place >();
          handlingTransactionIs( 0 );
+         brought_ |= TraitsAt< place >::kind == Kind::scalar ? 0u : 1u << place;
       }
    } );
    if ( marker != Marker::begin ) {
       flowIn_ = nullptr;
       syncModeIs( SyncMode::direct );
    }
+}
+
+template < class E >
+bool EntityAdapter< E >::isBrought() const {
+   U32 collections = 0;
+   forEachPlace( table, [&]( auto place ) {
+      collections |= TraitsAt< place >::kind == Kind::scalar ? 0u : 1u << place;
+   } );
+   return brought_ == collections;
 }
 
 // What the resync has not brought exists no more. Of a queue the span has said it.

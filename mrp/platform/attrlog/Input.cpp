@@ -42,6 +42,12 @@ void Input::handleBytes( std::span< U8 const > bytes ) {
    rest_.erase( rest_.begin(), rest_.begin() + static_cast< std::ptrdiff_t >( at ) );
 }
 
+bool Input::isBrought() const {
+   return !rootAdapters_.empty() && rest_.empty() &&
+          std::ranges::all_of( adapters_,
+                               []( auto const & entry ) { return entry.second->isBrought(); } );
+}
+
 void Input::handleGreeting( ByteReader greeting ) {
    auto const word = greeting.take( magicBytes );
    ByteReader::checked( std::equal( word.begin(), word.end(), magic ), "not a mirror stream" );

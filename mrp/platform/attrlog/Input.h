@@ -47,6 +47,9 @@ class Input {
    // The stream's next bytes, in pieces of any size. Whole messages are applied at once.
    void handleBytes( std::span< U8 const > bytes );
    U64 messages() const { return messages_; }
+   // What has been made known so far has been brought as a whole: no collection is under way, and
+   // no message. Looks at every entity.
+   bool isBrought() const;
 
    // For adapters.
    void adapterIs( U64 identifier, Adapter & adapter ) { adapters_[identifier] = &adapter; }
