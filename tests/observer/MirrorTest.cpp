@@ -79,7 +79,7 @@ void change( Original & original, Random & random ) {
 }
 
 TEST( Mirror, equalsTheOriginalWheneverTheStreamIsIdle ) {
-   for ( U64 seed = 1; seed <= 150; ++seed ) {
+   for ( U64 seed = 1; seed <= 80; ++seed ) {
       Random random( seed );
       Original original;
       // From a bound that no message fits in to one that is never reached.

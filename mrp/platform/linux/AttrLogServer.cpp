@@ -186,13 +186,16 @@ void AttrLogServer::handleAccept() {
       ::setsockopt( socket.number(), SOL_SOCKET, SO_SNDBUF, &options_.sendBuffer,
                     sizeof options_.sendBuffer );
    }
-   observers_.push_back( std::make_unique< Observer >( *this, std::move( socket ) ) );
-   Observer & observer = *observers_.back();
+   Observer * observer = nullptr;
    try {
-      observer.mountIs( mount_ );
+      observers_.push_back( std::make_unique< Observer >( *this, std::move( socket ) ) );
+      observer = observers_.back().get();
+      observer->mountIs( mount_ );
       doOfferSocket();
-   } catch ( ... ) {
-      observerDel( observer );
+   } catch ( ... ) { // out of memory, or of what the kernel watches: as if it had not come
+      if ( observer ) {
+         observerDel( *observer );
+      }
    }
 }
 
