@@ -128,7 +128,8 @@ bool EntityAdapter< E >::nboAttrLogAdapterDel( Key const & key ) {
 template < class E >
 template < class... Part >
 void EntityAdapter< E >::doWrite( U64 about, S16 attrId, Part const &... part ) {
-   ByteWriter writer = output()->nextHeaderIs( about, attrId, plain );
+   ByteWriter writer = output()->nextHeaderIs(
+      about, attrId, plain, ( std::size_t{ 2 } + ... + ByteWriter::size( part ) ) );
    writer.put( tokenBegin );
    ( writer.put( part ), ... );
    writer.put( tokenEnd );
@@ -297,17 +298,19 @@ void EntityAdapter< E >::doDropChildren( std::size_t & limit ) {
 
 template < class E >
 void EntityAdapter< E >::doSerializeOrphan() {
-   ByteWriter writer = output()->nextHeaderIs( identifier(), orphanAttr, plain );
+   constexpr std::string_view type = table.typeName;
+   auto const ownKey = key();
+   std::size_t const size = 3 * ( sizeof( U8 ) + sizeof( U32 ) ) + ByteWriter::size( type ) +
+                            ByteWriter::size( ownKey ) + ByteWriter::size( identifier() );
+   ByteWriter writer = output()->nextHeaderIs( identifier(), orphanAttr, plain, 2 + size );
    auto const section = [&]( U8 number, auto const & value ) {
-      std::vector< U8 > bytes;
-      ByteWriter( bytes ).put( value );
       writer.put( number );
-      writer.put( static_cast< U32 >( bytes.size() ) );
-      writer.append( bytes.data(), bytes.size() );
+      writer.put( static_cast< U32 >( ByteWriter::size( value ) ) );
+      writer.put( value );
    };
    writer.put( tokenBegin );
-   section( sectionTypeName, String8( typeName() ) );
-   section( sectionKey, key() );
+   section( sectionTypeName, type );
+   section( sectionKey, ownKey );
    section( sectionIdentifier, identifier() );
    writer.put( tokenEnd );
    output()->messageEnd();
