@@ -30,9 +30,13 @@ void Adapter::doStart( Output * output, U64 parent, U16 parentAttrId ) {
    if ( parent ) {
       doSerializePlace( parent, parentAttrId );
    }
+   bool const room = output->continueFlowOut();
+   if ( room && doSerializeAll() ) {
+      return;
+   }
    flowOutIs( firstOwnAttr );
    doMarkAll();
-   if ( output->continueFlowOut() ) {
+   if ( room ) {
       doResumeFlowOut();
    }
 }

@@ -105,6 +105,8 @@ class Adapter {
    virtual void doSerializeOrphan() = 0;
    // The child's place: its key and identifier under the parent's identifier.
    virtual void doSerializePlace( U64 parent, U16 parentAttrId ) = 0;
+   // Everything in one step, without a flow. False, with nothing done, if that is too much.
+   virtual bool doSerializeAll() = 0;
    // Not once the entity has gone.
    virtual bool hasEntity() const = 0;
 

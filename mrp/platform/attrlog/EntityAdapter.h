@@ -72,6 +72,15 @@ class EntityAdapter : public Adapter, public E::Reactor {
       }
       return false;
    }
+   // What it holds has a bound: scalars and values.
+   static constexpr bool isSmall() {
+      bool all = true;
+      forEachPlace( table, [&]( auto place ) {
+         constexpr Kind kind = TraitsAt< place >::kind;
+         all = all && ( kind == Kind::scalar || kind == Kind::queue );
+      } );
+      return all;
+   }
    auto key() const {
       if constexpr ( hasKey() ) {
          return ( entity()->*std::get< 0 >( table.list ).reader )();
@@ -146,6 +155,7 @@ class EntityAdapter : public Adapter, public E::Reactor {
    U16 handleAttrFlowOut( U16 attrId ) override;
    void doSerializeOrphan() override;
    void doSerializePlace( U64 parent, U16 parentAttrId ) override;
+   bool doSerializeAll() override;
    void doDropChildren( std::size_t & limit ) override;
    bool hasEntity() const override { return entity() != nullptr; }
 

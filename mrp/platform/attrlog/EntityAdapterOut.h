@@ -100,9 +100,11 @@ bool EntityAdapter< E >::isPending() const {
 template < class E >
 template < std::size_t place, class Key, class Member >
 void EntityAdapter< E >::nboAttrLogAdapterIs( Key const & key, Member & member ) {
-   auto & adapter = std::get< place >( kept_ ).adapters[key];
+   using Child = typename TraitsAt< place >::Adapter;
+   std::unique_ptr< Child > & adapter =
+      std::get< place >( kept_ ).adapters.findOrMake( key, [] { return nullptr; } );
    if ( !adapter || adapter->entity() != &member ) {
-      adapter = std::make_unique< typename TraitsAt< place >::Adapter >( member );
+      adapter = std::make_unique< Child >( member );
       adapter->forcedIs( forced() );
       adapter->handleAttached( output(), identifier(), std::get< place >( table.list ).number );
    }
@@ -113,16 +115,15 @@ template < class E >
 template < std::size_t place, class Key >
 bool EntityAdapter< E >::nboAttrLogAdapterDel( Key const & key ) {
    auto & adapters = std::get< place >( kept_ ).adapters;
-   auto const held = adapters.find( key );
-   if ( held == adapters.end() ) {
+   auto const * const held = adapters.find( key );
+   if ( !held ) {
       return false;
    }
    auto const * const member = collection< place >().find( key );
-   if ( member && member->ptr() == held->second->entity() ) {
+   if ( member && member->ptr() == ( *held )->entity() ) {
       return false;
    }
-   adapters.erase( held );
-   return true;
+   return adapters.erase( key );
 }
 
 template < class E >
@@ -167,6 +168,28 @@ void EntityAdapter< E >::korvHandleSerializeSing( Key const & key ) {
    } else {
       nboAttrLogAdapterIs< place >( key, **members.find( key ) );
    }
+}
+
+// Of the hundreds of thousands of attributes that a stream begins with, each is told in one step.
+template < class E >
+bool EntityAdapter< E >::doSerializeAll() {
+   if constexpr ( isSmall() ) {
+      forEachPlace( table, [&]( auto place ) {
+         constexpr auto attribute = std::get< place >( table.list );
+         if constexpr ( TraitsAt< place >::kind == Kind::queue ) {
+            auto const & bytes = collection< place >();
+            korvHandleSerialize< place >();
+            output()->doSendMarker( identifier(), attribute.number, Marker::begin );
+            for ( U32 i = 0; i < bytes.count(); ++i ) {
+               korvHandleSerializeSing< place >( static_cast< U8 >( bytes.position( i ) ) );
+            }
+            output()->doSendMarker( identifier(), attribute.number, Marker::end );
+         } else if constexpr ( !attribute.isKey ) {
+            korvHandleSerialize< place >();
+         }
+      } );
+   }
+   return isSmall();
 }
 
 // The whole of a collection, and then the keys that have changed meanwhile. True if there is more.
@@ -285,10 +308,10 @@ void EntityAdapter< E >::doDropChildren( std::size_t & limit ) {
    forEachPlace( table, [&]( auto place ) {
       if constexpr ( TraitsAt< place >::kind == Kind::children ) {
          auto & adapters = std::get< place >( kept_ ).adapters;
-         while ( !adapters.empty() && limit > 0 ) {
-            adapters.begin()->second->doDropChildren( limit );
+         for ( auto adapter = adapters.walk(); adapter && limit > 0; ++adapter ) {
+            adapter.value()->doDropChildren( limit );
             if ( limit > 0 ) {
-               adapters.erase( adapters.begin() );
+               adapters.erase( adapter.key() );
                --limit;
             }
          }
