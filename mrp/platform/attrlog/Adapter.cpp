@@ -71,6 +71,9 @@ void Adapter::flowQueuedIs( bool queued ) {
    }
    if ( queued ) {
       flowOut_->place = output_->flows_.insert( output_->flows_.end(), this );
+      if ( output_->flows_.size() == 1 ) {
+         output_->handleBytes();
+      }
    } else {
       output_->flows_.erase( flowOut_->place );
    }

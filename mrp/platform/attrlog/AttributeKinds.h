@@ -144,6 +144,8 @@ struct PartsOf< AttributeTable< A... >, Part > {
    using type = std::tuple< Part< A >... >;
 };
 template < class A >
+using ValueOf = typename Traits< A >::Value;
+template < class A >
 using KeptOf = typename Traits< A >::Kept;
 template < class A >
 using FlowOutOf = typename Traits< A >::FlowOut;

@@ -35,7 +35,11 @@ void EntityAdapter< E >::deserialize( S16 attrId, ByteReader & in ) {
    if constexpr ( T::kind == Kind::scalar ) {
       in.checked( !gone && !attribute.isKey, "a value for what has none" );
       if constexpr ( !attribute.isKey ) {
-         apply( attribute.number, attribute.mutator, in.template get< typename T::Value >() );
+         auto const value = in.template get< typename T::Value >();
+         if constexpr ( gathers ) {
+            std::get< place >( told_.values ) = value;
+         }
+         apply( attribute.number, attribute.mutator, value );
       }
    } else {
       if constexpr ( T::kind == Kind::queue ) {

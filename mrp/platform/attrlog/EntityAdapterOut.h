@@ -11,11 +11,11 @@ void EntityAdapter< E >::handleChange( U16 attrId, Write && write, Mark && mark 
    static_assert( place < std::tuple_size_v< decltype( Table::list ) >, "no such attribute" );
    constexpr auto attribute = std::get< place >( table.list );
    Way const way = wayOut( attrId, attribute.name );
-   if ( way == Way::write ) {
+   if ( way == Way::write && ( !gathers || forced() ) ) {
       guarded( write );
-   } else if ( way == Way::mark ) {
+   } else if ( way != Way::stop ) {
       guarded( [&] {
-         flowOutIs( firstNumber( attribute ) );
+         flowOutIs( gathers ? firstOwnAttr : firstNumber( attribute ) );
          mark( std::get< place >( pending().marks ) );
       } );
    }
@@ -27,8 +27,10 @@ void EntityAdapter< E >::handleAttr() {
    constexpr std::size_t place = placeOf( number );
    handleChange< place >(
       number, [&] { korvHandleSerialize< place >(); },
-      []( auto & marks ) {
-         if constexpr ( TraitsAt< place >::kind == Kind::queue ) {
+      [&]( auto & marks ) {
+         if constexpr ( gathers ) {
+            listensIs( false );
+         } else if constexpr ( TraitsAt< place >::kind == Kind::queue ) {
             doMarkSpan( marks );
          } else {
             marks.dirty = true;
@@ -90,6 +92,9 @@ bool EntityAdapter< E >::isPending() const {
    if constexpr ( requires { marks.dirty; } ) {
       pends = marks.dirty;
    }
+   if constexpr ( gathers ) {
+      pends = pends || value< place >() != std::get< place >( told_.values );
+   }
    if constexpr ( requires { marks.korvIsDirty; } ) {
       pends = pends || !marks.korvHasSynced || !marks.korvIsDirty.empty();
    }
@@ -148,7 +153,10 @@ void EntityAdapter< E >::korvHandleSerialize() {
    if constexpr ( TraitsAt< place >::kind == Kind::queue ) {
       doWrite( identifier(), number, collection< place >().metadata() );
    } else {
-      doWrite( identifier(), number, ( entity()->*std::get< place >( table.list ).reader )() );
+      if constexpr ( gathers ) {
+         std::get< place >( told_.values ) = value< place >();
+      }
+      doWrite( identifier(), number, value< place >() );
    }
 }
 
@@ -173,7 +181,10 @@ void EntityAdapter< E >::korvHandleSerializeSing( Key const & key ) {
 // Of the hundreds of thousands of attributes that a stream begins with, each is told in one step.
 template < class E >
 bool EntityAdapter< E >::doSerializeAll() {
-   if constexpr ( isSmall() ) {
+   if constexpr ( gathers ) {
+      listensIs( true ); // it may have been on another stream
+   }
+   if constexpr ( isSmall ) {
       forEachPlace( table, [&]( auto place ) {
          constexpr auto attribute = std::get< place >( table.list );
          if constexpr ( TraitsAt< place >::kind == Kind::queue ) {
@@ -189,7 +200,7 @@ bool EntityAdapter< E >::doSerializeAll() {
          }
       } );
    }
-   return isSmall();
+   return isSmall;
 }
 
 // The whole of a collection, and then the keys that have changed meanwhile. True if there is more.
@@ -249,7 +260,9 @@ U16 EntityAdapter< E >::flowAttr() {
       return number;
    }
    auto & marks = std::get< place >( pending().marks );
-   if constexpr ( requires { marks.dirty; } ) {
+   if constexpr ( TraitsAt< place >::kind == Kind::scalar ) {
+      korvHandleSerialize< place >();
+   } else if constexpr ( TraitsAt< place >::kind == Kind::queue ) {
       if ( marks.dirty ) {
          korvHandleSerialize< place >();
       }
@@ -273,6 +286,14 @@ U16 EntityAdapter< E >::handleAttrFlowOut( U16 attrId ) {
          next = flowAttr< place >();
       }
    } );
+   if constexpr ( gathers ) {
+      if ( next == 0 && attrId > firstOwnAttr ) {
+         return handleAttrFlowOut( firstOwnAttr ); // what has changed since it passed by
+      }
+      if ( next == 0 ) {
+         listensIs( true );
+      }
+   }
    return next;
 }
 

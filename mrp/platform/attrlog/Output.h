@@ -88,7 +88,7 @@ class Output {
    bool idle() const { return bytes() == 0 && flows_.empty(); }
 
  protected:
-   // There is something more in the buffer.
+   // There is something more in the buffer, or a flow that waits for its turn.
    virtual void handleBytes() {}
    // Nothing of what waits may be sent any more; a message may have remained half.
    virtual void handleFailed() noexcept {}
