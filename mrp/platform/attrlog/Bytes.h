@@ -93,6 +93,10 @@ class ByteWriter {
          append( characters.data(), characters.size() );
       }
    }
+   void append( void const * bytes, std::size_t count ) {
+      std::memcpy( to_, bytes, count );
+      to_ += count;
+   }
 
  private:
    // Cut off at 65,535 characters, which no name comes near.
@@ -105,10 +109,6 @@ class ByteWriter {
          characters = value.stringValue();
       }
       return characters.substr( 0, 0xffff );
-   }
-   void append( void const * bytes, std::size_t count ) {
-      std::memcpy( to_, bytes, count );
-      to_ += count;
    }
 
    U8 * to_;
