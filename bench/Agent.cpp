@@ -28,6 +28,10 @@ Agent::Agent( Mrp::MrpApplication application, std::size_t interfaces, Korv::Sec
    config->leaveAllTimeIs( leaveAllTime );
    sm_ = Mrp::mrpSmFactory( host_.brConfig(), lib_.ptr(), config, status_, host_.stpStatus(),
                             host_.brTopoConfig(), host_.ethPhyIntfStatusDir(), host_.em(), false );
+   mounts_.statusIs( status_ );
+   mounts_.configIs( config );
+   mounts_.countersIs( sm_->mrpCounters() );
+   mounts_.parseContextIs( sm_->parseContext() );
    for ( Pelk::IntfId const & intfId : intfIds_ ) {
       lib_->mrpInterfaceEnable( intfId );
       pams_.push_back( host_.pam( intfId ) );

@@ -4,6 +4,7 @@
 
 #include "mrp/database/MrpStatus.h"
 #include "mrp/frame/MrpSm.h"
+#include "mrp/observability/AttrLogMounts.h"
 #include "mrp/platform/memory/Host.h"
 
 #include "tests/support/Mrpdu.h"
@@ -35,6 +36,8 @@ class Agent {
    void declareVlan( Korv::U16 vlanId );
 
    Mrp::MrpSm & sm() { return *sm_; }
+   // Every entity that a participant publishes.
+   Mrp::AttrLogMounts const & mounts() const { return mounts_; }
    Pelk::IntfId intfId( std::size_t interface ) const { return intfIds_[interface]; }
 
    U64 joins() const { return sm_->mrpCounters()->numOfJoinIndications(); }
@@ -52,6 +55,7 @@ class Agent {
    Korv::Ptr< Mrp::MrpLib > lib_;
    Korv::Ptr< Mrp::MrpStatus > status_;
    Korv::Ptr< Mrp::MrpSm > sm_;
+   Mrp::AttrLogMounts mounts_;
    std::vector< Pelk::IntfId > intfIds_;
    std::vector< Memory::Pam * > pams_;
 };

@@ -20,7 +20,15 @@ void idle( benchmark::State & state );
 // RingBench.cpp
 void ringSite( benchmark::State & state );
 void ringSiteWithoutFile( benchmark::State & state );
+// ObserverBench.cpp
+void changeAlone( benchmark::State & state );
+void changeObserved( benchmark::State & state );
+void changeStalled( benchmark::State & state );
+void refreshObserved( benchmark::State & state );
+void firstRegistrationObserved( benchmark::State & state );
+void leaveAllObserved( benchmark::State & state );
 // ScaleBench.cpp
 void refreshAtScale( benchmark::State & state );
+void observerAtScale( benchmark::State & state );
 
 } // namespace Bench

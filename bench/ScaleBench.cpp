@@ -3,9 +3,11 @@
 
 #include "bench/Agent.h"
 #include "bench/Benches.h"
+#include "bench/Observer.h"
 #include "bench/Rounds.h"
 
 #include <malloc.h>
+#include <memory>
 
 namespace Bench {
 namespace {
@@ -67,5 +69,30 @@ void refreshAtScale( benchmark::State & state ) {
    addLine( "its cost an attribute, against 4,094 VLANs", median( growth ),
             { .aim = 1.2, .floor = 1.5 } );
    addLine( "heap bytes a committed VLAN, of 262,016", bytes, { .aim = 128, .floor = 200 } );
+}
+
+// An observer comes and is told everything.
+void observerAtScale( benchmark::State & state ) {
+   Memory::VirtualActivity activity;
+   Agent agent( Mrp::MVRP, interfaces );
+   Bytes const frame = vlansFrame( TestSupport::JoinIn );
+   for ( std::size_t i = 0; i < interfaces; ++i ) {
+      agent.receive( i, frame );
+   }
+   activity.advanceBy( 2 ); // committed
+   LookUps const lookUps = ascendingLookUps( attributes );
+   double const before = heapBytes();
+   std::unique_ptr< Observer > observer;
+   alternate( state, "all of 262,016 VLANs to a new observer",
+              { .prepare = [&] { observer.reset(); },
+                .work = [&] { observer = std::make_unique< Observer >( agent ); },
+                .yardstick = lookUps,
+                .check = [&] { return agent.committed( TestSupport::vlanType ) == attributes; },
+                .attributes = attributes,
+                .settleYardstick = 1 } );
+   addLine( "bytes sent a VLAN",
+            static_cast< double >( observer->taken() ) / static_cast< double >( attributes ) );
+   addLine( "heap bytes an observer holds a VLAN",
+            ( heapBytes() - before ) / static_cast< double >( attributes ) );
 }
 } // namespace Bench

@@ -21,7 +21,14 @@ constexpr Entry entries[] = {
    { "idle", Bench::idle, 3 },
    { "ringSite", Bench::ringSite, 200 },
    { "ringSiteWithoutFile", Bench::ringSiteWithoutFile, 200 },
+   { "changeAlone", Bench::changeAlone, 200 },
+   { "changeObserved", Bench::changeObserved, 200 },
+   { "changeStalled", Bench::changeStalled, 200 },
+   { "refreshObserved", Bench::refreshObserved, 200 },
+   { "firstRegistrationObserved", Bench::firstRegistrationObserved, 100 },
+   { "leaveAllObserved", Bench::leaveAllObserved, 200 },
    { "refreshAtScale", Bench::refreshAtScale, 60 },
+   { "observerAtScale", Bench::observerAtScale, 10 },
 };
 
 } // namespace

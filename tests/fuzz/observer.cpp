@@ -23,7 +23,9 @@ std::vector< U8 > framed( std::span< U8 const > input ) {
    std::vector< U8 > bytes( output.front().begin(), output.front().end() );
    while ( !input.empty() ) {
       std::size_t const size = std::min< std::size_t >( input[0], input.size() - 1 );
-      Korv::NboAttrLog::ByteWriter( bytes ).put( static_cast< Korv::U32 >( size ) );
+      bytes.resize( bytes.size() + sizeof( Korv::U32 ) );
+      Korv::NboAttrLog::ByteWriter( bytes.data() + bytes.size() - sizeof( Korv::U32 ) )
+         .put( static_cast< Korv::U32 >( size ) );
       bytes.insert( bytes.end(), input.begin() + 1,
                     input.begin() + 1 + static_cast< std::ptrdiff_t >( size ) );
       input = input.subspan( size + 1 );

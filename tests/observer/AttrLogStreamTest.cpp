@@ -191,6 +191,33 @@ TEST( AttrLog, beginsAValueAnewWhenItsSpanHasChanged ) {
                              "1 262: 03 04", "1 262 marker 2", "1 -262: 00" ) );
 }
 
+// Counters change with each attribute of a frame: they are told when the frame is over.
+TEST( AttrLog, tellsOfCountersOnceATurn ) {
+   Sender sender( Korv::Ptr< Mrp::MrpCounters >( new Mrp::MrpCounters( "c" ) ), 20 );
+   sender.said();
+   Mrp::MrpCounters & counters = *sender.entity;
+   auto const value = []( char const * digits ) {
+      return std::string( ": 00 00 00 00 00 00 00 " ) + digits;
+   };
+   for ( int i = 0; i < 3; ++i ) {
+      counters.numOfJoinIndicationsInc( 1 );
+   }
+   counters.numOfMalformedPktsIs( 7 );
+   counters.numOfIncorrectDmacIs( 7 );
+   counters.numOfIncorrectDmacIs( 0 ); // as it was told
+   EXPECT_EQ( sender.output.bytes(), 0u );
+   EXPECT_FALSE( sender.output.idle() );
+   // What has changed behind the point that the flow has reached is not lost.
+   EXPECT_THAT( step( sender.output ), IsEmpty() );
+   counters.numOfIncorrectPduVersionIs( 1 );
+   EXPECT_THAT( sender.said(), ElementsAre( "1 260" + value( "07" ), "1 266" + value( "03" ),
+                                            "1 258" + value( "01" ) ) );
+   // Nor is a stream that its entity has left.
+   counters.numOfJoinIndicationsInc( 1 );
+   sender.entity = nullptr;
+   EXPECT_THAT( sender.said(), ElementsAre( "1 266" + value( "04" ) ) );
+}
+
 TEST( AttrLog, saysNothingWhileSuspendedAndEverythingAfterwards ) {
    Sender sender( vlansOf( { 10 } ) );
    sender.said();

@@ -71,24 +71,26 @@ struct Observer {
 
 class Engine : public SocketForms {
  protected:
-   // One that reads no more, and whose socket has become full. Refreshes alone fill it.
+   // One that reads no more, and whose socket has become full of states that came and went.
    static void stall( Scene & scene, Observer & observer ) {
       Participant & mvrp = *scene.mvrp;
-      mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn } ) ) );
-      ASSERT_TRUE( scene.run( [&] { return scene.committed( 10 ) && observer.equal(); } ) );
+      Bytes const join = mvrpFrame( vlans( 100, std::vector< Event >( 100, JoinIn ) ) );
+      Bytes const leave = mvrpFrame( vlans( 100, std::vector< Event >( 100, Lv ) ) );
+      mvrp.receive( et1, join );
+      ASSERT_TRUE( scene.run( [&] { return scene.committed( 199 ) && observer.equal(); } ) );
       observer.connection.readingIs( false );
-      Bytes const refresh = mvrpFrame( vlans( 10, { JoinIn } ) );
-      Bytes const other = mvrpFrame( vlans( 11, { JoinIn } ) );
-      bool clogged = false;
-      for ( int frames = 0; !clogged && frames < 1'000'000; ++frames ) {
-         mvrp.receive( et1, frames % 2 ? refresh : other );
+      int clogged = 0; // in a row
+      for ( int frames = 0; clogged < 50 && frames < 100'000; ++frames ) {
+         mvrp.receive( et1, frames % 2 ? join : leave );
          scene.sockets.runFor( 0 );
-         if ( scene.clogged() ) { // and stays so, with all that its kernel takes
+         clogged = scene.clogged() ? clogged + 1 : 0;
+         if ( clogged == 50 ) { // and stays so, with all that its kernel takes
             scene.sockets.runFor( 0.1 );
-            clogged = scene.clogged();
+            clogged = scene.clogged() ? clogged : 0;
          }
       }
-      ASSERT_TRUE( clogged );
+      ASSERT_EQ( clogged, 50 );
+      mvrp.receive( et1, join );
    }
 };
 
@@ -97,8 +99,6 @@ TEST_P( Engine, commitsNothingWhileItsObserverReadsNothing ) {
    Observer observer( scene );
    stall( scene, observer );
    Participant & mvrp = *scene.mvrp;
-   bool const eleven = scene.committed( 11 );
-
    mvrp.clear();
    mvrp.receive( et1, mvrpFrame( vlans( 20, { JoinIn, JoinIn, JoinIn } ) ) );
    mvrp.declare( et1, Vlan{ 30 }, 0 );
@@ -110,7 +110,6 @@ TEST_P( Engine, commitsNothingWhileItsObserverReadsNothing ) {
       EXPECT_TRUE( mvrp.attribute( et1, vlan )->pending ) << vlan;
       EXPECT_FALSE( scene.committed( vlan ) ) << vlan;
    }
-   EXPECT_EQ( scene.committed( 11 ), eleven );
 
    observer.connection.readingIs( true );
    EXPECT_TRUE( scene.run( [&] { return scene.committed( 30 ) && observer.equal(); } ) );

@@ -190,11 +190,12 @@ TEST( Mirror, hasAnEndToWhatItKeeps ) {
    std::vector< U8 > const key( 200'000 );
    for ( int i = 0; i < 400; ++i ) {
       U64 const identifier = output.newIdentifier();
-      ByteWriter writer = output.nextHeaderIs( identifier, orphanAttr, plain );
+      std::size_t const sections = 3 * 5 + 3 + key.size() + 8;
+      ByteWriter writer = output.nextHeaderIs( identifier, orphanAttr, plain, 2 + sections );
       writer.put( tokenBegin );
       writer.put( sectionTypeName );
       writer.put( U32{ 2 + 1 } );
-      writer.putText( "T" );
+      writer.put( std::string_view( "T" ) );
       writer.put( sectionKey );
       writer.put( static_cast< U32 >( key.size() ) );
       writer.append( key.data(), key.size() );

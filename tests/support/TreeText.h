@@ -14,8 +14,8 @@ namespace TestSupport {
 
 template < class T >
 std::string valueText( T const & value ) {
-   std::vector< U8 > bytes;
-   Korv::NboAttrLog::ByteWriter( bytes ).put( value );
+   std::vector< U8 > bytes( Korv::NboAttrLog::ByteWriter::size( value ) );
+   Korv::NboAttrLog::ByteWriter( bytes.data() ).put( value );
    return hex( bytes );
 }
 

@@ -30,9 +30,13 @@ void Adapter::doStart( Output * output, U64 parent, U16 parentAttrId ) {
    if ( parent ) {
       doSerializePlace( parent, parentAttrId );
    }
+   bool const room = output->continueFlowOut();
+   if ( room && doSerializeAll() ) {
+      return;
+   }
    flowOutIs( firstOwnAttr );
    doMarkAll();
-   if ( output->continueFlowOut() ) {
+   if ( room ) {
       doResumeFlowOut();
    }
 }
@@ -67,6 +71,9 @@ void Adapter::flowQueuedIs( bool queued ) {
    }
    if ( queued ) {
       flowOut_->place = output_->flows_.insert( output_->flows_.end(), this );
+      if ( output_->flows_.size() == 1 ) {
+         output_->handleBytes();
+      }
    } else {
       output_->flows_.erase( flowOut_->place );
    }

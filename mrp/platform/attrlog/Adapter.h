@@ -6,7 +6,8 @@
 // EntityAdapter.h generates the rest from the entity's table of attributes.
 //
 //  1. Direct mode: nothing is pending, a change is written at once. Otherwise there is a FlowOut,
-//     which says what is pending, and the adapter stands in the output's queue of flows.
+//     which says what is pending, and the adapter stands in the output's queue of flows. A root
+//     that changes many times a frame never writes at once (EntityAdapter::gathers).
 //  2. Nothing is sent about an entity before its orphan record.
 //  3. A value that is being received is not sent.
 #pragma once
@@ -105,6 +106,8 @@ class Adapter {
    virtual void doSerializeOrphan() = 0;
    // The child's place: its key and identifier under the parent's identifier.
    virtual void doSerializePlace( U64 parent, U16 parentAttrId ) = 0;
+   // Everything in one step, without a flow. False, with nothing done, if that is too much.
+   virtual bool doSerializeAll() = 0;
    // Not once the entity has gone.
    virtual bool hasEntity() const = 0;
 

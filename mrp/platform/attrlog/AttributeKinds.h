@@ -3,6 +3,7 @@
 #pragma once
 
 #include "mrp/platform/korv/Attributes.h"
+#include "mrp/platform/korv/OrderedMap.h"
 
 #include <map>
 #include <memory>
@@ -60,7 +61,7 @@ struct Traits< ChildrenAttribute< E, C, K, Child > > {
    using Member = std::remove_pointer_t< Child >;
    using Adapter = typename Member::KorvNboAttrLogSa;
    struct Kept {
-      std::map< Key, std::unique_ptr< Adapter > > adapters;
+      OrderedMap< Key, std::unique_ptr< Adapter > > adapters;
    };
    struct FlowIn {};
    using FlowOut = CollectionFlowOut< Key, typename C::Walk >;
@@ -142,6 +143,8 @@ template < template < class > class Part, class... A >
 struct PartsOf< AttributeTable< A... >, Part > {
    using type = std::tuple< Part< A >... >;
 };
+template < class A >
+using ValueOf = typename Traits< A >::Value;
 template < class A >
 using KeptOf = typename Traits< A >::Kept;
 template < class A >

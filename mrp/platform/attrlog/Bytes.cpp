@@ -1,7 +1,5 @@
 #include "mrp/platform/attrlog/Bytes.h"
 
-#include <algorithm>
-
 namespace Korv::NboAttrLog {
 
 Pelk::IntfId NameGuard::intfId( std::string_view name ) {
@@ -12,12 +10,6 @@ Pelk::IntfId NameGuard::intfId( std::string_view name ) {
       names_.insert( text );
    }
    return Pelk::IntfId( text );
-}
-
-void ByteWriter::putText( std::string_view text ) {
-   auto const size = static_cast< U16 >( std::min< std::size_t >( text.size(), 0xffff ) );
-   put( size );
-   append( text.data(), size );
 }
 
 std::string_view ByteReader::getText() {

@@ -23,8 +23,8 @@
 #include <span>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <unordered_set>
-#include <vector>
 
 namespace Korv::NboAttrLog {
 
@@ -47,14 +47,34 @@ class NameGuard {
    std::unordered_set< std::string > names_;
 };
 
+// Into room that is there already, for as many bytes as `size` says.
 class ByteWriter {
  public:
-   explicit ByteWriter( std::vector< U8 > & bytes ) : bytes_( bytes ) {}
+   explicit ByteWriter( U8 * to ) : to_( to ) {}
 
+   // Of what put() writes.
+   template < class T >
+   static std::size_t size( T const & value ) {
+      if constexpr ( std::is_same_v< T, bool > ) {
+         return 1;
+      } else if constexpr ( std::is_enum_v< T > ) {
+         return sizeof( U32 );
+      } else if constexpr ( std::is_integral_v< T > || std::is_same_v< T, Seconds > ) {
+         return sizeof( T );
+      } else if constexpr ( std::is_same_v< T, ByteQueueMetadata > ) {
+         return 2;
+      } else if constexpr ( HasRecord< T > ) {
+         std::size_t all = 0;
+         T::record.forEach( [&]( auto const & field ) { all += size( value.*( field.member ) ); } );
+         return all;
+      } else {
+         return sizeof( U16 ) + text( value ).size();
+      }
+   }
    template < class T >
    void put( T const & value ) {
       if constexpr ( std::is_same_v< T, bool > ) {
-         bytes_.push_back( value ? 1 : 0 );
+         put( static_cast< U8 >( value ? 1 : 0 ) );
       } else if constexpr ( std::is_enum_v< T > ) {
          put( static_cast< U32 >( value ) );
       } else if constexpr ( std::is_integral_v< T > ) {
@@ -68,18 +88,30 @@ class ByteWriter {
       } else if constexpr ( HasRecord< T > ) {
          T::record.forEach( [&]( auto const & field ) { put( value.*( field.member ) ); } );
       } else {
-         putText( value.stringValue() );
+         std::string_view const characters = text( value );
+         put( static_cast< U16 >( characters.size() ) );
+         append( characters.data(), characters.size() );
       }
    }
-   // Cut off at 65,535 characters, which no name comes near.
-   void putText( std::string_view text );
    void append( void const * bytes, std::size_t count ) {
-      auto const * const first = static_cast< U8 const * >( bytes );
-      bytes_.insert( bytes_.end(), first, first + count );
+      std::memcpy( to_, bytes, count );
+      to_ += count;
    }
 
  private:
-   std::vector< U8 > & bytes_;
+   // Cut off at 65,535 characters, which no name comes near.
+   template < class T >
+   static std::string_view text( T const & value ) {
+      std::string_view characters;
+      if constexpr ( std::is_same_v< T, std::string_view > ) {
+         characters = value;
+      } else {
+         characters = value.stringValue();
+      }
+      return characters.substr( 0, 0xffff );
+   }
+
+   U8 * to_;
 };
 
 class ByteReader {

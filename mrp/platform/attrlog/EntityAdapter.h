@@ -72,12 +72,48 @@ class EntityAdapter : public Adapter, public E::Reactor {
       }
       return false;
    }
+   static constexpr bool hasOnly( auto... kinds ) {
+      bool all = true;
+      forEachPlace( table, [&]( auto place ) {
+         all = all && ( ( TraitsAt< place >::kind == kinds ) || ... );
+      } );
+      return all;
+   }
+   // What it holds has a bound.
+   static constexpr bool isSmall = hasOnly( Kind::scalar, Kind::queue );
+   // A root of scalars, as the counters and the parse context, changes several times with each
+   // attribute of each frame. It is told of once an event-loop turn: the first change leaves a flow
+   // behind, and the adapter does not listen until that runs, which sends what is not as it was
+   // told last. So it costs the engine nothing that grows with the frame.
+   static constexpr bool gathers = hasOnly( Kind::scalar ) && !hasKey();
+   template < class Attributes, bool >
+   struct Told {};
+   template < class Attributes >
+   struct Told< Attributes, true > {
+      typename PartsOf< Attributes, ValueOf >::type values;
+      // While nobody would tell the adapter that the entity has gone.
+      Ptr< E const > unheard;
+   };
+   void listensIs( bool listens ) {
+      if ( listens ) {
+         this->isRegisteredNotifieeIs( true );
+         told_.unheard = nullptr;
+      } else {
+         told_.unheard = entity();
+         this->isRegisteredNotifieeIs( false );
+      }
+   }
+
    auto key() const {
       if constexpr ( hasKey() ) {
-         return ( entity()->*std::get< 0 >( table.list ).reader )();
+         return value< 0 >();
       } else {
          return entity()->name();
       }
+   }
+   template < std::size_t place >
+   auto value() const {
+      return ( entity()->*std::get< place >( table.list ).reader )();
    }
    template < std::size_t place >
    auto const & collection() const {
@@ -146,12 +182,14 @@ class EntityAdapter : public Adapter, public E::Reactor {
    U16 handleAttrFlowOut( U16 attrId ) override;
    void doSerializeOrphan() override;
    void doSerializePlace( U64 parent, U16 parentAttrId ) override;
+   bool doSerializeAll() override;
    void doDropChildren( std::size_t & limit ) override;
    bool hasEntity() const override { return entity() != nullptr; }
 
    typename PartsOf< Table, KeptOf >::type kept_;
    std::unique_ptr< FlowIn > flowIn_;
    U32 brought_ = 0; // a bit for each collection that has been brought as a whole
+   [[no_unique_address]] Told< Table, gathers > told_;
 };
 
 } // namespace Korv::NboAttrLog

@@ -35,7 +35,11 @@ void EntityAdapter< E >::deserialize( S16 attrId, ByteReader & in ) {
    if constexpr ( T::kind == Kind::scalar ) {
       in.checked( !gone && !attribute.isKey, "a value for what has none" );
       if constexpr ( !attribute.isKey ) {
-         apply( attribute.number, attribute.mutator, in.template get< typename T::Value >() );
+         auto const value = in.template get< typename T::Value >();
+         if constexpr ( gathers ) {
+            std::get< place >( told_.values ) = value;
+         }
+         apply( attribute.number, attribute.mutator, value );
       }
    } else {
       if constexpr ( T::kind == Kind::queue ) {
@@ -79,7 +83,7 @@ void EntityAdapter< E >::deserializeChild( Key const & key, ByteReader & in ) {
    in.checked( member != nullptr, "a child that did not stay" );
    auto made = std::make_unique< typename T::Adapter >( *member );
    made->handleMounted( *input(), child );
-   std::get< place >( kept_ ).adapters[key] = std::move( made );
+   std::get< place >( kept_ ).adapters.insertOrAssign( key, std::move( made ) );
 }
 
 // One that is not there yet, and is about to come.
@@ -164,7 +168,7 @@ void EntityAdapter< E >::doDelUnbrought() {
    if constexpr ( kind == Kind::map || kind == Kind::children ) {
       auto const isBrought = [&]( auto const & key ) {
          if constexpr ( kind == Kind::children ) {
-            return std::get< place >( kept_ ).adapters.contains( key );
+            return std::get< place >( kept_ ).adapters.isMember( key );
          } else {
             return std::get< place >( flowIn_->parts ).brought.contains( key );
          }

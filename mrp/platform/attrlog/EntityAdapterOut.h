@@ -11,11 +11,11 @@ void EntityAdapter< E >::handleChange( U16 attrId, Write && write, Mark && mark 
    static_assert( place < std::tuple_size_v< decltype( Table::list ) >, "no such attribute" );
    constexpr auto attribute = std::get< place >( table.list );
    Way const way = wayOut( attrId, attribute.name );
-   if ( way == Way::write ) {
+   if ( way == Way::write && ( !gathers || forced() ) ) {
       guarded( write );
-   } else if ( way == Way::mark ) {
+   } else if ( way != Way::stop ) {
       guarded( [&] {
-         flowOutIs( firstNumber( attribute ) );
+         flowOutIs( gathers ? firstOwnAttr : firstNumber( attribute ) );
          mark( std::get< place >( pending().marks ) );
       } );
    }
@@ -27,8 +27,10 @@ void EntityAdapter< E >::handleAttr() {
    constexpr std::size_t place = placeOf( number );
    handleChange< place >(
       number, [&] { korvHandleSerialize< place >(); },
-      []( auto & marks ) {
-         if constexpr ( TraitsAt< place >::kind == Kind::queue ) {
+      [&]( auto & marks ) {
+         if constexpr ( gathers ) {
+            listensIs( false );
+         } else if constexpr ( TraitsAt< place >::kind == Kind::queue ) {
             doMarkSpan( marks );
          } else {
             marks.dirty = true;
@@ -90,6 +92,9 @@ bool EntityAdapter< E >::isPending() const {
    if constexpr ( requires { marks.dirty; } ) {
       pends = marks.dirty;
    }
+   if constexpr ( gathers ) {
+      pends = pends || value< place >() != std::get< place >( told_.values );
+   }
    if constexpr ( requires { marks.korvIsDirty; } ) {
       pends = pends || !marks.korvHasSynced || !marks.korvIsDirty.empty();
    }
@@ -100,9 +105,11 @@ bool EntityAdapter< E >::isPending() const {
 template < class E >
 template < std::size_t place, class Key, class Member >
 void EntityAdapter< E >::nboAttrLogAdapterIs( Key const & key, Member & member ) {
-   auto & adapter = std::get< place >( kept_ ).adapters[key];
+   using Child = typename TraitsAt< place >::Adapter;
+   std::unique_ptr< Child > & adapter =
+      std::get< place >( kept_ ).adapters.findOrMake( key, [] { return nullptr; } );
    if ( !adapter || adapter->entity() != &member ) {
-      adapter = std::make_unique< typename TraitsAt< place >::Adapter >( member );
+      adapter = std::make_unique< Child >( member );
       adapter->forcedIs( forced() );
       adapter->handleAttached( output(), identifier(), std::get< place >( table.list ).number );
    }
@@ -113,22 +120,22 @@ template < class E >
 template < std::size_t place, class Key >
 bool EntityAdapter< E >::nboAttrLogAdapterDel( Key const & key ) {
    auto & adapters = std::get< place >( kept_ ).adapters;
-   auto const held = adapters.find( key );
-   if ( held == adapters.end() ) {
+   auto const * const held = adapters.find( key );
+   if ( !held ) {
       return false;
    }
    auto const * const member = collection< place >().find( key );
-   if ( member && member->ptr() == held->second->entity() ) {
+   if ( member && member->ptr() == ( *held )->entity() ) {
       return false;
    }
-   adapters.erase( held );
-   return true;
+   return adapters.erase( key );
 }
 
 template < class E >
 template < class... Part >
 void EntityAdapter< E >::doWrite( U64 about, S16 attrId, Part const &... part ) {
-   ByteWriter writer = output()->nextHeaderIs( about, attrId, plain );
+   ByteWriter writer = output()->nextHeaderIs(
+      about, attrId, plain, ( std::size_t{ 2 } + ... + ByteWriter::size( part ) ) );
    writer.put( tokenBegin );
    ( writer.put( part ), ... );
    writer.put( tokenEnd );
@@ -146,7 +153,10 @@ void EntityAdapter< E >::korvHandleSerialize() {
    if constexpr ( TraitsAt< place >::kind == Kind::queue ) {
       doWrite( identifier(), number, collection< place >().metadata() );
    } else {
-      doWrite( identifier(), number, ( entity()->*std::get< place >( table.list ).reader )() );
+      if constexpr ( gathers ) {
+         std::get< place >( told_.values ) = value< place >();
+      }
+      doWrite( identifier(), number, value< place >() );
    }
 }
 
@@ -166,6 +176,31 @@ void EntityAdapter< E >::korvHandleSerializeSing( Key const & key ) {
    } else {
       nboAttrLogAdapterIs< place >( key, **members.find( key ) );
    }
+}
+
+// Of the hundreds of thousands of attributes that a stream begins with, each is told in one step.
+template < class E >
+bool EntityAdapter< E >::doSerializeAll() {
+   if constexpr ( gathers ) {
+      listensIs( true ); // it may have been on another stream
+   }
+   if constexpr ( isSmall ) {
+      forEachPlace( table, [&]( auto place ) {
+         constexpr auto attribute = std::get< place >( table.list );
+         if constexpr ( TraitsAt< place >::kind == Kind::queue ) {
+            auto const & bytes = collection< place >();
+            korvHandleSerialize< place >();
+            output()->doSendMarker( identifier(), attribute.number, Marker::begin );
+            for ( U32 i = 0; i < bytes.count(); ++i ) {
+               korvHandleSerializeSing< place >( static_cast< U8 >( bytes.position( i ) ) );
+            }
+            output()->doSendMarker( identifier(), attribute.number, Marker::end );
+         } else if constexpr ( !attribute.isKey ) {
+            korvHandleSerialize< place >();
+         }
+      } );
+   }
+   return isSmall;
 }
 
 // The whole of a collection, and then the keys that have changed meanwhile. True if there is more.
@@ -225,7 +260,9 @@ U16 EntityAdapter< E >::flowAttr() {
       return number;
    }
    auto & marks = std::get< place >( pending().marks );
-   if constexpr ( requires { marks.dirty; } ) {
+   if constexpr ( TraitsAt< place >::kind == Kind::scalar ) {
+      korvHandleSerialize< place >();
+   } else if constexpr ( TraitsAt< place >::kind == Kind::queue ) {
       if ( marks.dirty ) {
          korvHandleSerialize< place >();
       }
@@ -249,6 +286,14 @@ U16 EntityAdapter< E >::handleAttrFlowOut( U16 attrId ) {
          next = flowAttr< place >();
       }
    } );
+   if constexpr ( gathers ) {
+      if ( next == 0 && attrId > firstOwnAttr ) {
+         return handleAttrFlowOut( firstOwnAttr ); // what has changed since it passed by
+      }
+      if ( next == 0 ) {
+         listensIs( true );
+      }
+   }
    return next;
 }
 
@@ -284,10 +329,10 @@ void EntityAdapter< E >::doDropChildren( std::size_t & limit ) {
    forEachPlace( table, [&]( auto place ) {
       if constexpr ( TraitsAt< place >::kind == Kind::children ) {
          auto & adapters = std::get< place >( kept_ ).adapters;
-         while ( !adapters.empty() && limit > 0 ) {
-            adapters.begin()->second->doDropChildren( limit );
+         for ( auto adapter = adapters.walk(); adapter && limit > 0; ++adapter ) {
+            adapter.value()->doDropChildren( limit );
             if ( limit > 0 ) {
-               adapters.erase( adapters.begin() );
+               adapters.erase( adapter.key() );
                --limit;
             }
          }
@@ -297,17 +342,19 @@ void EntityAdapter< E >::doDropChildren( std::size_t & limit ) {
 
 template < class E >
 void EntityAdapter< E >::doSerializeOrphan() {
-   ByteWriter writer = output()->nextHeaderIs( identifier(), orphanAttr, plain );
+   constexpr std::string_view type = table.typeName;
+   auto const ownKey = key();
+   std::size_t const size = 3 * ( sizeof( U8 ) + sizeof( U32 ) ) + ByteWriter::size( type ) +
+                            ByteWriter::size( ownKey ) + ByteWriter::size( identifier() );
+   ByteWriter writer = output()->nextHeaderIs( identifier(), orphanAttr, plain, 2 + size );
    auto const section = [&]( U8 number, auto const & value ) {
-      std::vector< U8 > bytes;
-      ByteWriter( bytes ).put( value );
       writer.put( number );
-      writer.put( static_cast< U32 >( bytes.size() ) );
-      writer.append( bytes.data(), bytes.size() );
+      writer.put( static_cast< U32 >( ByteWriter::size( value ) ) );
+      writer.put( value );
    };
    writer.put( tokenBegin );
-   section( sectionTypeName, String8( typeName() ) );
-   section( sectionKey, key() );
+   section( sectionTypeName, type );
+   section( sectionKey, ownKey );
    section( sectionIdentifier, identifier() );
    writer.put( tokenEnd );
    output()->messageEnd();

@@ -2,48 +2,37 @@
 
 #include "mrp/platform/attrlog/Adapter.h"
 
+#include <algorithm>
+
 namespace Korv::NboAttrLog {
 
-Output::Output( std::size_t bound ) : bound_( bound ) {
-   ByteWriter greeting( buffer_ );
-   greeting.append( magic, magicBytes );
-   greeting.put( majorVersion );
-   greeting.put( minorVersion );
-}
-
-ByteWriter Output::nextHeaderIs( U64 entity, S16 attrId, U8 flags ) {
-   message_ = buffer_.size();
-   ByteWriter writer( buffer_ );
-   writer.put( U32{ 0 } ); // the length, once it is known
-   writer.put( entity );
-   writer.put( attrId );
-   writer.put( flags );
-   return writer;
-}
-
-void Output::messageEnd() {
-   NetworkOrder< U32 > const length(
-      static_cast< U32 >( buffer_.size() - message_ - lengthBytes ) );
-   std::memcpy( buffer_.data() + message_, &length, lengthBytes );
-   written_ += buffer_.size() - message_;
-   handleBytes();
+Output::Output( std::size_t bound ) : bound_( bound ), buffer_( greetingBytes ) {
+   std::memcpy( buffer_.data(), magic, magicBytes );
+   ByteWriter versions( buffer_.data() + magicBytes );
+   versions.put( majorVersion );
+   versions.put( minorVersion );
+   end_ = greetingBytes;
 }
 
 void Output::doSendMarker( U64 entity, U16 attrId, Marker marker ) {
-   nextHeaderIs( entity, static_cast< S16 >( attrId ), transaction )
+   nextHeaderIs( entity, static_cast< S16 >( attrId ), transaction, 1 )
       .put( static_cast< U8 >( marker ) );
    messageEnd();
 }
 
 void Output::frontDel( std::size_t count ) {
    gone_ += count;
-   if ( gone_ == buffer_.size() ) {
-      buffer_.clear();
-      gone_ = 0;
+   if ( gone_ == end_ ) {
+      gone_ = end_ = 0;
    } else if ( gone_ >= bound_ ) {
-      buffer_.erase( buffer_.begin(), buffer_.begin() + static_cast< std::ptrdiff_t >( gone_ ) );
+      std::memmove( buffer_.data(), buffer_.data() + gone_, bytes() );
+      end_ -= gone_;
       gone_ = 0;
    }
+}
+
+void Output::doMakeRoom( std::size_t count ) {
+   buffer_.resize( std::max( 2 * buffer_.size(), end_ + count ) );
 }
 
 void Output::doFlowOut() {

@@ -13,6 +13,7 @@
 #include "mrp/platform/attrlog/Protocol.h"
 
 #include <list>
+#include <vector>
 
 namespace Korv::NboAttrLog {
 
@@ -35,8 +36,23 @@ class Output {
    bool continueFlowOut() const { return hasSufficientBuffer() && written_ < turnEnd_; }
    // Counted up from 1, never used twice.
    U64 newIdentifier() { return ++lastIdentifier_; }
-   ByteWriter nextHeaderIs( U64 entity, S16 attrId, U8 flags );
-   void messageEnd();
+   // The next message as far as its header. The writer has room for as many bytes more, all of
+   // which are to be written before the message ends.
+   ByteWriter nextHeaderIs( U64 entity, S16 attrId, U8 flags, std::size_t payloadBytes ) {
+      std::size_t const size = headerBytes + payloadBytes;
+      if ( buffer_.size() - end_ < lengthBytes + size ) [[unlikely]] {
+         doMakeRoom( lengthBytes + size );
+      }
+      ByteWriter writer( buffer_.data() + end_ );
+      writer.put( static_cast< U32 >( size ) );
+      writer.put( entity );
+      writer.put( attrId );
+      writer.put( flags );
+      end_ += lengthBytes + size;
+      written_ += lengthBytes + size;
+      return writer;
+   }
+   void messageEnd() { handleBytes(); }
    void doSendMarker( U64 entity, U16 attrId, Marker marker );
 
    // A stream that is not ours to write on, unless it can be made so.
@@ -55,8 +71,8 @@ class Output {
    void doEnd() { failed_ = true; }
 
    // For the transport: what waits, front first; what of it has gone.
-   std::size_t bytes() const { return buffer_.size() - gone_; }
-   std::span< U8 const > front() const { return std::span( buffer_ ).subspan( gone_ ); }
+   std::size_t bytes() const { return end_ - gone_; }
+   std::span< U8 const > front() const { return { buffer_.data() + gone_, bytes() }; }
    void frontDel( std::size_t count );
    // Resumes flows for as long as there is room, for one turn. What is left waits for the next.
    void doFlowOut();
@@ -72,7 +88,7 @@ class Output {
    bool idle() const { return bytes() == 0 && flows_.empty(); }
 
  protected:
-   // There is something more in the buffer.
+   // There is something more in the buffer, or a flow that waits for its turn.
    virtual void handleBytes() {}
    // Nothing of what waits may be sent any more; a message may have remained half.
    virtual void handleFailed() noexcept {}
@@ -81,11 +97,14 @@ class Output {
    friend class Adapter;
    using Flows = std::list< Adapter * >;
 
+   void doMakeRoom( std::size_t count );
+
    std::size_t bound_;
+   // What waits stands from gone_ to end_; behind it is room.
    std::vector< U8 > buffer_;
-   std::size_t gone_ = 0;    // of the buffer's front
-   std::size_t message_ = 0; // where the message at hand begins
-   U64 written_ = 0;         // bytes, ever
+   std::size_t gone_ = 0;
+   std::size_t end_ = 0;
+   U64 written_ = 0; // bytes, ever
    U64 turnEnd_ = ~U64{ 0 };
    Flows flows_;
    U64 lastIdentifier_ = 0;
