@@ -5,7 +5,7 @@
 #include "mrp/platform/pelk/EthAddr.h"
 #include "mrp/vocabulary/Mrp.h"
 
-#include "command/Captures.h"
+#include "command/Nanoseconds.h"
 
 #include <string>
 

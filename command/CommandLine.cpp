@@ -6,11 +6,11 @@
 #include "mrp/platform/korv/RangeException.h"
 
 #include "command/CommandError.h"
-#include "command/ReplayCommand.h"
 #include "command/RingCommand.h"
-#include "command/RunCommand.h"
-#include "command/ScriptCommand.h"
-#include "command/ShowCommand.h"
+#include "command/replay/ReplayCommand.h"
+#include "command/run/RunCommand.h"
+#include "command/script/ScriptCommand.h"
+#include "command/show/ShowCommand.h"
 
 #include <CLI/CLI.hpp>
 

@@ -2,8 +2,8 @@
 // the side that does not register it. Left declares VLAN 10 and is then cut off; right hears of
 // both.
 //
-// What command/PropagatingLib.h does for any number of ports, a spanning tree and lost links, this
-// does for two ports.
+// What command/run/PropagatingLib.h does for any number of ports, a spanning tree and lost links,
+// this does for two ports.
 #include "mrp/frame/MrpSm.h"
 #include "mrp/platform/memory/Host.h"
 #include "mrp/platform/memory/VirtualActivity.h"

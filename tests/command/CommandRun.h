@@ -1,7 +1,7 @@
 // Runs `mrp` as a user does, and makes the files that it reads.
 #pragma once
 
-#include "command/Captures.h"
+#include "command/replay/Captures.h"
 #include "tests/support/Mrpdu.h"
 
 #include <gtest/gtest.h>

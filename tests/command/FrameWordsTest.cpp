@@ -1,5 +1,5 @@
 // Frames in words.
-#include "command/FrameWords.h"
+#include "command/report/FrameWords.h"
 
 #include "tests/support/Mrpdu.h"
 

@@ -1,5 +1,5 @@
 // What a monitoring system scrapes.
-#include "command/Metrics.h"
+#include "command/report/Metrics.h"
 
 #include <gmock/gmock.h>
 

@@ -1,5 +1,5 @@
 // `mrp replay` from its arguments to its output.
-#include "command/Words.h"
+#include "command/report/Words.h"
 #include "tests/command/CommandRun.h"
 
 #include <gmock/gmock.h>

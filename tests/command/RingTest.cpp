@@ -4,7 +4,7 @@
 #include "mrp/platform/pelk/IntfId.h"
 
 #include "command/CommandError.h"
-#include "command/Observation.h"
+#include "command/run/Observation.h"
 #include "tests/command/CommandRun.h"
 
 #include <gmock/gmock.h>

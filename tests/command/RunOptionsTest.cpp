@@ -1,8 +1,8 @@
 // What `mrp run` is told, on the command line and in a file, and what it says to what is wrong.
 #include "command/CommandError.h"
-#include "command/RunConfig.h"
-#include "command/RunSettings.h"
 #include "command/StreamPath.h"
+#include "command/run/RunConfig.h"
+#include "command/run/RunSettings.h"
 #include "tests/command/CommandRun.h"
 
 #include <gmock/gmock.h>

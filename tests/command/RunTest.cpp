@@ -4,7 +4,7 @@
 #include "mrp/platform/memory/VirtualActivity.h"
 #include "mrp/platform/memory/Wire.h"
 
-#include "command/RunAgent.h"
+#include "command/run/RunAgent.h"
 #include "tests/support/Mrpdu.h"
 
 #include <gmock/gmock.h>

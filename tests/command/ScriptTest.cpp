@@ -1,5 +1,5 @@
 // `mrp script`: what is wrong with a script, and what the files of tests/scenarios do not show.
-#include "command/Words.h"
+#include "command/report/Words.h"
 #include "tests/command/CommandRun.h"
 
 #include <gmock/gmock.h>

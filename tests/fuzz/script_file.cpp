@@ -1,7 +1,7 @@
 // Scripts of `mrp script`: any bytes read as one, or put in the place of a value in one that is
 // good. What is accepted keeps to the limits and is in order. Nothing of it is run.
 #include "command/CommandError.h"
-#include "command/Script.h"
+#include "command/script/Script.h"
 
 #include <nlohmann/json.hpp>
 

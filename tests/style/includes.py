@@ -10,6 +10,12 @@ from pathlib import Path
 KORV = "mrp/platform/korv/"
 PELK = "mrp/platform/pelk/"
 
+# What all subcommands share.
+COMMAND = ["mrp/"] + [f"command/{name}.h"
+                      for name in ("Arguments", "CommandError", "Nanoseconds", "StreamPath")]
+REPORT = "command/report/"
+REPLAY = "command/replay/"
+
 # The first room that a file stands in decides what it may include of this repository.
 ROOMS = [
     (KORV, [KORV]),
@@ -17,6 +23,11 @@ ROOMS = [
     ("mrp/vocabulary/", ["mrp/vocabulary/", KORV, PELK]),
     ("mrp/observer/", ["mrp/"]),
     ("mrp/", ["mrp/"]),
+    (REPORT, COMMAND + [REPORT]),
+    (REPLAY, COMMAND + [REPORT, REPLAY]),
+    ("command/script/", COMMAND + [REPORT, REPLAY, "command/script/"]),
+    ("command/run/", COMMAND + [REPORT, "command/run/"]),
+    ("command/show/", COMMAND + [REPORT, "command/show/"]),
     ("command/", ["mrp/", "command/"]),
     ("examples/", ["mrp/"]),
     ("bench/", ["mrp/", "bench/", "tests/support/"]),

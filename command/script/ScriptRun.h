@@ -1,0 +1,16 @@
+// A script on a participant of its own.
+#pragma once
+
+#include "command/replay/Participant.h"
+#include "command/script/Script.h"
+
+namespace Command {
+
+// Of the participant that the script starts with.
+ParticipantSettings settingsOf( Script const & script );
+
+// From time 0 to the script's end. Throws CommandError for a step that cannot be done and for a run
+// that has too much to tell; what the engine throws passes through.
+void runScript( Script const & script, Participant & participant );
+
+} // namespace Command
