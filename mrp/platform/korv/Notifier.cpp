@@ -5,40 +5,54 @@
 namespace Korv {
 
 Notifier::~Notifier() {
-   if ( watchers_ ) {
-      for ( auto *& watcher : watchers_->list ) {
+   if ( auto * const single = only() ) {
+      single->notifier_ = nullptr;
+   } else if ( auto * const held = watchers() ) {
+      for ( auto *& watcher : held->list ) {
          if ( watcher ) {
             watcher->notifier_ = nullptr;
             watcher = nullptr;
          }
       }
+      held->referenceDrop();
    }
 }
 
 void Notifier::watcherAdd( ReactorBase * watcher ) const {
-   if ( !watchers_ ) {
-      watchers_ = new Watchers;
+   if ( !isWatched() ) {
+      return onlyIs( watcher );
    }
-   watchers_->list.push_back( watcher );
+   if ( auto * const first = only() ) {
+      auto * const made = new Watchers;
+      made->referenceAdd();
+      watching_ = reinterpret_cast< std::uintptr_t >( made ) + listMark;
+      made->list.push_back( first );
+   }
+   watchers()->list.push_back( watcher );
 }
 
 void Notifier::watcherDel( ReactorBase * watcher ) const {
-   auto & list = watchers_->list;
+   if ( only() == watcher ) {
+      return onlyIs( nullptr );
+   }
+   auto & list = watchers()->list;
    auto const found = std::find( list.begin(), list.end(), watcher );
    if ( found == list.end() ) {
       return;
    }
    *found = nullptr;
-   if ( watchers_->running == 0 ) {
+   if ( watchers()->running == 0 ) {
       compact();
    }
 }
 
 void Notifier::compact() const {
-   auto & list = watchers_->list;
-   list.erase( std::remove( list.begin(), list.end(), nullptr ), list.end() );
-   if ( list.empty() ) {
-      watchers_ = nullptr;
+   auto * const held = watchers();
+   held->list.erase( std::remove( held->list.begin(), held->list.end(), nullptr ),
+                     held->list.end() );
+   if ( held->list.empty() ) {
+      watching_ = 0;
+      held->referenceDrop();
    }
 }
 

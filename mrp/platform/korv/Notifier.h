@@ -8,12 +8,13 @@
 // of their registration. A watcher may come or go meanwhile, in any watcher's operation: one that
 // has gone is not called any more, one that has come hears the next change.
 //
-// With no watcher a notifier costs one null pointer and a notification one test.
+// With no watcher a notifier costs one null pointer and a notification one test. A single one,
+// which each of hundreds of thousands of mirrored attributes has, costs no memory.
 #pragma once
 
 #include "mrp/platform/korv/Ptr.h"
 
-#include <memory>
+#include <cstdint>
 #include <vector>
 
 namespace Korv {
@@ -24,13 +25,13 @@ class Notifier : public PtrInterface {
  public:
    ~Notifier() override;
 
-   bool isWatched() const { return watchers_ != nullptr; }
+   bool isWatched() const { return watching_ != 0; }
 
    // The notification of a change: `notify( &Reactor::onLeaveTime )`, with the key for a
    // collection. Callers have compared and stored already.
    template < class R, class... P, class... A >
    void notify( void ( R::*on )( P... ), A const &... key ) const {
-      if ( watchers_ ) [[unlikely]] {
+      if ( isWatched() ) [[unlikely]] {
          notifyWatchers( on, key... );
       }
    }
@@ -87,7 +88,7 @@ class Notifier : public PtrInterface {
    };
    // One notification. It ends also by what a watcher throws.
    struct Run {
-      explicit Run( Notifier const & n ) : watchers( n.watchers_ ), notifier( n ) {
+      explicit Run( Notifier const & n ) : watchers( n.watchers() ), notifier( n ) {
          ++watchers->running;
       }
       Run( Run const & ) = delete;
@@ -104,6 +105,10 @@ class Notifier : public PtrInterface {
 
    template < class R, class... P, class... A >
    [[gnu::noinline]] void notifyWatchers( void ( R::*on )( P... ), A const &... key ) const {
+      if ( auto * watcher = only() ) {
+         ( static_cast< R * >( watcher )->*on )( key... );
+         return;
+      }
       Run const run( *this );
       auto const & list = run.watchers->list;
       std::size_t const present = list.size();
@@ -118,7 +123,21 @@ class Notifier : public PtrInterface {
    void watcherDel( ReactorBase * watcher ) const;
    void compact() const;
 
-   mutable Ptr< Watchers > watchers_;
+   // The watcher if there is only one, else null; the list if there have been two, else null.
+   ReactorBase * only() const {
+      return watching_ & listMark ? nullptr : reinterpret_cast< ReactorBase * >( watching_ );
+   }
+   Watchers * watchers() const {
+      return watching_ & listMark ? reinterpret_cast< Watchers * >( watching_ - listMark )
+                                  : nullptr;
+   }
+   void onlyIs( ReactorBase * watcher ) const {
+      watching_ = reinterpret_cast< std::uintptr_t >( watcher );
+   }
+
+   // A ReactorBase, or with the mark a list that is referred to from here.
+   static constexpr std::uintptr_t listMark = 1;
+   mutable std::uintptr_t watching_ = 0;
 };
 
 // A watcher's tie to what it watches. It owns nothing: the notifier, when it goes first, cuts the
