@@ -2,6 +2,7 @@
 
 #include "command/CommandLine.h"
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 #include <sys/wait.h>
@@ -23,15 +24,6 @@ void putLittle( Bytes & to, std::uint64_t number, unsigned size ) {
    for ( unsigned i = 0; i < size; ++i ) {
       to.push_back( static_cast< std::uint8_t >( number >> ( 8 * i ) ) );
    }
-}
-
-// A block of pcapng: type, length, body, padding, length.
-void putBlock( Bytes & to, std::uint32_t type, Bytes body ) {
-   body.resize( ( body.size() + 3 ) / 4 * 4 );
-   putLittle( to, type, 4 );
-   putLittle( to, body.size() + 12, 4 );
-   TestSupport::put( to, body );
-   putLittle( to, body.size() + 12, 4 );
 }
 
 } // namespace
@@ -63,6 +55,13 @@ Outcome mrp( std::vector< std::string > const & arguments ) {
    return outcome;
 }
 
+void expectRefused( Outcome const & outcome, std::string const & words ) {
+   EXPECT_EQ( outcome.status, 2 ) << words;
+   EXPECT_EQ( outcome.out, "" ) << words;
+   EXPECT_NE( outcome.err.find( words ), std::string::npos ) << outcome.err << "has no " << words;
+   EXPECT_EQ( std::count( outcome.err.begin(), outcome.err.end(), '\n' ), 1 ) << outcome.err;
+}
+
 Bytes pcap( std::vector< Stamped > const & frames, std::uint32_t linkType ) {
    Bytes bytes;
    putLittle( bytes, 0xA1B2C3D4, 4 );
@@ -77,35 +76,6 @@ Bytes pcap( std::vector< Stamped > const & frames, std::uint32_t linkType ) {
       putLittle( bytes, stamped.frame.size(), 4 );
       putLittle( bytes, stamped.frame.size(), 4 );
       TestSupport::put( bytes, stamped.frame );
-   }
-   return bytes;
-}
-
-Bytes pcapng( std::vector< Stamped > const & frames ) {
-   Bytes bytes;
-   Bytes section;
-   putLittle( section, 0x1A2B3C4D, 4 );
-   putLittle( section, 1, 4 ); // version 1.0
-   putLittle( section, ~std::uint64_t{ 0 }, 8 );
-   putBlock( bytes, 0x0A0D0D0A, section );
-   Bytes interface;
-   putLittle( interface, 1, 4 ); // Ethernet
-   putLittle( interface, 0, 4 );
-   putLittle( interface, 9, 2 ); // if_tsresol: 10^-9
-   putLittle( interface, 1, 2 );
-   putLittle( interface, 9, 4 );
-   putLittle( interface, 0, 4 ); // end of options
-   putBlock( bytes, 1, interface );
-   for ( Stamped const & stamped : frames ) {
-      auto const time = static_cast< std::uint64_t >( stamped.time );
-      Bytes packet;
-      putLittle( packet, 0, 4 );
-      putLittle( packet, time >> 32, 4 );
-      putLittle( packet, time, 4 );
-      putLittle( packet, stamped.frame.size(), 4 );
-      putLittle( packet, stamped.frame.size(), 4 );
-      TestSupport::put( packet, stamped.frame );
-      putBlock( bytes, 6, packet );
    }
    return bytes;
 }

@@ -26,6 +26,9 @@ struct Outcome {
 // In a process of its own: rand() starts anew, and the filter is that of this run's application.
 Outcome mrp( std::vector< std::string > const & arguments );
 
+// It ended with status 2, and all it said was one line of error with these words.
+void expectRefused( Outcome const & outcome, std::string const & words );
+
 // A time in nanoseconds and a frame.
 struct Stamped {
    std::int64_t time;
@@ -36,8 +39,6 @@ constexpr std::int64_t ms = 1'000'000;
 
 // The bytes of a file, put together here.
 Bytes pcap( std::vector< Stamped > const & frames, std::uint32_t linkType = 1 );
-// With times in nanoseconds.
-Bytes pcapng( std::vector< Stamped > const & frames );
 
 // A directory that goes with the test.
 class CommandTest : public ::testing::Test {

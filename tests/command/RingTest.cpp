@@ -86,10 +86,7 @@ TEST_F( RingTest, SaysWhatIsWrong ) {
         "ring: " + bad + ": it is no ring file, and is left alone\n" },
    };
    for ( auto const & each : cases ) {
-      Outcome const outcome = mrp( each.arguments );
-      EXPECT_EQ( outcome.status, 2 ) << each.words;
-      EXPECT_THAT( outcome.out, IsEmpty() ) << each.words;
-      EXPECT_THAT( outcome.err, HasSubstr( each.words ) );
+      expectRefused( mrp( each.arguments ), each.words );
    }
 }
 

@@ -4,7 +4,6 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <fstream>
 
 namespace CommandTest {
@@ -13,20 +12,34 @@ namespace {
 
 using namespace TestSupport;
 using nlohmann::json;
-using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
 using Steps = std::vector< json >;
 
-json enable( std::string const & interface = "Ethernet1" ) {
-   return { { "at", 0 }, { "op", "enable" }, { "intf", interface } };
+json step( double at, std::string const & operation, json const & more = json::object() ) {
+   json all{ { "at", at }, { "op", operation } };
+   all.update( more );
+   return all;
 }
+json onPort( double at, std::string const & operation, json more = json::object() ) {
+   more["intf"] = "Ethernet1";
+   return step( at, operation, more );
+}
+json enable( double at = 0 ) { return onPort( at, "enable" ); }
 json rx( double at, Bytes const & frame ) {
-   return { { "at", at }, { "op", "rx" }, { "intf", "Ethernet1" }, { "frame", hex( frame ) } };
+   return onPort( at, "rx", { { "frame", hex( frame ) } } );
 }
 json send( std::string const & kind, int type, json const & fields ) {
-   return { { "at", 0.05 },   { "op", "send" }, { "intf", "Ethernet1" },
-            { "type", type }, { "event", 0 },   { "value", { { kind, fields } } } };
+   return onPort( 0.05, "send",
+                  { { "type", type }, { "event", 0 }, { "value", { { kind, fields } } } } );
+}
+json config( double at, std::string const & attribute, double value ) {
+   return step( at, "config", { { "attribute", attribute }, { "value", value } } );
+}
+json role( double at, int number ) {
+   return step(
+      at, "role",
+      { { "port", "Ethernet1" }, { "msti", "Cist" }, { "stpi", "Mst" }, { "role", number } } );
 }
 
 json mvrpScript( Steps const & steps = { enable() } ) {
@@ -57,11 +70,8 @@ class ScriptTest : public CommandTest {
       return mrp( arguments );
    }
    void expectError( Outcome const & outcome, std::string const & words ) const {
-      EXPECT_EQ( outcome.status, 2 ) << words;
-      EXPECT_EQ( outcome.out, "" ) << words;
+      expectRefused( outcome, words );
       EXPECT_THAT( outcome.err, HasSubstr( "mrp: " + path( "script.json" ) + ": " ) );
-      EXPECT_THAT( outcome.err, HasSubstr( words ) );
-      EXPECT_EQ( std::ranges::count( outcome.err, '\n' ), 1 ) << outcome.err;
    }
 };
 
@@ -113,25 +123,13 @@ TEST_F( ScriptTest, EveryErrorNamesItsPlaceAndWhatWouldBeRight ) {
       enable(),
       rx( 0.1, msrpFrame() ),
       send( "talkerFailed", 2, { { "streamId", 1 } } ),
-      { { "at", 0.2 }, { "op", "config" }, { "attribute", "leaveTime" }, { "value", 1 } },
-      { { "at", 0.2 },
-        { "op", "config" },
-        { "attribute", "intfLeaveTime" },
-        { "value", 1 },
-        { "intf", "Ethernet1" } },
-      { { "at", 0.3 },
-        { "op", "role" },
-        { "port", "Ethernet1" },
-        { "msti", "Cist" },
-        { "stpi", "Mst" },
-        { "role", 1 } },
-      { { "at", 0.3 },
-        { "op", "stpMode" },
-        { "mode", -1 },
-        { "native", { { "Ethernet1", 7 } } },
-        { "vlans", { 1, 7 } } },
+      config( 0.2, "leaveTime", 1 ),
+      onPort( 0.2, "config", { { "attribute", "intfLeaveTime" }, { "value", 1 } } ),
+      role( 0.3, 1 ),
+      step( 0.3, "stpMode",
+            { { "mode", -1 }, { "native", { { "Ethernet1", 7 } } }, { "vlans", { 1, 7 } } } ),
       send( "listenerVector", 3, { { "listenerEvent", "ready" } } ),
-      { { "at", 0.9 }, { "op", "endStandby" } },
+      step( 0.9, "endStandby" ),
    } );
    script["joinRefusals"] = Steps{ { "Ethernet1", 1, 5 } };
    script["preload"] = Steps{ { { "intf", "Ethernet1" },
@@ -152,49 +150,33 @@ TEST_F( ScriptTest, EveryErrorNamesItsPlaceAndWhatWouldBeRight ) {
       { "/until", nullptr, ": 'until' is missing" },
       { "/until", -1, "until: a number from 0.0 to 8640000.0 is needed, not -1" },
       { "/until", 1e300, "until: a number from 0.0 to 8640000.0 is needed, not 1e+300" },
-      { "/until", "soon", "until: a number" },
       { "/application", "GVRP", "application: MSRP, MVRP or MMRP is needed, not \"GVRP\"" },
       { "/application", 1, "application: a text is needed, not 1" },
       { "/mac", "01:80:c2:00:00", "mac: a MAC address such as" },
       { "/etype", 65536, "etype: a whole number from 0 to 65535 is needed, not 65536" },
-      { "/etype", "0x10000", "etype: a whole number" },
       { "/etype", "0x", "etype: a whole number" },
       { "/etype", "12 ", "etype: a whole number" },
       { "/etype", 1.5, "etype: a whole number" },
-      { "/bridgeMac", nullptr, "'bridgeMac' is missing" },
       { "/standby", 1, "standby: true or false is needed, not 1" },
-      { "/name", 1, "name: a text" },
       { "/interfaces", manyInterfaces, "interfaces: 1025 of them" },
-      { "/interfaces", json::array(), "interfaces: an object is needed, not a list" },
-      { "/interfaces/Ethernet1/mtu", -1, "interfaces.Ethernet1.mtu: a whole number" },
-      { "/interfaces/Ethernet1/mac", 5, "interfaces.Ethernet1.mac: a text" },
       { "/interfaces/Ethernet1/speed", 5, "interfaces.Ethernet1.speed: there is no such key" },
       { "/interfaces/a\nb", json::object(), "without control characters" },
       { "/config/leavetime", 1, "config.leavetime: there is no such attribute here, but timersE" },
-      { "/config/mrpFlooding", 0, "config.mrpFlooding: true or false" },
       { "/config/leaveTime", 1e10, "config.leaveTime: a number from" },
       { "/config/intfLeaveTime", 1, "config.intfLeaveTime: an object" },
-      { "/config/intfLeaveTime/Ethernet1", true, "config.intfLeaveTime.Ethernet1: a number" },
       { "/joinRefusals/0", { "Ethernet1", 1 }, "joinRefusals[0]: an interface, a type and a key" },
-      { "/joinRefusals/0/1", 256, "joinRefusals[0][1]: a whole number from 0 to 255" },
       { "/joinRefusals/0/2", "18446744073709551616", "joinRefusals[0][2]: a whole number" },
       { "/joinRefusals/0/2", 18446744073709551616.0, "joinRefusals[0][2]: a whole number" },
       { "/preload/0/applicant", "QA", "preload[0].applicant: one of mrpVeryAnxiousObserver to" },
       { "/preload/0/applicant", 12, "preload[0].applicant: a whole number from 0 to 11" },
-      { "/preload/0/registrar", nullptr, "preload[0]: 'registrar' is missing" },
       { "/preload/0/value", std::string( 132, '0' ), "preload[0].value: an attribute keeps" },
       { "/preload/0/value/vlanVector", json::object(), "vlanVector is not the attribute's type" },
-      { "/steps", "none", "steps: a list is needed, not \"none\"" },
       { "/steps/0", 5, "steps[0]: an object is needed, not 5" },
-      { "/steps/0/at", nullptr, "steps[0]: 'at' is missing" },
-      { "/steps/0/at", -0.5, "steps[0].at: a number from 0.0" },
       { "/steps/0/op", "start", "steps[0].op: there is no operation 'start', but enable" },
       { "/steps/0/about", "x", "steps[0].about: there is no such key here, but at, op, intf" },
-      { "/steps/0/intf", 1, "steps[0].intf: a text" },
       { "/steps/1/frame", "0180c", "steps[1].frame: half a byte" },
       { "/steps/1/frame", "0x80", "steps[1].frame: text of hexadecimal digits" },
       { "/steps/1/frame", std::string( 90, 'g' ), std::string( 39, 'g' ) + "..." },
-      { "/steps/2/type", 256, "steps[2].type: a whole number" },
       { "/steps/2/type", "vlanVector", "steps[2].type: one of invalidAttribute to domainVector" },
       { "/steps/2/event", "joinIn", "steps[2].event: one of newEvent to lvInternal" },
       { "/steps/2/queue", "Ethernet1", "steps[2].queue: a list" },
@@ -203,17 +185,13 @@ TEST_F( ScriptTest, EveryErrorNamesItsPlaceAndWhatWouldBeRight ) {
         "steps[2].value.talkerFailed.stream: there is no" },
       { "/steps/2/value/talkerFailed/priority", 8, "priority: a whole number from 0 to 7" },
       { "/steps/2/value/talkerFailed/rank", 2, "rank: a whole number from 0 to 1" },
-      { "/steps/2/value/talkerFailed/dmac", 1, "dmac: a text" },
       { "/steps/7/value/listenerVector/listenerEvent", 4, "listenerEvent: a whole number from 0" },
       { "/steps/3/attribute", "leave", "steps[3].attribute: there is no such attribute" },
       { "/steps/3/intf", "Ethernet1", "steps[3].intf: leaveTime is the same for all interfaces" },
       { "/steps/4/intf", nullptr, "steps[4]: 'intf' is missing" },
       { "/steps/5/role", "wrong", "steps[5].role: one of unknown to disabled" },
-      { "/steps/5/role", -1, "steps[5].role: a whole number" },
       { "/steps/6/mode", 2147483648.0, "steps[6].mode: a whole number from -2147483648" },
-      { "/steps/6/native/Ethernet1", 65536, "steps[6].native.Ethernet1: a whole number" },
       { "/steps/6/vlans/1", 4095, "steps[6].vlans[1]: a whole number from 1 to 4094" },
-      { "/steps/8/intf", "Ethernet1", "steps[8].intf: there is no such key here, but at, op" },
    };
    for ( Wrong const & wrong : wrongs ) {
       json changed = script;
@@ -231,8 +209,9 @@ TEST_F( ScriptTest, EveryErrorNamesItsPlaceAndWhatWouldBeRight ) {
 }
 
 TEST_F( ScriptTest, WhatHasNoEffectIsWarnedOf ) {
-   json script = mvrpScript( { enable( "Ethernet7" ), enable( "Ethernet7" ), enable() } );
-   script["steps"][2]["at"] = 5;
+   json elsewhere = enable();
+   elsewhere["intf"] = "Ethernet7";
+   json script = mvrpScript( { elsewhere, elsewhere, enable( 5 ) } );
    auto const outcome = run( script );
    EXPECT_EQ( outcome.status, 0 );
    std::string const name = path( "script.json" );
@@ -320,47 +299,20 @@ TEST_F( ScriptTest, TheSameScriptGivesTheSameResultAndCaptures ) {
                 HasSubstr( "Ethernet1/1 cannot name a file" ) );
 }
 
-TEST_F( ScriptTest, AnAssertionStillGivesTheResultInEachForm ) {
-   json const script = mvrpScript( { enable(), send( "vlanVector", 1, { { "vlanId", 10 } } ),
-                                     rx( 0.5, { 1, 2 } ), rx( 0.6, mvrpFrame() ) } );
-   auto const text = run( script, { "--out", path( "out" ) } );
-   EXPECT_EQ( text.status, 1 );
-   EXPECT_EQ( text.err, "" );
-   EXPECT_THAT( text.out, HasSubstr( "said   VLAN 10 New" ) );
-   EXPECT_THAT(
-      text.out,
-      HasSubstr( "\nHere the engine gave up: pkt->bytes() >= sizeof( Pelk::EthHdr )\n" ) );
-   EXPECT_THAT( text.out, HasSubstr( "numOfPktsTransmitted" ) );
-   EXPECT_EQ( Command::readCapture( path( "out/Ethernet1.pcap" ) ).frames.size(), 2u );
-   EXPECT_EQ( run( script ).json()["interfaces"][0]["received"], 1 );
-}
-
 TEST_F( ScriptTest, StandbyTakesAllOperationsButASend ) {
-   Steps const steps = {
-      enable(),
-      rx( 0.1, mvrpFrame() ),
-      { { "at", 0.1 }, { "op", "cleanUp" }, { "intf", "Ethernet1" } },
-      { { "at", 0.1 }, { "op", "config" }, { "attribute", "leaveAllTime" }, { "value", 5 } },
-      { { "at", 0.1 }, { "op", "stpMode" }, { "mode", 0 } },
-      { { "at", 0.1 },
-        { "op", "role" },
-        { "port", "Ethernet1" },
-        { "msti", "Cist" },
-        { "stpi", "Mst" },
-        { "role", 3 } },
-      { { "at", 0.2 }, { "op", "disable" }, { "intf", "Ethernet1" } },
-      enable() };
-   json script = mvrpScript( steps );
+   json script =
+      mvrpScript( { enable(), rx( 0.1, mvrpFrame() ), onPort( 0.1, "cleanUp" ),
+                    config( 0.1, "leaveAllTime", 5 ), step( 0.1, "stpMode", { { "mode", 0 } } ),
+                    role( 0.1, 3 ), onPort( 0.2, "disable" ), enable( 0.3 ) } );
    script["standby"] = true;
-   script["steps"][7]["at"] = 0.3;
    auto const asleep = run( script );
    EXPECT_EQ( asleep.status, 0 ) << asleep.err;
    EXPECT_EQ( asleep.json()["counters"], json::object() );
    EXPECT_EQ( asleep.json()["parseContext"], json::object() );
 
    // A second end of standby makes all machines anew.
-   script["steps"].push_back( { { "at", 0.4 }, { "op", "endStandby" } } );
-   script["steps"].push_back( { { "at", 0.5 }, { "op", "endStandby" } } );
+   script["steps"].push_back( step( 0.4, "endStandby" ) );
+   script["steps"].push_back( step( 0.5, "endStandby" ) );
    EXPECT_EQ( run( script ).json()["leaveAllTime"][0]["seconds"] >= 5, true );
 
    script["steps"] = Steps{ send( "vlanVector", 1, json::object() ) };

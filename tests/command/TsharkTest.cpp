@@ -179,22 +179,13 @@ TEST_F( TsharkTest, readsLeaveAllsAndTheirAnswers ) {
                                       "vlan 11 Lv", "vlan 20 In", "vlan 30 JoinMt" ) );
 
    Sender msrp( Mrp::MSRP );
-   msrp.declare( et1, talker( 8 ), New );
-   msrp.declare( et1, FailedTalker{ talker( 9 ) }, New );
    msrp.declare( et1, Listener{ 5, AskingFailed }, New );
-   msrp.declare( et1, Domain{ 6, 3 }, New );
-   msrp.advanceTo( 2 );
-   msrp.receive( et1, msrpFrame( msrpLeaveAll( talkerType ), msrpLeaveAll( listenerType ) ) );
-   msrp.advanceTo( 3 );
-   msrp.declare( et1, talker( 8 ), Lv );
-   msrp.advanceTo( 25 ); // past LeaveAlls of its own
-   auto const read = values( msrp );
-   for ( char const * const value :
-         { "talker 0x8 New", "failed 0x9 New", "listener 0x5 New AskingFailed", "domain 6 New",
-           "talker 0x8 JoinMt", "listener 0x5 JoinMt AskingFailed", "talker 0x8 Lv",
-           "talker LeaveAll", "failed LeaveAll", "listener LeaveAll", "domain LeaveAll" } ) {
-      EXPECT_THAT( read, testing::Contains( value ) );
-   }
+   msrp.advanceTo( 15 ); // past LeaveAlls of its own
+   EXPECT_THAT(
+      values( msrp ),
+      testing::IsSupersetOf( { "listener 0x5 New AskingFailed", "listener 0x5 JoinMt AskingFailed",
+                               "talker LeaveAll", "failed LeaveAll", "listener LeaveAll",
+                               "domain LeaveAll" } ) );
 }
 
 TEST_F( TsharkTest, readsTheFieldsOfATalkerAndADomain ) {

@@ -2,14 +2,15 @@
 // the sizes of the file, is in order, and can be printed.
 #include "mrp/platform/sornlog/RingReader.h"
 
+#include "tests/fuzz/script/Check.h"
+
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 namespace {
 
+using Fuzz::check;
 using namespace Sornlog;
 using Korv::U8;
 using Bytes = std::vector< U8 >;
@@ -45,13 +46,6 @@ void change( Bytes & file, U8 const * changes, std::size_t size ) {
    for ( ; size >= 3; changes += 3, size -= 3 ) {
       std::size_t const at = std::size_t{ changes[0] } << 8u | changes[1];
       file[at % file.size()] = changes[2];
-   }
-}
-
-void check( bool holds, char const * what ) {
-   if ( !holds ) {
-      std::fprintf( stderr, "does not hold: %s\n", what );
-      std::abort();
    }
 }
 

@@ -2,16 +2,16 @@
 // good. What is accepted keeps to the limits and is in order. Nothing of it is run.
 #include "command/CommandError.h"
 #include "command/script/Script.h"
+#include "tests/fuzz/script/Check.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 
 namespace {
 
+using Fuzz::check;
 using Json = nlohmann::ordered_json;
 
 // Something of everything.
@@ -49,13 +49,6 @@ std::string with( std::string const & bytes, std::size_t place ) {
    auto const where = std::next( places.begin(), static_cast< long >( place % places.size() ) );
    changed[Json::json_pointer( where.key() )] = isJson ? Json::parse( bytes ) : Json( bytes );
    return changed.dump( -1, ' ', false, Json::error_handler_t::ignore );
-}
-
-void check( bool holds, char const * what ) {
-   if ( !holds ) {
-      std::fprintf( stderr, "does not hold: %s\n", what );
-      std::abort();
-   }
 }
 
 void read( std::string const & text ) {

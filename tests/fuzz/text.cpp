@@ -6,20 +6,14 @@
 #include "mrp/vocabulary/MrpMsrp.h"
 #include "mrp/vocabulary/MrpMvrp.h"
 
+#include "tests/fuzz/script/Check.h"
+
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <type_traits>
 
 namespace {
 
-void check( bool holds, char const * what, std::string_view text ) {
-   if ( !holds ) {
-      std::fprintf( stderr, "does not hold: %s: \"%.*s\"\n", what,
-                    static_cast< int >( text.size() ), text.data() );
-      std::abort();
-   }
-}
+using Fuzz::check;
 
 // Reading drops the undefined bits of a PriorityAndRank.
 template < class T >

@@ -2,83 +2,64 @@
 // LeaveAll all of a type wait on one.
 #include "tests/machines/MachinesTest.h"
 
+#include <sstream>
+
 namespace TestSupport {
 namespace {
 
 using namespace Mrp;
 
-struct Left {
-   U64 vlan;
-   double time;
-};
-
-void expectLeft( Participant & mvrp, std::vector< Left > const & expected ) {
-   std::vector< Indication > leaves;
+// The leaves told of: "10 at 3, 11 at 4".
+std::string left( Participant & mvrp ) {
+   std::ostringstream out;
    for ( Indication const & indication : mvrp.lib().indications ) {
       if ( !indication.join ) {
-         leaves.push_back( indication );
+         out << ( out.tellp() > 0 ? ", " : "" ) << indication.key << " at " << indication.time;
       }
    }
-   ASSERT_EQ( leaves.size(), expected.size() );
-   for ( std::size_t i = 0; i < leaves.size(); ++i ) {
-      EXPECT_EQ( leaves[i].key, expected[i].vlan );
-      EXPECT_NEAR( leaves[i].time, expected[i].time, 0.11 ); // the wheel's tick
-   }
+   return out.str();
 }
 
-// 10 and 11 are registered from 0 on; the leave time is 2, and our own LeaveAll far off.
+// 10 and 11 are registered from 0 on; the leave time is 2, and our own LeaveAll far off. What
+// arrives: "1 Lv 10", at 1 a Lv for 10; "1 LeaveAll 0".
 TEST( Leave, endsARegistrationOneLeaveTimeAfterItsCause ) {
-   struct Arrival {
-      double time;
-      Bytes frame;
-   };
    struct Row {
       char const * what;
-      std::vector< Arrival > arrivals;
-      std::vector< Left > left;
-   };
-   Bytes const leaveAll = mvrpFrame( vlanLeaveAll() );
-   auto const frame = []( U16 vlan, Event event ) -> Bytes {
-      return mvrpFrame( vlans( vlan, { event } ) );
+      char const * arrivals;
+      char const * left;
    };
    for ( Row const & row :
-         { Row{ "a Lv", { { 1, frame( 10, Lv ) } }, { { 10, 3 } } },
-           { "a second Lv changes nothing",
-             { { 1, frame( 10, Lv ) }, { 2, frame( 10, Lv ) } },
-             { { 10, 3 } } },
-           { "each Lv has a timer of its own",
-             { { 1, frame( 11, Lv ) }, { 2, frame( 10, Lv ) } },
-             { { 11, 3 }, { 10, 4 } } },
-           { "a LeaveAll", { { 1, leaveAll } }, { { 10, 3 }, { 11, 3 } } },
-           { "a second LeaveAll changes nothing",
-             { { 1, leaveAll }, { 2, leaveAll } },
-             { { 10, 3 }, { 11, 3 } } },
-           { "one that joins the wait postpones all",
-             { { 1, leaveAll }, { 1.5, frame( 12, JoinIn ) }, { 2, leaveAll } },
-             { { 10, 4 }, { 11, 4 }, { 12, 4 } } },
-           { "on both timers the earlier counts, and it is told once",
-             { { 1, frame( 10, Lv ) }, { 2, leaveAll } },
-             { { 10, 3 }, { 11, 4 } } },
-           { "on both timers, the LeaveAll first",
-             { { 1, leaveAll }, { 2, frame( 10, Lv ) } },
-             { { 10, 3 }, { 11, 3 } } },
-           { "a join ends the wait on both",
-             { { 1, frame( 10, Lv ) }, { 1.2, leaveAll }, { 1.5, frame( 10, JoinIn ) } },
-             { { 11, 3.2 } } },
-           { "a join, and a Lv anew",
-             { { 1, frame( 10, Lv ) }, { 1.5, frame( 10, JoinMt ) }, { 2, frame( 10, Lv ) } },
-             { { 10, 4 } } } } ) {
+         { Row{ "a Lv", "1 Lv 10", "10 at 3" },
+           { "a second Lv changes nothing", "1 Lv 10  2 Lv 10", "10 at 3" },
+           { "each Lv has a timer of its own", "1 Lv 11  2 Lv 10", "11 at 3, 10 at 4" },
+           { "a LeaveAll", "1 LeaveAll 0", "10 at 3, 11 at 3" },
+           { "a second LeaveAll changes nothing", "1 LeaveAll 0  2 LeaveAll 0",
+             "10 at 3, 11 at 3" },
+           { "one that joins the wait postpones all", "1 LeaveAll 0  1.5 JoinIn 12  2 LeaveAll 0",
+             "10 at 4, 11 at 4, 12 at 4" },
+           { "on both timers the earlier counts, and it is told once", "1 Lv 10  2 LeaveAll 0",
+             "10 at 3, 11 at 4" },
+           { "on both timers, the LeaveAll first", "1 LeaveAll 0  2 Lv 10", "10 at 3, 11 at 3" },
+           { "a join ends the wait on both", "1 Lv 10  1.2 LeaveAll 0  1.5 JoinIn 10",
+             "11 at 3.2" },
+           { "a join, and a Lv anew", "1 Lv 10  1.5 JoinMt 10  2 Lv 10", "10 at 4" } } ) {
       SCOPED_TRACE( row.what );
       Participant mvrp( MVRP );
       mvrp.config().leaveTimeIs( 2 );
       mvrp.config().leaveAllTimeIs( 100 );
       mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn, JoinIn } ) ) );
-      for ( Arrival const & arrival : row.arrivals ) {
-         mvrp.advanceTo( arrival.time );
-         mvrp.receive( et1, arrival.frame );
+      std::istringstream arrivals( row.arrivals );
+      double time = 0;
+      std::string event;
+      for ( U16 vlan = 0; arrivals >> time >> event >> vlan; ) {
+         mvrp.advanceTo( time );
+         Vector const attribute = vlans( vlan, { event == "Lv"       ? Lv
+                                                 : event == "JoinIn" ? JoinIn
+                                                                     : JoinMt } );
+         mvrp.receive( et1, mvrpFrame( event == "LeaveAll" ? vlanLeaveAll() : attribute ) );
       }
       mvrp.advanceTo( 9 );
-      expectLeft( mvrp, row.left );
+      EXPECT_EQ( left( mvrp ), row.left );
       // Once fired, the machines are gone.
       EXPECT_EQ( mvrp.sm().registrarSm()->explicitLeaveSm().size(), 0u );
       EXPECT_EQ( mvrp.sm().registrarSm()->leaveSm().size(), 0u );
@@ -102,15 +83,14 @@ TEST( Leave, takesTheTimeForItsCause ) {
          mvrp.config().intfLeaveTimeIs( id( et1 ), row.interface );
          mvrp.config().txLeaveAllExpiryTimeIs( row.afterOurs );
          mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn } ) ) );
-         if ( isOurs ) {
-            mvrp.advanceTo( 16 );
-            expectLeft( mvrp, { { 10, 10 + row.ours } } );
-         } else {
+         if ( !isOurs ) {
             mvrp.advanceTo( 1 );
             mvrp.receive( et1, mvrpFrame( vlanLeaveAll() ) );
-            mvrp.advanceTo( 8 );
-            expectLeft( mvrp, { { 10, 1 + row.received } } );
          }
+         mvrp.advanceTo( isOurs ? 16 : 8 );
+         ASSERT_EQ( mvrp.indications().size(), 2u );
+         EXPECT_NEAR( mvrp.lib().indications[1].time, isOurs ? 10 + row.ours : 1 + row.received,
+                      0.11 ); // the wheel's tick
       }
    }
 }
@@ -130,7 +110,7 @@ TEST( Leave, tellsNothingOfAnInterfaceThatWasDisabled ) {
       EXPECT_EQ( registrar.leaveSm().size(), shared ? 1u : 0u );
       mvrp.advanceTo( 5 );
       EXPECT_EQ( registrar.leaveSm().size(), 0u );
-      expectLeft( mvrp, {} );
+      EXPECT_EQ( left( mvrp ), "" );
       EXPECT_EQ( mvrp.counters().numOfLeaveIndications(), 0u );
    }
 }

@@ -1,10 +1,16 @@
-// A neighbour that repeats what is registered costs no allocation, however much that is.
+// What costs no allocation once it is warm: a neighbour that repeats what is registered, however
+// much that is; frames, timers, and records of the ring.
+#include "mrp/platform/dovr/TimerWheel.h"
+#include "mrp/platform/pelk/PktManager.h"
+#include "mrp/platform/sornlog/RingFile.h"
+
 #include "tests/performance/Heap.h"
 #include "tests/support/Participant.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <deque>
 
 namespace Performance {
 namespace {
@@ -91,6 +97,66 @@ TEST( Allocation, aSteadyRefreshMakesNone ) {
       EXPECT_EQ( heap().allocations - before, 0u );
       EXPECT_EQ( participant.counters().numOfJoinIndications() - joins, 10 * c.attributes );
    }
+}
+
+// Of one more round, after ten.
+template < class F >
+unsigned long allocationsOfARound( F && round ) {
+   for ( int i = 0; i < 10; ++i ) {
+      round();
+   }
+   unsigned long const before = heap().allocations;
+   round();
+   return heap().allocations - before;
+}
+
+TEST( Allocation, receivingAndSendingMakesNone ) {
+   Memory::Host host;
+   Pelk::IntfId const intfId( "quiet0" );
+   host.interfaceIs( intfId );
+   auto const pam = host.network()->newPam( intfId, {} );
+   Bytes const frame( 1400, 1 ), shorter( 60, 1 );
+   EXPECT_EQ( allocationsOfARound( [&] {
+                 host.pam( intfId )->deliver( frame );
+                 host.pam( intfId )->deliver( shorter );
+                 auto const first = pam->rxPkt();
+                 auto const second = pam->rxPkt();
+                 auto const answer = Pelk::globalPktManager().newPkt();
+                 answer->newSharedHeadData( 1515 );
+                 pam->txPkt( answer );
+              } ),
+              0u );
+}
+
+TEST( Allocation, armingAndFiringTimersMakesNone ) {
+   Memory::VirtualActivity activity;
+   Korv::Ptr< Dovr::TimerWheel > const wheel =
+      new Dovr::TimerWheel( nullptr, activity.clock(), 100, 60000, true, 1024 );
+   std::deque< Dovr::TimerWheel::Reactor > timers;
+   for ( int i = 0; i < 5000; ++i ) {
+      timers.emplace_back( wheel );
+   }
+   EXPECT_EQ( allocationsOfARound( [&] {
+                 double later = 0;
+                 for ( auto & timer : timers ) {
+                    timer.timeMinIs( Korv::now() + 0.5 + later ); // over 500 ticks
+                    later += 0.01;
+                 }
+                 activity.advanceBy( 20 );
+              } ),
+              0u );
+}
+
+TEST( Allocation, aRecordOfTheRingMakesNone ) {
+   std::string const path = testing::TempDir() + "mrp-quiet-ring";
+   {
+      static constexpr Sornlog::Site site{ 8, "on % at ", "pi" };
+      Sornlog::RingFile ring( path, 4 );
+      Sornlog::fileIs( &ring );
+      EXPECT_EQ( allocationsOfARound( [] { Sornlog::log( site, "eth0", 1 ); } ), 0u );
+      Sornlog::fileIs( nullptr );
+   }
+   std::remove( path.c_str() );
 }
 
 } // namespace

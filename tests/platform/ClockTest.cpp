@@ -1,11 +1,11 @@
 #include "mrp/platform/korv/Clock.h"
 
-#include "mrp/platform/linux/RealActivity.h"
 #include "mrp/platform/memory/VirtualActivity.h"
+
+#include "tests/platform/Timers.h"
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -14,15 +14,7 @@ namespace {
 
 using Times = std::vector< Seconds >;
 
-class Timer : public Clock::Reactor {
- public:
-   explicit Timer( std::function< void() > action, Clock::Rank rank = Clock::Rank::outside )
-      : Reactor( activityManager().clock(), rank ), action_( std::move( action ) ) {}
-   void onTime() override { action_(); }
-
- private:
-   std::function< void() > action_;
-};
+using Platform::Timer;
 
 TEST( VirtualActivity, firesEachTimerAtItsOwnTimeAndThenStands ) {
    Memory::VirtualActivity activity;
@@ -45,17 +37,6 @@ TEST( VirtualActivity, firesEachTimerAtItsOwnTimeAndThenStands ) {
    EXPECT_EQ( times.back(), 2.5 );
    EXPECT_EQ( activity.nextTime(), never );
    activity.advanceTo( never );
-}
-
-TEST( VirtualActivity, firesWhatIsOverdueNowAndNeverGoesBack ) {
-   Memory::VirtualActivity activity;
-   activity.advanceTo( 3 );
-   Times times;
-   Timer overdue( [&] { times.push_back( now() ); } );
-   overdue.timeMinIs( 1 );
-   activity.advanceTo( 2 );
-   EXPECT_EQ( times, Times{ 3 } );
-   EXPECT_EQ( now(), 3 );
 }
 
 TEST( Clock, firesTimersOfOneTimeByRankAndThenByArming ) {
@@ -98,33 +79,6 @@ TEST( ActivityManager, theLatestOneIsInForceForItsLifetime ) {
       EXPECT_EQ( now(), 0 );
    }
    EXPECT_EQ( now(), 5 );
-}
-
-TEST( RealActivity, firesInOrderNotBeforeTheirTimeAndStops ) {
-   Linux::RealActivity activity;
-   Seconds const start = now();
-   Times late;
-   auto notes = [&]( Seconds asked ) {
-      return [&late, start, asked] { late.push_back( now() - start - asked ); };
-   };
-   Timer second( notes( 0.04 ) ), first( notes( 0.02 ) ), beyond( notes( 10 ) );
-   second.timeMinIs( start + 0.04 );
-   first.timeMinIs( start + 0.02 );
-   beyond.timeMinIs( start + 10 );
-
-   activity.runFor( 0.06 );
-   ASSERT_EQ( late.size(), 2u );
-   EXPECT_GE( late[0], 0 );
-   EXPECT_GE( late[1], 0 );
-   EXPECT_GE( now(), start + 0.06 );
-
-   Timer stops( [&] { activity.doStop(); } );
-   Timer behind( notes( 0 ) );
-   stops.timeMinIs( now() );
-   behind.timeMinIs( now() );
-   activity.runFor( 10 );
-   EXPECT_LT( now(), start + 5 );
-   EXPECT_EQ( late.size(), 2u ); // the loop ended with the notification that stopped it
 }
 
 } // namespace

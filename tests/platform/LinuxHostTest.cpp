@@ -1,9 +1,7 @@
-// The entities that follow the kernel, and a participant that stands on them.
-#include "mrp/frame/MrpSm.h"
+// The entities that follow the kernel.
 #include "mrp/platform/linux/Host.h"
 
 #include "tests/platform/LinuxScene.h"
-#include "tests/support/Mrpdu.h"
 
 #include <linux/if_bridge.h>
 #include <optional>
@@ -124,69 +122,16 @@ TEST_F( LinuxHost, rolesFollowThePortsOfBridges ) {
    Host late( activity ); // learns of the port from its dump
    late.interfaceIs( va );
    EXPECT_EQ( roleOf( *late.stpStatus(), va ), "designated" );
+   // Whoever opens the port is told of its role: the record goes, and comes.
+   struct Told : Stp::MstiStatus::Reactor {
+      void onMstiPortStatus( Korv::Name const & ) override { ++times; }
+      int times = 0;
+   } told;
+   told.notifierIs( late.stpStatus()->stpiStatus( "Stp" )->mstiStatus( "Cist" ) );
+   auto const pam = late.network()->newPam( va, mvrpSettings() );
+   EXPECT_TRUE( runUntil( [&] { return told.times == 2; } ) );
    run( "ip link del va" );
    EXPECT_TRUE( runUntil( [&] { return role() == "none"; } ) );
-}
-
-// A loop between two bridges, of which the kernel's own spanning tree blocks one port.
-TEST_F( LinuxHost, aBlockedPortIsHeardAndSends ) {
-   run( "ip link add name br0 type bridge stp_state 1 forward_delay 200 priority 100 && "
-        "ip link add name br1 type bridge stp_state 1 forward_delay 200 priority 200 && "
-        "ip link add name vc type veth peer name vd && "
-        "ip link set va master br0 && ip link set vc master br0 && "
-        "ip link set vb master br1 && ip link set vd master br1 && "
-        "for i in br0 br1 vc vd; do ip link set $i up; done" );
-   host.emplace( activity );
-   Pelk::IntfId const vd( "vd" );
-   host->interfaceIs( vd );
-   bool blocked = false;
-   ASSERT_TRUE( runUntil( [&] {
-      blocked = blocked || std::system( "bridge link show dev vd | grep -q blocking" ) == 0;
-      return blocked;
-   } ) );
-   EXPECT_EQ( roleOf( *host->stpStatus(), vd ), "alternate" );
-   auto const pam = host->network()->newPam( vd, mvrpSettings() );
-   Wire const end( "vc" );
-   end.send( numberedFrame( 1 ) );
-   ASSERT_TRUE( pam->hasDataOnSocket() );
-   auto const heard = pam->rxPkt();
-   pam->txPkt( heard );
-   EXPECT_EQ( end.heard().size(), 1u );
-}
-
-TEST_F( LinuxHost, aParticipantForgetsWhatABlockedPortHasRegistered ) {
-   run( "ip link add name br0 type bridge && ip link set br0 up && ip link set va master br0" );
-   follow();
-   ASSERT_TRUE( runUntil( [&] { return role() == "designated"; } ) );
-   Korv::Ptr< Mrp::MrpLib > const lib( new Mrp::MrpLib );
-   lib->applicationIs( Mrp::MVRP );
-   lib->applicationMacAddrIs( Pelk::EthAddr( "01:80:c2:00:00:21" ) );
-   lib->applicationEtypeIs( 0x88f5 );
-   auto const participant =
-      Mrp::mrpSmFactory( host->brConfig(), lib.ptr(), Mrp::mrpConfigFactory( "config" ),
-                         Mrp::mrpStatusFactory( "status" ), host->stpStatus(), host->brTopoConfig(),
-                         host->ethPhyIntfStatusDir(), host->em(), false );
-   lib->mrpInterfaceEnable( va );
-   EXPECT_TRUE( host->pam( va ) );
-   activity.runFor( 0.02 ); // it hears of the role that there is
-
-   Wire const neighbour( "vb" );
-   using namespace TestSupport;
-   neighbour.send( mvrpFrame( vlans( 10, { JoinIn } ) ).append( Bytes( 40 ) ) );
-   auto const attribute = [&] {
-      return participant->mrpGetAttrFromDatabase( va, vlanType, 10, true );
-   };
-   ASSERT_TRUE( runUntil( [&] { return attribute() != nullptr; } ) );
-   EXPECT_EQ( attribute()->registrarState(), Mrp::mrpIn );
-   activity.runFor( 0.25 ); // it commits what it has registered
-
-   run( "ip link set vb down" );
-   ASSERT_TRUE( runUntil( [&] { return role() == "alternate"; } ) );
-   EXPECT_EQ( attribute()->registrarState(), Mrp::mrpMt );
-   EXPECT_EQ( attribute()->applicantState(), Mrp::mrpAnxiousObserver );
-   // Asked to declare anew, it finds nothing that it still wanted to know of.
-   run( "ip link set vb up" );
-   EXPECT_TRUE( runUntil( [&] { return !attribute(); } ) );
 }
 
 } // namespace

@@ -1,7 +1,8 @@
-#include "mrp/platform/dovr/TimerWheel.h"
 #include "mrp/platform/linux/DescriptorWatch.h"
 #include "mrp/platform/linux/RealActivity.h"
 #include "mrp/platform/linux/SignalWatch.h"
+
+#include "tests/platform/Timers.h"
 
 #include <gtest/gtest.h>
 
@@ -23,25 +24,8 @@ using Korv::never;
 using Korv::now;
 using Rank = Korv::Clock::Rank;
 
-class Timer : public Korv::Clock::Reactor {
- public:
-   explicit Timer( std::function< void() > action, Rank rank = Rank::outside )
-      : Reactor( Korv::activityManager().clock(), rank ), action_( std::move( action ) ) {}
-   void onTime() override { action_(); }
-
- private:
-   std::function< void() > action_;
-};
-
-class WheelTimer : public Dovr::TimerWheel::Reactor {
- public:
-   WheelTimer( Korv::Ptr< Dovr::TimerWheel > wheel, std::function< void() > action )
-      : Reactor( std::move( wheel ) ), action_( std::move( action ) ) {}
-   void onTime() override { action_(); }
-
- private:
-   std::function< void() > action_;
-};
+using Platform::Timer;
+using Platform::WheelTimer;
 
 struct Pipe {
    Pipe() {
@@ -88,7 +72,7 @@ TEST_F( LinuxLoop, theWheelIsAheadOfReviewsAndTheseOfInput ) {
    } );
    Timer outside( [&] { order += 'o'; } );
    Timer review( [&] { order += 'R'; }, Rank::review );
-   WheelTimer tick( wheel, [&] { order += 'W'; } );
+   WheelTimer tick( [&] { order += 'W'; }, wheel );
    Seconds const at = wheel->tickTime( 1 );
    outside.timeMinIs( at );
    review.timeMinIs( at );
@@ -137,31 +121,6 @@ TEST_F( LinuxLoop, descriptorsThatStayReadyTakeTurns ) {
    EXPECT_TRUE( order == "ababab" || order == "bababa" ) << order;
 }
 
-TEST_F( LinuxLoop, whatIsWaitedForCanChange ) {
-   int reads = 0, writes = 0;
-   DescriptorWatch source( activity, a.in.number(), DescriptorWatch::writing,
-                           [&]( Korv::U32 ready ) {
-                              EXPECT_EQ( ready, DescriptorWatch::writing );
-                              ++writes;
-                           } );
-   rounds( 2 );
-   EXPECT_EQ( writes, 2 );
-   source.eventsIs( 0 );
-   rounds( 2 );
-   EXPECT_EQ( writes, 2 );
-
-   auto const sink = watch( a, [&]( Korv::U32 ) { ++reads; } );
-   sink->modeIs( DescriptorWatch::Mode::atArrival );
-   for ( int arrivals = 1; arrivals <= 3; ++arrivals ) {
-      a.write();
-      rounds( 5 );
-      EXPECT_EQ( reads, arrivals ); // though nothing is taken out
-   }
-   sink->modeIs( DescriptorWatch::Mode::whileReady );
-   rounds( 5 );
-   EXPECT_EQ( reads, 8 );
-}
-
 TEST_F( LinuxLoop, tellsOfAFailureAndRefusesWhatCannotBeWaitedFor ) {
    Korv::U32 seen = 0;
    auto const sink = watch( a, [&]( Korv::U32 ready ) { seen = ready; } );
@@ -175,22 +134,6 @@ TEST_F( LinuxLoop, tellsOfAFailureAndRefusesWhatCannotBeWaitedFor ) {
    EXPECT_THROW( DescriptorWatch( activity, ::fileno( file.get() ), DescriptorWatch::reading,
                                   []( Korv::U32 ) {} ),
                  std::system_error );
-}
-
-TEST_F( LinuxLoop, inputThatNeverEndsHoldsUpNoTimer ) {
-   a.write();
-   int turns = 0;
-   auto const storm = watch( a, [&]( Korv::U32 ) { ++turns; } );
-   int fired = 0;
-   std::optional< Timer > periodic;
-   periodic.emplace( [&] {
-      ++fired;
-      periodic->timeMinIs( now() + 0.005 );
-   } );
-   periodic->timeMinIs( now() );
-   activity.runFor( 0.1 );
-   EXPECT_GE( fired, 5 );
-   EXPECT_GE( turns, 100 );
 }
 
 TEST_F( LinuxLoop, aTimerThatIsAlwaysDueKeepsNoInputOut ) {
@@ -280,22 +223,6 @@ TEST_F( LinuxLoop, whatIsThrownLeavesTheLoopAndNothingElse ) {
    EXPECT_TRUE( order == "tab" || order == "tba" ) << order;
 }
 
-TEST_F( LinuxLoop, stopsAtOnceAndRunsOnWhereItWas ) {
-   a.write();
-   b.write();
-   int calls = 0;
-   auto const stops = [&]( Korv::U32 ) {
-      ++calls;
-      activity.doStop();
-   };
-   auto const first = watch( a, stops );
-   auto const second = watch( b, stops );
-   activity.run();
-   EXPECT_EQ( calls, 1 );
-   activity.run();
-   EXPECT_EQ( calls, 2 );
-}
-
 TEST( LinuxLoopDeath, isNotEnteredFromWithin ) {
    RealActivity activity;
    Timer nested( [&] { activity.run(); } );
@@ -339,18 +266,18 @@ TEST_F( LinuxLoop, aTimerOfTheWheelFiresAtTheTimeOfItsTick ) {
    Korv::Seconds const start = now();
    int fired = 0;
    int onTheDot = 0;
-   WheelTimer * self = nullptr;
-   WheelTimer timer( wheel, [&] {
+   std::optional< WheelTimer > timer;
+   auto const onTime = [&] {
       auto const ticks = static_cast< Korv::U64 >( ( now() - start ) / 0.01 + 0.5 );
       onTheDot += now() == wheel->tickTime( ticks ) ? 1 : 0;
       if ( ++fired == 20 ) {
          activity.doStop();
       } else {
-         self->timeMinIs( now() + 0.01 );
+         timer->timeMinIs( now() + 0.01 );
       }
-   } );
-   self = &timer;
-   timer.timeMinIs( now() + 0.01 );
+   };
+   timer.emplace( onTime, wheel );
+   timer->timeMinIs( now() + 0.01 );
    activity.runFor( 10 );
    EXPECT_EQ( fired, 20 );
    EXPECT_GT( onTheDot, 10 );

@@ -5,15 +5,13 @@
 #include "mrp/platform/pelk/ReceivePool.h"
 
 #include "tests/platform/LinuxScene.h"
+#include "tests/platform/Timers.h"
 
 #include <atomic>
 #include <cerrno>
 #include <chrono>
-#include <linux/capability.h>
 #include <optional>
-#include <sys/syscall.h>
 #include <thread>
-#include <unistd.h>
 
 namespace Linux {
 namespace {
@@ -206,37 +204,20 @@ TEST_F( LinuxPam, aStormHoldsUpNoTimer ) {
       while ( std::chrono::steady_clock::now() < until ) {
       }
    };
-   class Periodic : public Korv::Clock::Reactor {
-    public:
-      explicit Periodic( Pam & p )
-         : Reactor( Korv::activityManager().clock(), Korv::Clock::Rank::wheel ), pam( p ) {}
-      void onTime() override {
-         fired += pam.hasDataOnSocket() ? 1 : 0;
-         timeMinIs( Korv::now() + 0.01 );
-      }
-      Pam & pam;
-      int fired = 0;
-   } periodic( *pam );
+   int fired = 0;
+   std::optional< Platform::Timer > periodic;
+   periodic.emplace( [&] {
+      fired += pam->hasDataOnSocket() ? 1 : 0;
+      periodic->timeMinIs( Korv::now() + 0.01 );
+   } );
    auto const lost = pam->overrun(); // where the system grants no such queue
    ASSERT_LT( lost, frames / 2 ) << "net.core.rmem_max is too small for this test";
-   periodic.onTime();
+   periodic->timeMinIs( Korv::now() );
    ASSERT_TRUE( runUntil( [&] { return reader.frames.size() == frames - lost; } ) );
-   EXPECT_GE( periodic.fired, 5 ); // of 10 and more
+   EXPECT_GE( fired, 5 ); // of 10 and more
    for ( std::size_t i = 0; i < frames - lost; ++i ) {
       ASSERT_EQ( reader.frames[i][numberAt], static_cast< Korv::U8 >( i ) );
    }
-}
-
-TEST_F( LinuxPam, framesBeyondTheQueueAreCounted ) {
-   auto settings = mvrpSettings();
-   settings.rxQueueFrames = 10;
-   open( settings );
-   for ( int i = 0; i < 1'000; ++i ) {
-      wire->send( numberedFrame() );
-   }
-   ASSERT_TRUE( runUntil( [&] { return !pam->hasDataOnSocket(); } ) );
-   EXPECT_LT( reader.frames.size(), 100u );
-   EXPECT_EQ( reader.frames.size() + pam->overrun(), 1'000u );
 }
 
 TEST_F( LinuxPam, aFrameBeyondTheBufferIsDroppedWhole ) {
@@ -350,58 +331,6 @@ TEST_F( LinuxPams, anInterfaceThatComesBackUnderItsNameIsAnotherOne ) {
    EXPECT_TRUE( carries() );
    desired->intfDesiredDel( va );
    EXPECT_EQ( watcher.events, "+-+-+-" );
-}
-
-TEST_F( LinuxPams, anInterfaceMayComeAfterTheWishAndTheFollowing ) {
-   host->interfaceDel( va );
-   run( "ip link del va" );
-   desired->intfDesiredIs( va, true );
-   host->interfaceIs( va );
-   EXPECT_EQ( watcher.events, "" );
-   EXPECT_EQ( interfaceProblem( va ).kind, InterfaceProblem::Kind::noSuchInterface );
-   run( "ip link add name va type veth peer name vb && ip link set va up && ip link set vb up" );
-   ASSERT_TRUE( runUntil( [&] { return watcher.events == "+"; } ) );
-   EXPECT_TRUE( carries() );
-   host->interfaceDel( va );
-   EXPECT_EQ( watcher.events, "+-" );
-}
-
-// The process holds some capabilities only, for a while.
-class Capabilities {
- public:
-   explicit Capabilities( std::function< Korv::U32( Korv::U32 ) > const & held ) {
-      EXPECT_EQ( ::syscall( SYS_capget, &header_, before_ ), 0 );
-      __user_cap_data_struct now[2]{ before_[0], before_[1] };
-      now[0].effective = held( now[0].effective );
-      EXPECT_EQ( ::syscall( SYS_capset, &header_, now ), 0 );
-   }
-   ~Capabilities() { EXPECT_EQ( ::syscall( SYS_capset, &header_, before_ ), 0 ); }
-
- private:
-   __user_cap_header_struct header_{ _LINUX_CAPABILITY_VERSION_3, 0 };
-   __user_cap_data_struct before_[2];
-};
-
-constexpr Korv::U32 netRaw = 1u << CAP_NET_RAW;
-
-TEST_F( LinuxPams, takesOneCapabilityAndSaysSoWithoutIt ) {
-   std::string said;
-   host->onProblem( [&]( Pelk::IntfId const & intfId, InterfaceProblem const & problem ) {
-      said = intfId.stringValue() + ": " + problem.text;
-   } );
-   {
-      Capabilities const less( []( Korv::U32 all ) { return all & ~netRaw; } );
-      EXPECT_EQ( interfaceProblem( va ).kind, InterfaceProblem::Kind::noPermission );
-      desired->intfDesiredIs( va, true );
-      EXPECT_EQ( said, "va: no permission to open packet sockets (it takes CAP_NET_RAW)" );
-      EXPECT_EQ( watcher.events, "" );
-      desired->intfDesiredDel( va );
-   }
-   Capabilities const enough( []( Korv::U32 ) { return netRaw; } );
-   EXPECT_FALSE( interfaceProblem( va ) );
-   desired->intfDesiredIs( va, true );
-   EXPECT_EQ( watcher.events, "+" );
-   EXPECT_TRUE( carries() );
 }
 
 TEST_F( LinuxPams, othersThanEthernetAreNotOpened ) {

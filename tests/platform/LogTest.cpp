@@ -8,8 +8,6 @@
 
 #include <gmock/gmock.h>
 
-#include <optional>
-
 namespace Korv {
 namespace {
 
@@ -69,14 +67,6 @@ TEST_F( LogTest, AHandleHasABurstAndThenARate ) {
       Memory::VirtualActivity const another;
       EXPECT_EQ( out( one_, 10 ), 3 ) << "a clock that starts again";
    }
-}
-
-TEST_F( LogTest, WithoutASinkNothingIsSpent ) {
-   logSinkIs( nullptr );
-   EXPECT_EQ( out( one_, 100 ), 0 );
-   EXPECT_EQ( one_.suppressed(), 0u );
-   logSinkIs( []( LogHandle const &, std::string const & ) { ++logged_; } );
-   EXPECT_EQ( out( one_, 100 ), 3 );
 }
 
 TEST_F( LogTest, ALineHasTimeAndHandleAndTellsOfTheOthers ) {

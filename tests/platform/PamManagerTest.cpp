@@ -3,7 +3,6 @@
 #include "mrp/platform/interface/EthDevPamManager.h"
 #include "mrp/platform/interface/NetNsIntfStatusManagerRoot.h"
 #include "mrp/platform/memory/Host.h"
-#include "mrp/platform/mirel/Mount.h"
 
 #include <gtest/gtest.h>
 
@@ -98,18 +97,6 @@ TEST_F( PamManagerTest, nothingIsOpenUnlessItIsEnabled ) {
    EXPECT_EQ( taken(), ( Changes{ "-two", "-one" } ) );
 }
 
-TEST_F( PamManagerTest, aStatusManagerMirrorsWhatIsThereAlready ) {
-   host.interfaceIs( one );
-   Korv::Ptr< DeviceIntfStatusDir > const later = new DeviceIntfStatusDir( "later" );
-   auto const * const manager2 =
-      root->intfStatusManagerIs( nullptr, later, host.network(), "other" );
-   EXPECT_TRUE( later->intfStatus( one ) );
-   EXPECT_EQ( root->intfStatusManagerIs( nullptr, later, host.network(), "other" ), manager2 );
-   root = nullptr;
-   host.interfaceDel( one );
-   EXPECT_TRUE( later->intfStatus( one ) ); // mirrored no more
-}
-
 TEST_F( PamManagerTest, opensWithTheSettings ) {
    static Pelk::SockFilterInstruction const none[] = { { 0x06, 0, 0, 0 } };
    manager->txRetriesIs( 3 );
@@ -129,53 +116,6 @@ TEST_F( PamManagerTest, opensWithTheSettings ) {
    Memory::Frame const frame( 60, 1 );
    EXPECT_FALSE( host.device( one )->deliver( frame ) );
    EXPECT_TRUE( host.device( one )->deliverPastFilter( frame ) );
-}
-
-TEST_F( PamManagerTest, anotherPamUnderTheSameInterfaceGoesAndComes ) {
-   host.interfaceIs( one );
-   auto const pam = host.network()->newPam( one, {} );
-   collection->intfPamIs( one, pam );
-   collection->intfPamIs( one, pam );
-   collection->intfPamIs( one, host.network()->newPam( one, {} ) );
-   EXPECT_EQ( taken(), ( Changes{ "+one", "-one", "+one" } ) );
-}
-
-TEST( Host, publishesWhatAParticipantLooksUp ) {
-   Memory::Host const host( "agent" );
-   EXPECT_EQ( host.em()->name(), "agent" );
-   auto const at = [&]( Korv::String8 const & path ) { return host.em()->getEntity( path ); };
-   EXPECT_TRUE( dynamic_cast< AllIntfStatusDir * >( at( "interface/status/all" ) ) );
-   EXPECT_TRUE(
-      dynamic_cast< AllIntfStatusLocalDir * >( at( Cell::path( "interface/status/local" ) ) ) );
-   EXPECT_TRUE( dynamic_cast< KernelNetInfo::Status * >( at( "kni/ns/default/status" ) ) );
-   EXPECT_EQ( at( "interface/status/none" ), nullptr );
-
-   KorvHudra::Mount mount( host.em() );
-   mount.handleInitialized();
-   EXPECT_EQ( mount.getEntity( "kni/ns/default/status" ), nullptr ); // not mounted yet
-   mount.doMount( "kni/ns/default/status", "KernelNetInfo::Status", { 3 } );
-   EXPECT_EQ( mount.getEntity( "kni/ns/default/status" ), host.network().ptr() );
-}
-
-TEST( Host, anInterfaceHasTheEntriesThatItIsGiven ) {
-   Memory::Host host;
-   Pelk::IntfId const full( "full" ), bare( "bare" );
-   Pelk::EthAddr const addr( "02:00:00:00:00:01" );
-   host.interfaceIs( full, addr, 9000 );
-   host.interfaceIs( bare );
-   ASSERT_TRUE( host.ethPhyIntfStatusDir()->intfStatus( full ) );
-   EXPECT_EQ( host.ethPhyIntfStatusDir()->intfStatus( full )->addr(), addr );
-   EXPECT_EQ( host.allIntfStatusDir()->intfStatus( full )->mtu(), 9000u );
-   EXPECT_EQ( host.allIntfStatusDir()->intfStatus( full )->fullName(),
-              "allIntfStatusDir/intfStatus/full" );
-   EXPECT_FALSE( host.ethPhyIntfStatusDir()->intfStatus( bare ) );
-   EXPECT_FALSE( host.allIntfStatusDir()->intfStatus( bare ) );
-   EXPECT_TRUE( host.device( bare ) );
-
-   host.interfaceDel( full );
-   EXPECT_FALSE( host.ethPhyIntfStatusDir()->intfStatus( full ) );
-   EXPECT_FALSE( host.allIntfStatusDir()->intfStatus( full ) );
-   EXPECT_FALSE( host.device( full ) );
 }
 
 } // namespace

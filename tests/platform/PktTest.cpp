@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <numeric>
-#include <string>
 #include <vector>
 
 namespace Pelk {
@@ -19,21 +18,6 @@ Korv::Ptr< Pkt > countingPkt() {
    std::vector< U8 > frame( frameBytes );
    std::iota( frame.begin(), frame.end(), U8{ 1 } );
    return receivePool().newPkt( frame.data(), frame.size() );
-}
-
-TEST( Pkt, frontMovesOverWhatHasBeenRead ) {
-   auto const pkt = countingPkt();
-   U8 * const front = pkt->frontData();
-
-   pkt->delSharedHeadData( 14 );
-   EXPECT_EQ( pkt->frontData(), front + 14 );
-   EXPECT_EQ( *pkt->frontData(), 15 );
-   EXPECT_EQ( pkt->bytes(), frameBytes - 14 );
-
-   pkt->delSharedHeadData( pkt->bytes() );
-   EXPECT_EQ( pkt->bytes(), 0u );
-   EXPECT_EQ( pkt->frontBytes(), 0u );
-   EXPECT_EQ( pkt->frontData(), front + frameBytes );
 }
 
 TEST( Pkt, readingBeyondTheDataWrapsItsLengthAndGoesOnInTheBuffer ) {
@@ -49,18 +33,6 @@ TEST( Pkt, readingBeyondTheDataWrapsItsLengthAndGoesOnInTheBuffer ) {
    pkt->delSharedHeadData( left ); // the end itself counts as within
    EXPECT_EQ( pkt->sharedBuffer()->room(), pkt->sharedBuffer()->size() );
    EXPECT_DEATH( pkt->delSharedHeadData( 1 ), "ptrWithinRegion\\( data_, buffer_, size_ \\)" );
-}
-
-TEST( Pkt, newHeadTakesTheRoomBeforeTheData ) {
-   auto const pkt = globalPktManager().newPkt();
-   pkt->newSharedHeadData( 1500 );
-   U8 * const body = pkt->frontData();
-   body[0] = 7;
-
-   pkt->newSharedHeadData( 15 );
-   EXPECT_EQ( pkt->frontData() + 15, body );
-   EXPECT_EQ( pkt->frontBytes(), 1515u );
-   EXPECT_EQ( pkt->frontData()[15], 7 );
 }
 
 TEST( Pkt, newHeadWithoutRoomMovesTheDataToTheEndOfALargerBuffer ) {
@@ -100,18 +72,6 @@ TEST( Pkt, withoutBufferHasNoBytesAndNoSharedPart ) {
    EXPECT_DEATH( pkt->newSharedHeadData( 0 ), "sharedBuffer_ != 0" );
    EXPECT_DEATH( pkt->delSharedTailData( 0 ), "sharedBuffer_ != 0" );
    EXPECT_DEATH( pkt->updateSharedIovec(), "firstIoVec_ != maxIovecs_" );
-}
-
-TEST( Pkt, privateHeadGoesAheadOfTheSharedPart ) {
-   auto const pkt = countingPkt();
-   U8 head[4] = { 9, 9, 9, 9 };
-   pkt->privateHeadIs( head, sizeof head );
-   EXPECT_EQ( pkt->frontData(), head );
-   EXPECT_EQ( pkt->frontBytes(), 4u );
-   pkt->delSharedHeadData( 10 );
-   EXPECT_EQ( pkt->bytes(), 4u + frameBytes - 10 );
-   EXPECT_EQ( pkt->iovecs().size(), 2u );
-   EXPECT_EQ( *pkt->iovecs()[1].data, 11 );
 }
 
 TEST( PktManager, limitsThePacketsThatLive ) {

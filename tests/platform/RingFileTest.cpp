@@ -4,8 +4,6 @@
 #include "mrp/platform/korv/NetworkOrder.h"
 #include "mrp/platform/sornlog/RingReader.h"
 
-#include "tests/platform/Allocations.h"
-
 #include <gmock/gmock.h>
 
 #include <csignal>
@@ -107,16 +105,6 @@ TEST_F( RingFileTest, TheLatestOfEachLevelStay ) {
    }
    EXPECT_THAT( lines(), ElementsAre( "all: 0, 0, rare, true", "on eth0 at 5", "on eth0 at 6",
                                       "on eth0 at 7" ) );
-}
-
-TEST_F( RingFileTest, AWriteAllocatesNothing ) {
-   open();
-   log( everyday, "eth0", 0 );
-   unsigned long const before = Platform::allocations();
-   for ( int i = 0; i < 100; ++i ) {
-      log( everyday, "eth0", i );
-   }
-   EXPECT_EQ( Platform::allocations(), before );
 }
 
 TEST_F( RingFileTest, SitesWithoutASlotAreCounted ) {

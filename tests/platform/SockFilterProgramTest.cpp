@@ -1,7 +1,5 @@
 #include "mrp/platform/pelk/SockFilterProgram.h"
 
-#include "mrp/platform/pelk/EthHdr.h"
-
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -64,19 +62,6 @@ TEST( SockFilterProgram, rejectsWhatItCannotRun ) {
    EXPECT_FALSE( accepts( { { 0x28, 0, 0, 0xffffffff }, accept } ) ); // no wrap-around
    EXPECT_TRUE( accepts( { { 0x20, 0, 0, 56 }, accept } ) );          // the last four bytes
    EXPECT_FALSE( accepts( { { 0x20, 0, 0, 57 }, accept } ) );
-}
-
-TEST( EthHdr, writesAndReadsTheFrontOfAFrame ) {
-   Frame bytes( 15, 0xee );
-   EthHdr & hdr = EthHdr::at( bytes.data() );
-   hdr.dstIs( EthAddr( "01:80:c2:00:00:21" ) );
-   hdr.srcIs( EthAddr( "02:00:00:00:00:01" ) );
-   hdr.typeOrLenIs( 0x88f5 );
-   EXPECT_EQ( bytes,
-              Frame( { 0x01, 0x80, 0xc2, 0, 0, 0x21, 2, 0, 0, 0, 0, 1, 0x88, 0xf5, 0xee } ) );
-   EXPECT_EQ( hdr.dst(), EthAddr( "01:80:c2:00:00:21" ) );
-   EXPECT_EQ( hdr.src(), EthAddr( "02:00:00:00:00:01" ) );
-   EXPECT_EQ( hdr.typeOrLen(), 0x88f5 );
 }
 
 } // namespace

@@ -78,46 +78,6 @@ TEST_F( TimerWheelTest, firesAtTheFirstTickAtOrAfterTheTime ) {
    }
 }
 
-TEST_F( TimerWheelTest, timersOfOneTickFireInTheOrderOfTheirLatestArming ) {
-   Timer a( *this, "a" ), b( *this, "b" ), c( *this, "c" ), d( *this, "d" );
-   a.timeMinIs( 0.15 );
-   b.timeMinIs( 0.2 );
-   c.timeMinIs( 0.11 );
-   d.timeMinIs( 5 );
-   a.timeMinIs( 0.16 ); // another time, if of the same tick: to the end
-   b.timeMinIs( 0.2 );  // the time held: stays where it is
-   d.timeMinIs( 0.12 );
-   activity.advanceTo( 1 );
-   EXPECT_EQ( fired, ( Names{ "b", "c", "a", "d" } ) );
-   EXPECT_EQ( times, Times( 4, 0.2 ) );
-}
-
-TEST_F( TimerWheelTest, armedInATickForItOrBeforeFiresAtTheNext ) {
-   Timer first( *this, "first" ), same( *this, "same" ), past( *this, "past" ),
-      next( *this, "next" );
-   first.action = [&] {
-      first.action = nullptr;
-      next.timeMinIs( Korv::now() + 0.1 );
-      past.timeMinIs( 0.02 );
-      same.timeMinIs( Korv::now() );
-      EXPECT_EQ( first.timeMin(), Korv::never );
-      first.timeMinIs( Korv::now() );
-   };
-   first.timeMinIs( 0.3 );
-   activity.advanceTo( 1 );
-   EXPECT_EQ( fired, ( Names{ "first", "next", "past", "same", "first" } ) );
-   EXPECT_EQ( times, ( Times{ 0.3, 0.4, 0.4, 0.4, 0.4 } ) );
-}
-
-TEST_F( TimerWheelTest, periodicTimerStaysOnItsTicks ) {
-   Timer timer( *this, "timer" );
-   timer.action = [&] { timer.timeMinIs( Korv::now() + 0.1 ); };
-   timer.timeMinIs( Korv::now() + 0.1 );
-   activity.advanceTo( 100 );
-   EXPECT_EQ( times.size(), 1000u );
-   EXPECT_EQ( times.back(), 100 );
-}
-
 TEST_F( TimerWheelTest, takenBackItDoesNotFire ) {
    Timer never( *this, "never" ), infinite( *this, "infinite" ), far( *this, "far" );
    for ( Timer * const timer : { &never, &infinite, &far } ) {

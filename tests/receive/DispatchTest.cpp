@@ -100,42 +100,6 @@ TEST( Dispatch, indicatesNothingForARefreshBehindALeaveAll ) {
    EXPECT_EQ( msrp.lib().indications.size(), 4u );
 }
 
-TEST( Dispatch, putsTheOwnLeaveAllOffByOneReceived ) {
-   struct Row {
-      char const * what;
-      Bytes frame;
-      double next;
-   };
-   for ( Row const & row :
-         { Row{ "an attribute's", mvrpFrame( vlans( 10, { JoinIn } ).leaveAll() ), 16 },
-           Row{ "alone, with no attribute here", mvrpFrame( vlanLeaveAll() ), 16 },
-           Row{ "of a malformed frame", mvrpFrame( vlanLeaveAll(), Message( 9, 9, {} ) ), 16 },
-           Row{ "of a type that is none", mvrpFrame( Message( 9, 0, fromHex( "20 00" ) ) ), 10 },
-           Row{ "none", mvrpFrame( vlans( 10, { JoinIn } ) ), 10 } } ) {
-      SCOPED_TRACE( row.what );
-      Participant mvrp( Mrp::MVRP );
-      mvrp.advanceTo( 6 );
-      mvrp.config().leaveAllTimeIs( 10 );
-      mvrp.receive( et1, row.frame );
-      mvrp.clear();
-      mvrp.advanceTo( 17 );
-      ASSERT_EQ( mvrp.sent().size(), 1u );
-      EXPECT_NEAR( mvrp.sent()[0].time, row.next, 0.11 );
-   }
-}
-
-TEST( Dispatch, publishesTheTimeThatALeaveAllIsPutOffBy ) {
-   Participant msrp( Mrp::MSRP );
-   msrp.config().intfLeaveAllTimeIs( Pelk::IntfId( et1 ), 42 );
-   msrp.receive( et1, msrpFrame( msrpLeaveAll( listenerType ), msrpLeaveAll( domainType ) ) );
-   auto const & times = msrp.status().application( Mrp::MSRP )->leaveAllTime();
-   for ( U8 const type : { listenerType, domainType } ) {
-      auto const * const time = times.find( Mrp::MrpLeaveAllKey( Pelk::IntfId( et1 ), type ) );
-      ASSERT_TRUE( time );
-      EXPECT_EQ( *time, 42 );
-   }
-}
-
 TEST( Dispatch, letsTheLastEventAndValueOfAnAttributeWinAndRunsItTwice ) {
    Participant msrp( Mrp::MSRP );
    Talker first = talker( 0x100 );
@@ -170,41 +134,6 @@ TEST( Dispatch, answersADomainWithTheStoredOne ) {
    ASSERT_EQ( msrp.lib().indications.size(), 1u );
    EXPECT_EQ( hex( msrp.lib().indications[0].value ), "06 01 00 63" ); // what the peer said
    EXPECT_EQ( hex( msrp.attribute( et1, domainType, 6 )->value ), "06 03 00 02" );
-   // A talker is answered with what was received.
-   msrp.declare( et1, talker( 0x100 ), JoinIn );
-   msrp.advanceTo( 0.4 );
-   msrp.clear();
-   Talker theirs = talker( 0x100 );
-   theirs.vlanId = 99;
-   msrp.receive( et1, msrpFrame( talkers( theirs, { Mt } ) ) );
-   ASSERT_EQ( msrp.sent().size(), 1u );
-   EXPECT_EQ( hex( decode( msrp.sent()[0].bytes ).values().at( 0 ).value ), hex( wire( theirs ) ) );
-}
-
-TEST( Dispatch, loadsTheFieldsThroughTheMutatorsReceiveFieldFirst ) {
-   Participant msrp( Mrp::MSRP );
-   msrp.receive( et1, msrpFrame( domains( { 6, 3, 2 }, { JoinIn } ) ) );
-   msrp.lib().countingMutators = true;
-   msrp.receive( et1, msrpFrame( listeners( 1, { { JoinIn, Ready }, { JoinIn, Ready } } ),
-                                 domains( { 6, 3, 2 }, { JoinIn } ) ) );
-   std::string const listenerRx = "msrpListenerVectorRxIs";
-   std::string const listenerTx = "msrpListenerVectorTxIs";
-   EXPECT_THAT( msrp.lib().mutatorCalls,
-                ElementsAre( // decoding: the FirstValue, each declaration, the step to the second
-                   listenerRx, listenerRx, listenerRx, listenerRx, "msrpDomainVectorRxIs",
-                   // dispatch: the domain, a third time from the database; the listeners
-                   "msrpDomainVectorRxIs", "msrpDomainVectorTxIs", "msrpDomainVectorTxIs",
-                   listenerRx, listenerTx, listenerRx, listenerTx ) );
-}
-
-TEST( Dispatch, hasNothingLeftWhenTheFrameIsDone ) {
-   Participant msrp( Mrp::MSRP );
-   msrp.receive( et1, msrpFrame( message( talkers( 1, { New } ), talkers( 1, { Lv } ).leaveAll() ),
-                                 domains( { 6, 3, 2 }, { New } ).leaveAll() ) );
-   EXPECT_TRUE( msrp.sm().mrpRxLeaveAll().empty() );
-   EXPECT_EQ( msrp.sm().mrpParsedAttribute().size(), 0u );
-   EXPECT_TRUE( msrp.sm().mrpParsedAttributeKey().empty() );
-   EXPECT_TRUE( msrp.sm().msrpParsedDomainKey().empty() );
 }
 
 // Marked for deletion means not there: a LeaveAll is not answered for it, and drops it from the

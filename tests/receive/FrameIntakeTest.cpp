@@ -72,19 +72,6 @@ TEST( FrameIntake, tracesTheVlanOfATagAndNotItsPriority ) {
    EXPECT_TRUE( traces.has( "Received 802.1Q-tagged frame with VLAN ID 100" ) );
 }
 
-TEST( FrameIntake, leavesFramesInTheSocketInStandby ) {
-   Participant mvrp( Mrp::MVRP, { et1 }, { .standby = true } );
-   EXPECT_TRUE( mvrp.receive( et1, joinVlan10() ) );
-   EXPECT_TRUE( mvrp.host().pam( Pelk::IntfId( et1 ) )->hasDataOnSocket() );
-   EXPECT_FALSE( mvrp.sm().mrpCounters() );
-
-   mvrp.sm().standbyModeIs( false );
-   mvrp.sm().handleStandbyMode();
-   mvrp.receive( et1, mvrpFrame( vlans( 11, { JoinIn } ) ) );
-   // A call takes one frame, the oldest: nothing was lost and nothing overtook.
-   EXPECT_TRUE( mvrp.attribute( et1, 10 ).has_value() );
-}
-
 TEST( FrameIntake, answersOnAllInterfacesAtTheEndOfAFrame ) {
    Participant mvrp( Mrp::MVRP, { et1, et2 } );
    mvrp.declare( et2, Vlan{ 7 }, JoinIn );
@@ -95,43 +82,12 @@ TEST( FrameIntake, answersOnAllInterfacesAtTheEndOfAFrame ) {
                                                             "Ethernet2: vlan{7 JoinMt}" ) );
 }
 
-// ---- Flooding ----------------------------------------------------------------------------------
-
 class Flooding : public testing::Test {
  protected:
    Participant msrp{ Mrp::MSRP, { et1, et2, "Ethernet3" }, { .configure = []( Mrp::MrpConfig & c ) {
                         c.mrpFloodingIs( true );
                      } } };
-   Bytes withSource( Bytes frame, std::string const & source ) {
-      Bytes const bytes = fromHex( source );
-      std::copy( bytes.begin(), bytes.end(), frame.begin() + 6 );
-      return frame;
-   }
 };
-
-TEST_F( Flooding, sendsACopyOutOfEachOtherInterface ) {
-   Bytes const frame = msrpFrame( talkers( 0x100, { New } ) ).append( { 0xab, 0xcd } );
-   msrp.receive( et2, frame );
-   ASSERT_EQ( msrp.sent().size(), 2u );
-   for ( SentFrame const & sent : msrp.sent() ) {
-      EXPECT_NE( sent.interface, et2 );
-      // With the address of the port that it came in on.
-      EXPECT_EQ( hex( sent.bytes ), hex( withSource( frame, "02 00 00 00 00 02" ) ) );
-   }
-   // Walked and counted, and nothing of it kept.
-   EXPECT_EQ( msrp.moved(), "numOfPktsProcessed=1" );
-   EXPECT_EQ( msrp.counters().numOfPktsTransmitted(), 0u );
-   EXPECT_EQ( msrp.sm().parseContext()->eventsCounter(), 1u );
-   EXPECT_FALSE( msrp.attribute( et2, talkerType, 0x100 ) );
-}
-
-TEST_F( Flooding, copiesATaggedFrameLessItsFirstFourBytes ) {
-   Bytes frame = msrpFrame( talkers( 0x100, { New } ) ).tag( 100 );
-   msrp.receive( et1, frame );
-   ASSERT_EQ( msrp.sent().size(), 2u );
-   frame.erase( frame.begin(), frame.begin() + 4 );
-   EXPECT_EQ( hex( msrp.sent()[0].bytes ), hex( withSource( frame, "02 00 00 00 00 01" ) ) );
-}
 
 TEST_F( Flooding, floodsMalformedFramesToo ) {
    msrp.receive( et1, msrpFrame( Message( 9, 7, {} ) ) );

@@ -55,8 +55,6 @@ void expectRows( Mrp::MrpApplication application, std::vector< Row > const & row
    }
 }
 
-// ---- Version 0 ---------------------------------------------------------------------------------
-
 Vector const talker1 = talkers( 0x100, { JoinIn } );
 Vector const domain6 = domains( { 6, 3, 2 }, { JoinIn } );
 Vector const vlan10 = vlans( 10, { JoinIn } );
@@ -155,12 +153,6 @@ TEST( MalformedFrames, withAnUnknownTypeOfLengthZero ) {
                                  msrpFrame( one, domain6 ) ) } );
 }
 
-TEST( MalformedFrames, atAParticipantOfNoApplication ) {
-   expectRows( Mrp::MMRP, { Row( "two vectors", "numOfUnknownApplication=2", "",
-                                 mvrpFrame( Message( 1, 0, fromHex( "00 01 00 02" ) ) ) ),
-                            Row( "a length", once, "", mvrpFrame( vlan10 ) ) } );
-}
-
 TEST( MalformedFrames, areLoggedWithTheNumbersThatTheBoundWentBy ) {
    auto const logged = []( Mrp::MrpApplication application, Bytes const & frame ) {
       Participant participant( application );
@@ -183,8 +175,6 @@ TEST( MalformedFrames, areLoggedWithTheNumbersThatTheBoundWentBy ) {
    EXPECT_THAT( logged( Mrp::MSRP, msrpFrame( Message( 200, 1, fromHex( "00 01 00" ) ) ) ),
                 IsEmpty() );
 }
-
-// ---- Higher versions ---------------------------------------------------------------------------
 
 std::string const newer = "numOfIncorrectPduVersion=1";
 Message const unknown( 9, 7, Bytes( 40, 0xff ) );
@@ -242,8 +232,6 @@ TEST( HigherVersion, endsWithItsFrame ) {
    msrp.receive( et1, msrpFrame( unknown, domain6 ) );
    EXPECT_EQ( msrp.moved(), "numOfMalformedPkts=1 numOfPktsProcessed=1" );
 }
-
-// ---- Past the end of the data ------------------------------------------------------------------
 
 // Where a frame ends in the middle of a vector, zeros stand for the rest: New for each value.
 TEST( CutFrames, readAsIfZerosFollowed ) {

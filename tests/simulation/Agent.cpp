@@ -3,7 +3,6 @@
 #include "mrp/frame/MrpPamSm.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace Simulation {
 
@@ -15,14 +14,6 @@ std::vector< std::string > interfaces( U32 ports ) {
       names.push_back( Agent::interface( port ) );
    }
    return names;
-}
-
-// The database keeps a value as its record's bytes.
-template < class Record >
-Record recordOf( Bytes const & value ) {
-   Record record;
-   std::memcpy( static_cast< void * >( &record ), value.data(), sizeof record );
-   return record;
 }
 
 U32 portOf( std::string const & interface ) {
@@ -128,30 +119,10 @@ void Agent::propagateAll() {
    }
 }
 
-void Agent::load( U8 type, Bytes const & value ) {
-   RecordingLib & lib = participant_->lib();
-   if ( setting_.application == Mrp::MVRP ) {
-      lib.mvrpVlanVectorTxIs( recordOf< Mrp::MvrpVlanAttribute >( value ) );
-      return;
-   }
-   switch ( type ) {
-   case talkerType:
-      lib.msrpTalkerAdvertiseTxIs( recordOf< Mrp::MsrpTalkerAdvertiseAttribute >( value ) );
-      break;
-   case failedType:
-      lib.msrpTalkerFailedTxIs( recordOf< Mrp::MsrpTalkerFailedAttribute >( value ) );
-      break;
-   case listenerType:
-      lib.msrpListenerVectorTxIs( recordOf< Mrp::MsrpListenerAttribute >( value ) );
-      break;
-   default: lib.msrpDomainVectorTxIs( recordOf< Mrp::MsrpDomainAttribute >( value ) ); break;
-   }
-}
-
 void Agent::send( Name const & name, Bytes const & value, unsigned event, U32 times ) {
    note( "sends " + std::to_string( event ) + " of type " + std::to_string( name.kind.type ) +
          " key " + std::to_string( name.kind.key ) + " to " + interface( name.port ) );
-   load( name.kind.type, value );
+   participant_->lib().txValueIs( name.kind.type, value );
    participant_->sendAttribute( interface( name.port ), name.kind.type, event,
                                 { times, interface( name.port ) } );
    if ( times == 0 ) {

@@ -108,7 +108,6 @@ class Agent {
       Role roleSeen = Role::unknown; // by the participant
    };
 
-   void load( U8 type, Bytes const & value );
    void handleFrame( std::string const & interface, Bytes const & frame );
    void handleIndication( Indication const & indication );
    void sweep( Book & book, U32 port );

@@ -16,14 +16,7 @@ struct Record {
    State applicant() const { return entry->applicantState(); }
    Mrp::MrpRegistrarState registrar() const { return entry->registrarState(); }
    bool isRegistered() const { return registrar() != Mrp::mrpMt; }
-   Bytes value() const {
-      Bytes bytes;
-      auto const & queue = entry->attributeValue();
-      for ( U32 i = 0; i < queue.count(); ++i ) {
-         bytes.push_back( queue.at( queue.position( i ) ) );
-      }
-      return bytes;
-   }
+   Bytes value() const { return valueOf( *entry ); }
 };
 using Records = std::map< Name, Record >;
 

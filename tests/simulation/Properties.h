@@ -2,21 +2,18 @@
 //
 // Left out, because the protocol as this system has it allows it:
 //   - A leave timer of key 0 is also the shared timer of its type: when one fires, both go, and
-//   what
-//     waited on the other stays in Lv until its next leave. Where key 0 has been registered, an
-//     attribute in Lv need not wait on a timer.
+//     what waited on the other stays in Lv until its next leave. Where key 0 has been registered,
+//     an attribute in Lv need not wait on a timer.
 //   - A second packet context stays open, for as long as it takes, until the interface has a first
 //     one again. It may tell the neighbour of a join that has since been withdrawn, until the next
 //     LeaveAll but one.
 //   - A lone LeaveAll in a frame of several VLAN vectors cuts the earlier ones, so that the
-//   receiver
-//     may meet anything behind them. MVRP frames may be malformed while there are faults; MSRP
-//     frames never are.
+//     receiver may meet anything behind them. MVRP frames may be malformed while there are faults;
+//     MSRP frames never are.
 //   - A neighbour may answer a LeaveAll with Mt and its own old value, and the declarer then
-//   repeats
-//     its join with just that value. Where a LeaveAll and the declarations come in several frames,
-//     or several neighbours answer, a changed value can lose to the old one each time. There no
-//     value is asked for.
+//     repeats its join with just that value. Where a LeaveAll and the declarations come in several
+//     frames, or several neighbours answer, a changed value can lose to the old one each time.
+//     There no value is asked for.
 #pragma once
 
 #include "tests/simulation/Agent.h"

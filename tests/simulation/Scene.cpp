@@ -25,8 +25,6 @@ void Scene::run() {
    verify();
 }
 
-// ---- build -------------------------------------------------------------------------------------
-
 void Scene::build() {
    buildAttributes();
    // A pair, hosts on one segment, or a chain whose inner agents have two ports and may bridge.
@@ -158,8 +156,6 @@ Bytes Scene::valueOf( Attribute const & attribute, U32 variant ) const {
    default: return stored( Domain{ static_cast< U8 >( key ), static_cast< U8 >( key - 3 ) } );
    }
 }
-
-// ---- disturb -----------------------------------------------------------------------------------
 
 std::vector< Scene::Operation > const & Scene::operations() {
    static std::vector< Operation > const all{
@@ -309,8 +305,6 @@ void Scene::disturb() {
    }
 }
 
-// ---- settle ------------------------------------------------------------------------------------
-
 void Scene::settle() {
    trace_.line( activity_.clock()->now(), 0, "faults and operations end" );
    leaveAllTime_ = settledLeaveAllTime;
@@ -349,8 +343,6 @@ void Scene::settle() {
    checkAll();
    settled_ = true;
 }
-
-// ---- verify ------------------------------------------------------------------------------------
 
 void Scene::checkAll() {
    if ( large_ && checks_++ % 20 != 0 ) {

@@ -4,16 +4,15 @@
 //    disturb    operations at random times, while the wires lose, repeat, delay and reorder frames
 //               and are cut; Properties.h's checkAlways after each
 //    settle     the wires are whole, the configuration is sane, nobody does anything any more
-//    verify     within two LeaveAll periods, each stretched by up to a half, and a leave time,
-//    every
-//               declared attribute is registered at its neighbours and nothing else is; from then
-//               on no registration comes or goes, and what comes to rest passes checkAtRest
+//    verify     within two LeaveAll periods, each stretched by up to a half, and a leave time, all
+//               that is declared is registered at the neighbours and nothing else is; from then on
+//               no registration comes or goes, and what comes to rest passes checkAtRest
 //
 // Everything follows from the seed: scene, operations, faults and the C library's rand().
 #pragma once
 
+#include "tests/simulation/FaultyWire.h"
 #include "tests/simulation/Properties.h"
-#include "tests/support/FaultyWire.h"
 
 namespace Simulation {
 

@@ -35,8 +35,8 @@ bool inWords = false;
 // Repeats the seed at hand; global for when that ends in an assertion.
 std::string repeatCommand;
 
-// The digest of the trace. Throws a Violation.
-U64 runSeed( Mrp::MrpApplication application, U64 seed, std::ostream * words ) {
+// Throws a Violation.
+void runSeed( Mrp::MrpApplication application, U64 seed, std::ostream * words ) {
    repeatCommand = "   tests-simulation --gtest_filter='*settles*/" +
                    Mrp::stringValue( application ) + "' --first-seed=" + std::to_string( seed ) +
                    " --seeds=1 --trace";
@@ -45,24 +45,21 @@ U64 runSeed( Mrp::MrpApplication application, U64 seed, std::ostream * words ) {
    if ( U32 const left = Pelk::globalPktManager().pkts() ) {
       throw Violation( std::to_string( left ) + " packets are left" );
    }
-   return trace.digest();
 }
 
-// True if no seed failed. Prints the digest of all traces: two processes that print the same have
-// seen the same.
+// True if no seed failed.
 bool runSeeds( Mrp::MrpApplication application ) {
-   U64 digest = 0;
    U64 failed = 0;
    for ( U64 seed = firstSeed; seed < firstSeed + seeds; ++seed ) {
       try {
-         digest = digest * 31 + runSeed( application, seed, inWords ? &std::cout : nullptr );
+         runSeed( application, seed, inWords ? &std::cout : nullptr );
       } catch ( Violation const & violation ) {
          std::cout << "seed " << seed << ": " << violation.what() << '\n' << repeatCommand << '\n';
          ++failed;
       }
    }
    std::cout << Mrp::stringValue( application ) << ", " << seeds << " seeds from " << firstSeed
-             << ": " << failed << " failed, digest " << std::hex << digest << std::dec << '\n';
+             << ": " << failed << " failed\n";
    return failed == 0;
 }
 

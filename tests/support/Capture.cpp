@@ -57,4 +57,17 @@ bool TraceCapture::has( std::string const & line ) const {
    return std::ranges::find( traceLines_, line ) != traceLines_.end();
 }
 
+RingCapture::RingCapture( std::vector< Sornlog::Site const * > sites )
+   : sites_( std::move( sites ) ) {
+   Sornlog::fileIs( this );
+}
+RingCapture::~RingCapture() { Sornlog::fileIs( nullptr ); }
+
+void RingCapture::write( Sornlog::Site const & site,
+                         std::span< Sornlog::Argument const > arguments ) {
+   if ( sites_.empty() || std::ranges::find( sites_, &site ) != sites_.end() ) {
+      lines_.push_back( Sornlog::text( site, arguments ) );
+   }
+}
+
 } // namespace TestSupport

@@ -1,9 +1,13 @@
-// Logs and traces of a stretch of a test, for the lifetime of the object. One at a time.
+// Logs, traces and ring records of a stretch of a test, for the lifetime of the object. One at a
+// time.
 #pragma once
 
 #include "mrp/platform/korv/Types.h"
+#include "mrp/platform/sornlog/Sornlog.h"
 
+#include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace TestSupport {
@@ -31,6 +35,21 @@ class TraceCapture {
 
    std::vector< std::string > const & lines() const;
    bool has( std::string const & line ) const;
+};
+
+// Records of the ring buffer as text: of these sites, or of all.
+class RingCapture : public Sornlog::File {
+ public:
+   explicit RingCapture( std::vector< Sornlog::Site const * > sites = {} );
+   ~RingCapture() override;
+
+   void write( Sornlog::Site const & site,
+               std::span< Sornlog::Argument const > arguments ) override;
+   std::vector< std::string > taken() { return std::exchange( lines_, {} ); }
+
+ private:
+   std::vector< Sornlog::Site const * > sites_;
+   std::vector< std::string > lines_;
 };
 
 } // namespace TestSupport

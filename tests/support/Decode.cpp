@@ -212,8 +212,4 @@ Decoded decode( Bytes const & frame ) { return Reader( frame ).read(); }
 
 std::string says( Bytes const & frame ) { return decode( frame ).text(); }
 
-std::ostream & operator<<( std::ostream & out, Decoded const & decoded ) {
-   return out << decoded.text();
-}
-
 } // namespace TestSupport

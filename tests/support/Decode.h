@@ -56,6 +56,4 @@ Decoded decode( Bytes const & frame );
 // decode( frame ).text()
 std::string says( Bytes const & frame );
 
-std::ostream & operator<<( std::ostream & out, Decoded const & decoded );
-
 } // namespace TestSupport

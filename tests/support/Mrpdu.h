@@ -25,19 +25,10 @@ class Vector {
 
    Vector & leaveAll() { return header( header_ | 0x2000u ); }
    // The VectorHeader, with its flags and its NumberOfValues.
-   Vector & header( unsigned header ) {
-      header_ = static_cast< U16 >( header );
-      return *this;
-   }
+   Vector & header( unsigned header ) { return header_ = static_cast< U16 >( header ), *this; }
    // The event bytes as they stand, a listener's four-packed ones included.
-   Vector & eventBytes( Bytes bytes ) {
-      eventBytes_ = std::move( bytes );
-      return *this;
-   }
-   Vector & firstValue( Bytes bytes ) {
-      firstValue_ = std::move( bytes );
-      return *this;
-   }
+   Vector & eventBytes( Bytes bytes ) { return eventBytes_ = std::move( bytes ), *this; }
+   Vector & firstValue( Bytes bytes ) { return firstValue_ = std::move( bytes ), *this; }
 
    U8 type() const { return type_; }
    std::size_t attributeLength() const { return firstValue_.size(); }
@@ -75,27 +66,19 @@ class Message {
    Message( U8 type, U8 attributeLength, Bytes list )
       : type_( type ), attributeLength_( attributeLength ), list_( std::move( list ) ) {}
 
-   Message & type( U8 type ) {
-      type_ = type;
-      return *this;
-   }
+   Message & type( U8 type ) { return type_ = type, *this; }
    Message & attributeLength( unsigned length ) {
-      attributeLength_ = static_cast< U8 >( length );
-      return *this;
+      return attributeLength_ = static_cast< U8 >( length ), *this;
    }
    // In place of the right one, which counts the EndMark. MSRP only.
    Message & listLength( unsigned length ) {
-      listLength_ = static_cast< U16 >( length );
-      return *this;
+      return listLength_ = static_cast< U16 >( length ), *this;
    }
    Message & listLengthOff( int by ) { // by that many bytes
       listLengthOff_ = by;
       return *this;
    }
-   Message & noEndMark() {
-      endMark_ = false;
-      return *this;
-   }
+   Message & noEndMark() { return endMark_ = false, *this; }
 
    Bytes bytes( Protocol protocol ) const;
 
@@ -118,41 +101,17 @@ class Frame {
  public:
    Frame( Protocol protocol, std::vector< Message > messages );
 
-   Frame & to( U64 address ) {
-      to_ = address;
-      return *this;
-   }
-   Frame & from( U64 address ) {
-      from_ = address;
-      return *this;
-   }
-   Frame & type( U16 etherType ) {
-      type_ = etherType;
-      return *this;
-   }
+   Frame & to( U64 address ) { return to_ = address, *this; }
+   Frame & from( U64 address ) { return from_ = address, *this; }
+   Frame & type( U16 etherType ) { return type_ = etherType, *this; }
    // One more 802.1Q tag, inside of those there are.
-   Frame & tag( U16 vlanId ) {
-      put( tags_, 0x8100'0000u | vlanId, 4 );
-      return *this;
-   }
-   Frame & version( U8 version ) {
-      version_ = version;
-      return *this;
-   }
-   Frame & noEndMark() {
-      endMark_ = false;
-      return *this;
-   }
+   Frame & tag( U16 vlanId ) { return put( tags_, 0x8100'0000u | vlanId, 4 ), *this; }
+   Frame & version( U8 version ) { return version_ = version, *this; }
+   Frame & noEndMark() { return endMark_ = false, *this; }
    // Behind all that is there, a minimum frame's padding for one.
-   Frame & append( Bytes bytes ) {
-      put( tail_, bytes );
-      return *this;
-   }
+   Frame & append( Bytes bytes ) { return put( tail_, bytes ), *this; }
    // Takes bytes off the end.
-   Frame & cut( std::size_t bytes ) {
-      cut_ = bytes;
-      return *this;
-   }
+   Frame & cut( std::size_t bytes ) { return cut_ = bytes, *this; }
 
    Bytes bytes() const;
    operator Bytes() const { return bytes(); } // NOLINT(google-explicit-constructor)

@@ -30,13 +30,16 @@ std::vector< std::string > lines( std::vector< SentFrame > const & frames, bool 
    return all;
 }
 
-Mrp::MsrpTalkerAdvertiseAttribute record( Talker const & value ) {
-   return { value.streamId, Mrp::DataFrameParameters( address( value.dmac ), value.vlanId ),
-            Mrp::Tspec( value.maxFrameSize, value.maxIntervalFrames ),
-            Mrp::PriorityAndRank::fromWire( value.priorityAndRank ), value.accumulatedLatency };
-}
-
 } // namespace
+
+Bytes valueOf( Mrp::MrpAttrDatabase const & entry ) {
+   Bytes bytes;
+   auto const & queue = entry.attributeValue();
+   for ( U32 i = 0; i < queue.count(); ++i ) {
+      bytes.push_back( queue.at( queue.position( i ) ) );
+   }
+   return bytes;
+}
 
 std::string AttributeState::states() const {
    return Mrp::stringValue( applicant ) + ' ' + Mrp::stringValue( registrar );
@@ -119,30 +122,6 @@ void Participant::recordingIs( bool on ) {
    lib_->recording = on;
 }
 
-U8 Participant::load( Vlan const & value ) {
-   lib_->mvrpVlanVectorTxIs( Mrp::MvrpVlanAttribute( value.id ) );
-   return vlanType;
-}
-U8 Participant::load( Talker const & value ) {
-   lib_->msrpTalkerAdvertiseTxIs( record( value ) );
-   return talkerType;
-}
-U8 Participant::load( FailedTalker const & value ) {
-   lib_->msrpTalkerFailedTxIs( Mrp::MsrpTalkerFailedAttribute(
-      record( value.talker ), Mrp::FailureInformation( value.bridgeId, value.failureCode ) ) );
-   return failedType;
-}
-U8 Participant::load( Listener const & value ) {
-   lib_->msrpListenerVectorTxIs( Mrp::MsrpListenerAttribute(
-      value.streamId, static_cast< Mrp::MsrpListenerEvent >( value.declaration ) ) );
-   return listenerType;
-}
-U8 Participant::load( Domain const & value ) {
-   lib_->msrpDomainVectorTxIs(
-      Mrp::MsrpDomainAttribute( value.classId, value.priority, value.vid ) );
-   return domainType;
-}
-
 void Participant::sendAttribute( std::string const & interface, U8 type, unsigned event,
                                  std::vector< std::string > const & queued ) {
    for ( std::string const & name : queued ) {
@@ -162,10 +141,7 @@ std::optional< AttributeState > Participant::attribute( std::string const & inte
    AttributeState state;
    state.applicant = found->applicantState();
    state.registrar = found->registrarState();
-   auto const & value = found->attributeValue();
-   for ( U32 i = 0; i < value.count(); ++i ) {
-      state.value.push_back( value.at( value.position( i ) ) );
-   }
+   state.value = valueOf( *found );
    state.pending = sm_->addPendingAttr().isMember( Mrp::MrpAttribute( intfId, type, key ) );
    state.committed = sm_->mrpGetAttrFromDatabase( intfId, type, key, false ) != nullptr;
    return state;

@@ -29,6 +29,9 @@ struct SentFrame {
    Bytes bytes;
 };
 
+// The bytes that the database keeps.
+Bytes valueOf( Mrp::MrpAttrDatabase const & entry );
+
 // One attribute as the machines see it, the pending copy ahead of the committed one.
 struct AttributeState {
    Mrp::MrpApplicantState applicant{};
@@ -97,11 +100,11 @@ class Participant {
    }
 
    // Loads the Tx field; the attribute's type.
-   U8 load( Vlan const & value );
-   U8 load( Talker const & value );
-   U8 load( FailedTalker const & value );
-   U8 load( Listener const & value );
-   U8 load( Domain const & value );
+   template < class Value >
+   U8 load( Value const & value ) {
+      lib_->txValueIs( Value::type, stored( value ) );
+      return Value::type;
+   }
    // mrpSendAttribute with whatever the Tx field holds.
    void sendAttribute( std::string const & interface, U8 type, unsigned event,
                        std::vector< std::string > const & queued );

@@ -2,6 +2,7 @@
 
 #include "mrp/frame/MrpSm.h"
 
+#include <cstring>
 #include <sstream>
 
 namespace TestSupport {
@@ -13,6 +14,13 @@ template < class Record >
 Bytes bytesOf( Record const & record ) {
    auto const * const first = reinterpret_cast< U8 const * >( &record );
    return Bytes( first, first + sizeof record );
+}
+
+template < class Record >
+Record recordOf( Bytes const & value ) {
+   Record record;
+   std::memcpy( static_cast< void * >( &record ), value.data(), sizeof record );
+   return record;
 }
 
 } // namespace
@@ -45,6 +53,21 @@ Bytes RecordingLib::rxValue( U8 attributeType ) const {
    case listenerType: return bytesOf( msrpListenerVectorRx() );
    case domainType: return bytesOf( msrpDomainVectorRx() );
    default: return {};
+   }
+}
+
+void RecordingLib::txValueIs( U8 attributeType, Bytes const & value ) {
+   if ( application() == Mrp::MVRP ) {
+      return mvrpVlanVectorTxIs( recordOf< Mrp::MvrpVlanAttribute >( value ) );
+   }
+   switch ( attributeType ) {
+   case talkerType:
+      return msrpTalkerAdvertiseTxIs( recordOf< Mrp::MsrpTalkerAdvertiseAttribute >( value ) );
+   case failedType:
+      return msrpTalkerFailedTxIs( recordOf< Mrp::MsrpTalkerFailedAttribute >( value ) );
+   case listenerType:
+      return msrpListenerVectorTxIs( recordOf< Mrp::MsrpListenerAttribute >( value ) );
+   default: return msrpDomainVectorTxIs( recordOf< Mrp::MsrpDomainAttribute >( value ) );
    }
 }
 

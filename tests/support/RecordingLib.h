@@ -41,6 +41,8 @@ class RecordingLib : public Mrp::MrpLib {
 
    // The Rx field of the kind, as the database would keep it.
    Bytes rxValue( U8 attributeType ) const;
+   // Loads the Tx field of the kind with what the database would keep.
+   void txValueIs( U8 attributeType, Bytes const & value );
 
    bool mrpJoinIndication( Mrp::MrpParameters const & parameters ) override;
    void mrpLeaveIndication( Mrp::MrpParameters const & parameters ) override;

@@ -49,11 +49,13 @@ inline constexpr U8 listenerType = 3;
 inline constexpr U8 domainType = 4;
 
 struct Vlan {
+   static constexpr U8 type = vlanType;
    U16 id = 0;
    bool operator==( Vlan const & ) const = default;
 };
 
 struct Talker {
+   static constexpr U8 type = talkerType;
    U64 streamId = 0;
    U64 dmac = 0;
    U16 vlanId = 2;
@@ -67,6 +69,7 @@ struct Talker {
 Talker talker( U64 streamId );
 
 struct FailedTalker {
+   static constexpr U8 type = failedType;
    Talker talker;
    U64 bridgeId = 0x8000'0200'0000'0001;
    U8 failureCode = 8;
@@ -75,12 +78,14 @@ struct FailedTalker {
 
 // The declaration does not stand in the FirstValue, but in the events behind it.
 struct Listener {
+   static constexpr U8 type = listenerType;
    U64 streamId = 0;
    Declaration declaration = Ready;
    bool operator==( Listener const & ) const = default;
 };
 
 struct Domain {
+   static constexpr U8 type = domainType;
    U8 classId = 0;
    U8 priority = 0;
    U16 vid = 2;

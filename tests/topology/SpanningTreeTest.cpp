@@ -3,6 +3,7 @@
 #include "mrp/platform/korv/RangeException.h"
 #include "mrp/topology/SpanningTreeMirrors.h"
 
+#include "tests/support/Capture.h"
 #include "tests/support/Participant.h"
 
 #include <gmock/gmock.h>
@@ -28,22 +29,12 @@ void roleIs( Participant & participant, Role role, std::string const & interface
    tree( participant.host(), instance )->mstiPortStatusIs( interface, role );
 }
 
-// Writes down each call of handleRole that concerns a wanted interface in its base topology, and
-// what it leads to.
-class Calls : public Sornlog::File {
- public:
-   Calls() { Sornlog::fileIs( this ); }
-   ~Calls() override { Sornlog::fileIs( nullptr ); }
-   void write( Sornlog::Site const & site, std::span< Sornlog::Argument const > names ) override {
-      if ( &site == &Mrp::Ring::handleRole || &site == &Mrp::Ring::flushOccurred ||
-           &site == &Mrp::Ring::redeclareOccurred ) {
-         calls_.push_back( Sornlog::text( site, names ) );
-      }
-   }
-   std::vector< std::string > taken() { return std::exchange( calls_, {} ); }
-
- private:
-   std::vector< std::string > calls_;
+// Each call of handleRole that concerns a wanted interface in its base topology, and what it leads
+// to.
+struct Calls : RingCapture {
+   Calls()
+      : RingCapture(
+           { &Mrp::Ring::handleRole, &Mrp::Ring::flushOccurred, &Mrp::Ring::redeclareOccurred } ) {}
 };
 std::string const call1 = "MrpSm::handleRole() Ethernet1, Cist, default";
 std::string const call2 = "MrpSm::handleRole() Ethernet2, Cist, default";
@@ -88,31 +79,6 @@ TEST( PortRole, flushesOrRedeclaresBetweenForwardingAndAlternate ) {
          EXPECT_EQ( effectOf( mvrp, Role{ from }, Role{ to } ), expected ) << from << " to " << to;
       }
    }
-}
-
-// The leaving VLAN is reported, the others go in silence; nothing is said to the neighbours.
-TEST( PortRole, aFlushActsOnTheRegistrarAlone ) {
-   Participant mvrp( Mrp::MVRP );
-   EXPECT_EQ( effectOf( mvrp, root, alternate ), "flush" );
-   mvrp.advanceBy( 2 );
-   EXPECT_THAT( mvrp.indications(), ElementsAre( "leave vlan 12 on Ethernet1" ) );
-   EXPECT_EQ( mvrp.states( et1, 10 ), "mrpQuietActive mrpMt" );
-   EXPECT_THAT( mvrp.said(), IsEmpty() );
-}
-
-// What is said waits for the transmit timer, in both frames; the registrations then run out.
-TEST( PortRole, aRedeclarationIsSaidAtTheNextTransmission ) {
-   Participant mvrp( Mrp::MVRP, { et1, et2 } );
-   mvrp.receive( et2, mvrpFrame( vlans( 10, { JoinIn } ) ) );
-   EXPECT_EQ( effectOf( mvrp, alternate, designated ), "redeclare" );
-   EXPECT_THAT( mvrp.said(), IsEmpty() );
-   mvrp.advanceBy( 0.11 );
-   EXPECT_THAT( mvrp.said(), ElementsAre( "Ethernet1: vlan{10 JoinIn, 11 In, 12 Mt}",
-                                          "Ethernet1: vlan{10 JoinIn}" ) );
-   EXPECT_THAT( mvrp.indications(), IsEmpty() );
-   mvrp.advanceBy( 1 );
-   EXPECT_EQ( mvrp.indications().size(), 3u );
-   EXPECT_EQ( mvrp.states( et2, 10 ), "mrpAnxiousObserver mrpIn" );
 }
 
 TEST( PortRole, reachesAllTypesOfTheApplication ) {
@@ -204,27 +170,6 @@ TEST( BaseTopology, followsModeAndNativeVlan ) {
          }
       }
    }
-}
-
-// A change of the mode is no event; the next change of a role is looked at in the new tree.
-TEST( BaseTopology, isTheOneTreeThatCounts ) {
-   Participant mvrp( Mrp::MVRP );
-   mvrp.host().brConfig()->vlanConfigIs( Bridging::VlanId( 7 ) );
-   auto * const intf = mvrp.host().brConfig()->switchIntfConfigIs( ethernet1 );
-   intf->nativeVlanIs( 7 );
-   roleIs( mvrp, alternate, et1, "Bkup7" );
-   EXPECT_EQ( effectOf( mvrp, root, designated ), "nothing" );
-   roleIs( mvrp, root, et1, "Bkup7" );
-   mvrp.host().stpStatus()->stpModeIs( 100 );
-   roleIs( mvrp, alternate, et1, "Cist" );
-   EXPECT_EQ( effect( mvrp ), "nothing" );
-   EXPECT_EQ( mvrp.sm().oldPortRole( ethernet1 ), designated );
-
-   intf->nativeVlanIs( 5000 );
-   EXPECT_THROW( roleIs( mvrp, designated, et1, "Bkup7" ), Korv::RangeException );
-   intf->nativeVlanIs( 7 );
-   roleIs( mvrp, alternate, et1, "Bkup7" ); // against the role of the other tree
-   EXPECT_EQ( effect( mvrp ), "flush" );
 }
 
 TEST( Mirrors, comeAndGoWithTheirRecords ) {

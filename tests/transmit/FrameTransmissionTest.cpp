@@ -10,8 +10,6 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// ---- The frame on the wire ---------------------------------------------------------------------
-
 TEST( FrameTransmission, putsHeaderAndVersionInFront ) {
    Sender mvrp( Mrp::MVRP );
    mvrp.send( Vlan{ 10 }, JoinIn );
@@ -48,34 +46,6 @@ TEST( FrameTransmission, sendsAFrameThatHoldsNoMessage ) {
       EXPECT_TRUE( traces.has( traced ) ) << traced;
       EXPECT_EQ( hex( sender.mrpdu() ), "00 00 00" );
    }
-}
-
-// ---- When it leaves ----------------------------------------------------------------------------
-
-TEST( FrameTransmission, waitsForTheTimerAndGathersUntilThen ) {
-   Sender mvrp( Mrp::MVRP, { et1, et2 } );
-   mvrp.advanceTo( 0.12 );
-   mvrp.send( Vlan{ 10 }, JoinIn ).send( Vlan{ 5 }, New, false, et2 );
-   mvrp.advanceTo( 0.18 );
-   mvrp.send( Vlan{ 11 }, JoinIn );
-   EXPECT_THAT( mvrp.said(), IsEmpty() );
-   mvrp.advanceTo( 1 );
-   EXPECT_THAT( mvrp.saidWithTimes(),
-                testing::UnorderedElementsAre( "0.2 Ethernet1: vlan{10 JoinIn, 11 JoinIn}",
-                                               "0.2 Ethernet2: vlan{5 New}" ) );
-}
-
-TEST( FrameTransmission, sendsTheFrameWhenTheTypeFalls ) {
-   Sender msrp( Mrp::MSRP );
-   msrp.send( talker( 8 ), New )
-      .send( FailedTalker{ talker( 9 ) }, New )
-      .send( Listener{ 5 }, New );
-   msrp.send( Domain{ 6, 3 }, New ).send( Domain{ 9, 3 }, New );
-   EXPECT_THAT( msrp.said(), IsEmpty() );
-   msrp.send( Listener{ 7 }, Lv );
-   EXPECT_THAT( msrp.said(), ElementsAre( "Ethernet1: talker{0x8 New} failed{0x9 New} "
-                                          "listener{0x5 New Ready} domain{6 New; 9 New}" ) );
-   EXPECT_EQ( msrp.text(), "listener{0x7 Lv Ready}" );
 }
 
 // The test for a full frame comes behind each value: 64 bytes of room must be left.
@@ -160,16 +130,6 @@ TEST( FrameTransmission, isOutOfReachOnceItLeaves ) {
    EXPECT_EQ( msrp.send( talker( 20 ), Lv ).text(), "listener{0x4 New Ready} talker{0x14 Lv}" );
 }
 
-// ---- The second context ------------------------------------------------------------------------
-
-TEST( SecondContext, goesBehindTheFirst ) {
-   Sender mvrp( Mrp::MVRP );
-   mvrp.send( Vlan{ 20 }, JoinMt, true ).send( Vlan{ 10 }, New ).send( Vlan{ 21 }, Mt, true );
-   mvrp.advanceTo( 0.1 );
-   EXPECT_THAT( mvrp.said(),
-                ElementsAre( "Ethernet1: vlan{10 New}", "Ethernet1: vlan{20 JoinMt, 21 Mt}" ) );
-}
-
 // The timer looks at the first ones: a second frame alone waits until there is a first one again,
 // or for a call that names its interface.
 TEST( SecondContext, staysBehindWhenTheFirstHasLeft ) {
@@ -200,8 +160,6 @@ TEST( SecondContext, hasItsOwnOrderAndFullness ) {
    EXPECT_FALSE( msrp.isOpen( true ) );
    EXPECT_EQ( msrp.text(), "domain{6 New}" );
 }
-
-// ---- When it cannot be sent --------------------------------------------------------------------
 
 TEST( FrameTransmission, throwsFramesAwayWhileFlooding ) {
    Sender mvrp( Mrp::MVRP );

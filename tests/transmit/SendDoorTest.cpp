@@ -17,35 +17,6 @@ class SendDoor : public testing::Test {
    Sender mvrp{ Mrp::MVRP, { et1, et2 } };
 };
 
-TEST_F( SendDoor, declaresAndWithdraws ) {
-   mvrp.declare( et1, Vlan{ 10 }, New );
-   mvrp.declare( et1, Vlan{ 20 }, JoinMt );
-   EXPECT_EQ( mvrp.states( et1, 10 ), "mrpQuietActive mrpMt" );
-   EXPECT_EQ( hex( mvrp.attribute( et1, 10 )->value ), "00 0a" );
-   mvrp.advanceTo( 0.1 );
-   EXPECT_THAT( mvrp.said(), ElementsAre( "Ethernet1: vlan{10 New; 20 JoinMt}",
-                                          "Ethernet1: vlan{10 New; 20 JoinMt}" ) );
-   mvrp.clear();
-   mvrp.declare( et1, Vlan{ 10 }, Lv );
-   EXPECT_EQ( mvrp.states( et1, 10 ), "none" );
-   mvrp.declare( et1, Vlan{ 20 }, internalLeave ); // says nothing
-   EXPECT_EQ( mvrp.states( et1, 20 ), "none" );
-   mvrp.advanceTo( 0.2 );
-   EXPECT_THAT( mvrp.said(), ElementsAre( "Ethernet1: vlan{10 Lv}" ) );
-}
-
-// A declaration runs once for each entry of the queue, each time on the interface of the
-// parameters.
-TEST_F( SendDoor, takesTheInterfaceOfADeclarationFromTheParameters ) {
-   mvrp.declare( et1, Vlan{ 10 }, JoinIn, { et2, et2, "Ethernet9" } );
-   EXPECT_TRUE( mvrp.lib().mrpOutIntfQueue().empty() );
-   mvrp.declare( et1, Vlan{ 30 }, JoinIn, {} ); // nothing queued, nothing done
-   mvrp.advanceTo( 0.1 );
-   EXPECT_THAT( mvrp.said(), ElementsAre( "Ethernet1: vlan{10 JoinMt; 10 JoinMt; 10 JoinMt}",
-                                          "Ethernet1: vlan{10 JoinMt; 10 JoinMt; 10 JoinMt}" ) );
-   EXPECT_EQ( mvrp.states( et1, 30 ), "none" );
-}
-
 TEST_F( SendDoor, keepsTheValueThatWasSent ) {
    Sender msrp( Mrp::MSRP, { et1 }, { .activity = &mvrp.activity() } );
    msrp.declare( et1, Listener{ 0x100, AskingFailed }, New );

@@ -5,8 +5,6 @@
 namespace TestSupport {
 namespace {
 
-// ---- Bytes written by hand ---------------------------------------------------------------------
-
 TEST( VectorEncoding, writesTheBytesOfEachKind ) {
    Sender msrp( Mrp::MSRP );
    Talker const t{ 0x0102'0304'0506'0708, 0x91e0'f000'fe01, 0x0203, 0x0405, 0x0607, 0x70, 0x0809 };
@@ -53,8 +51,6 @@ TEST( VectorEncoding, growsAListenerVectorByteByByte ) {
       EXPECT_EQ( hex( msrp.mrpdu() ), hex( expected ) );
    }
 }
-
-// ---- Merging -----------------------------------------------------------------------------------
 
 template < class Value >
 std::string encoded( std::vector< Value > const & values, Event event = JoinIn ) {
@@ -134,8 +130,6 @@ TEST( Merging, packsEachEventInEachPlace ) {
    }
    EXPECT_EQ( mvrp.text(), expected + "}" );
 }
-
-// ---- LeaveAll ----------------------------------------------------------------------------------
 
 TEST( LeaveAllMark, goesToTheNextVectorThatIsOpened ) {
    Sender mvrp( Mrp::MVRP );

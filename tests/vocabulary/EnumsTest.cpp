@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
 #include <utility>
 
 namespace Mrp {
@@ -51,34 +50,12 @@ TYPED_TEST( EnumTest, refusesNumbersAndNamesThatAreNone ) {
    EXPECT_THROW( instance( "mrpmt" ), Korv::RangeException );
 }
 
-TYPED_TEST( EnumTest, isStoredIn32Bits ) { EXPECT_EQ( sizeof( TypeParam ), 4u ); }
-
-TEST( Enums, instancesAreNamedAfterTheirEnumeration ) {
-   EXPECT_EQ( MrpRegistrarStateInstance( "mrpMt" ), 2u );
-   EXPECT_EQ( MrpApplicationInstance( 2 ), MVRP );
-   EXPECT_EQ( MsrpAttrTypeInstance( "domainVector" ), 4u );
-}
-
-TEST( Enums, printTheirNamesInAStream ) {
-   std::ostringstream out;
-   out << mrpLeavingObserver << ' ' << static_cast< MrpParseStatus >( 7 ) << ' ' << mrpMaxTxDataSz;
-   EXPECT_EQ( out.str(), "mrpLeavingObserver 7 mrpMaxTxDataSz" );
-}
-
 TEST( Constants, convertByNumberAndNameThoughTheyDoNotRunFrom0 ) {
    EXPECT_EQ( MrpConstantsInstance( "mrpMaxTxDataSz" ), 1500u );
    EXPECT_EQ( MrpConstantsInstance( 0 ), endOfMark );
    EXPECT_EQ( stringValue( endOfMark ), "endOfMark" );
    EXPECT_THROW( MrpConstantsInstance( 1 ), Korv::RangeException );
    EXPECT_THROW( MrpConstantsInstance( "endOfMar" ), Korv::RangeException );
-}
-
-TEST( Constants, ofTheTimersHaveNoValueOfTheirOwn ) {
-   EXPECT_EQ( MrpTimerConstants(), MrpTimerConstants() );
-   EXPECT_EQ( stringValue( MrpTimerConstants() ), "" );
-   EXPECT_EQ( Korv::fromText< MrpTimerConstants >( "" ), MrpTimerConstants() );
-   EXPECT_LE( MrpTimerConstants::minLeaveTime, MrpTimerConstants::defaultLeaveTime );
-   EXPECT_LT( MrpTimerConstants::minLeaveAllTime, MrpTimerConstants::defaultLeaveAllTime );
 }
 
 } // namespace

@@ -69,18 +69,6 @@ TEST( Keys, orderGoesFieldByFieldAndNumbersAreUnsigned ) {
    expectAscending< MrpAttrIterKey >( { { et1, 200 }, { et2, 1 }, { et2, 2 } } );
 }
 
-TEST( Parameters, startAsNotNewAndCompareThatToo ) {
-   MrpParameters parameters( et1, 2, newEvent );
-   EXPECT_FALSE( parameters.newEvent() );
-   MrpParameters const before = parameters;
-   parameters.newEventIs( true );
-   EXPECT_TRUE( parameters.newEvent() );
-   EXPECT_NE( parameters, before );
-   EXPECT_NE( before, MrpParameters( et1, 2, lvEvent ) );
-   EXPECT_NE( before, MrpParameters( et1, 3, newEvent ) );
-   EXPECT_NE( before, MrpParameters( et2, 2, newEvent ) );
-}
-
 TEST( ValueIndex, endsAt64 ) {
    EXPECT_EQ( ValueIndex( 64 ).value(), 64 );
    EXPECT_EQ( Korv::fromText< ValueIndex >( "64" ), ValueIndex( 64 ) );

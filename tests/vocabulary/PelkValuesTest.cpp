@@ -5,29 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <sstream>
-
 namespace Pelk {
 namespace {
-
-TEST( IntfId, isItsName ) {
-   IntfId const a( "Ethernet1/1" );
-   EXPECT_EQ( a, IntfId( std::string( "Ethernet1/" ) + "1" ) );
-   EXPECT_NE( a, IntfId( "Ethernet1/10" ) );
-   EXPECT_EQ( a.stringValue(), "Ethernet1/1" );
-   EXPECT_EQ( Korv::fromText< IntfId >( "Ethernet1/1" ), a );
-   std::ostringstream out;
-   out << a;
-   EXPECT_EQ( out.str(), "Ethernet1/1" );
-}
-
-TEST( IntfId, emptyIsTheDefaultAndComesFirst ) {
-   EXPECT_EQ( IntfId(), IntfId( "" ) );
-   EXPECT_TRUE( IntfId( "" ).empty() );
-   EXPECT_EQ( IntfId().stringValue(), "" );
-   EXPECT_LT( IntfId(), IntfId( "a" ) );
-}
 
 TEST( IntfId, orderIsThatOfFirstMention ) {
    IntfId const z( "z-first" );
@@ -68,15 +47,6 @@ TEST( EthAddr, isA48BitNumberFirstByteHighest ) {
               EthAddr( 0x12, 0x34, 0x56, 0x78, 0x9B, 0x00 ) );
    EXPECT_TRUE( EthAddr::fromNumber( EthAddr( "ff:ff:ff:ff:ff:ff" ).number() + 1 ).isZero() );
    EXPECT_EQ( EthAddr::fromNumber( 0xABCD000000000001 ), EthAddr( 0, 0, 0, 0, 0, 1 ) );
-}
-
-TEST( EthAddr, comparesAsThatNumber ) {
-   std::array< Korv::U8, 6 > const bytes{ 0x80, 0, 0, 0, 0, 0 };
-   EthAddr const high( bytes );
-   EXPECT_GT( high, EthAddr( 0x7F, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF ) );
-   EXPECT_FALSE( high.isZero() );
-   EXPECT_TRUE( EthAddr().isZero() );
-   EXPECT_EQ( high.bytes()[0], 0x80 );
 }
 
 } // namespace

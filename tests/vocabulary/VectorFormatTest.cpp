@@ -1,7 +1,6 @@
 #include "mrp/vocabulary/VectorFormat.h"
 
-#include "mrp/observability/RingSites.h"
-#include "mrp/observability/Trace.h"
+#include "tests/support/Capture.h"
 
 #include <gtest/gtest.h>
 
@@ -39,48 +38,12 @@ TEST( VectorFormat, sizeOfAVlanVector ) {
    }
 }
 
-TEST( VectorFormat, eventsFillTheirBytes ) {
-   auto listener = []( U32 n ) {
-      return std::pair( packedBytes( n, eventsPerThreePackedByte ),
-                        packedBytes( n, eventsPerFourPackedByte ) );
-   };
-   EXPECT_EQ( listener( 0 ), std::pair( 0u, 0u ) );
-   EXPECT_EQ( listener( 1 ), std::pair( 1u, 1u ) );
-   EXPECT_EQ( listener( 3 ), std::pair( 1u, 1u ) );
-   EXPECT_EQ( listener( 4 ), std::pair( 2u, 1u ) );
-   EXPECT_EQ( listener( 5 ), std::pair( 2u, 2u ) );
-   EXPECT_EQ( listener( 8191 ), std::pair( 2731u, 2048u ) );
-}
-
 // What is told to trace and ring buffer during one test.
-class SizeTest : public testing::Test, public Sornlog::File {
+class SizeTest : public testing::Test {
  protected:
-   SizeTest() {
-      Sornlog::fileIs( this );
-      mrpTrace.levelsIs( 1u << 8 );
-      Korv::traceSinkIs( []( Korv::TraceHelper const & handle, U32 level, Korv::SourceLocation,
-                             std::string const & text ) {
-         traced_.push_back( std::string( handle.name() ) + std::to_string( level ) + text );
-      } );
-   }
-   ~SizeTest() override {
-      Sornlog::fileIs( nullptr );
-      mrpTrace.levelsIs( 0 );
-      Korv::traceSinkIs( nullptr );
-      traced_.clear();
-   }
-   void write( Sornlog::Site const & site,
-               std::span< Sornlog::Argument const > arguments ) override {
-      std::string codes;
-      for ( auto const & argument : arguments ) {
-         codes += argument.code;
-      }
-      EXPECT_EQ( codes, site.arguments );
-      ring_.push_back( std::to_string( site.level ) + Sornlog::text( site, arguments ) );
-   }
    using Lines = std::vector< std::string >;
-   Lines ring_;
-   static inline Lines traced_;
+   TestSupport::TraceCapture const traces{ 1u << 8 };
+   TestSupport::RingCapture ring;
 };
 
 TEST_F( SizeTest, isThatOfTheRecordAndSilent ) {
@@ -89,31 +52,22 @@ TEST_F( SizeTest, isThatOfTheRecordAndSilent ) {
    EXPECT_EQ( mrpSizeOfAttribute( listenerVector, MSRP ), 8 );
    EXPECT_EQ( mrpSizeOfAttribute( domainVector, MSRP ), 4 );
    EXPECT_EQ( mrpSizeOfAttribute( vlanVector, MVRP ), 2 );
-   EXPECT_TRUE( ring_.empty() );
-   EXPECT_TRUE( traced_.empty() );
+   EXPECT_EQ( ring.taken(), Lines() );
+   EXPECT_EQ( traces.lines(), Lines() );
 }
 
-TEST_F( SizeTest, unknownTypesHaveNone ) {
+TEST_F( SizeTest, unknownTypesAndApplicationsHaveNone ) {
    EXPECT_EQ( mrpSizeOfMsrpAttribute( 0 ), 0 );
-   EXPECT_EQ( mrpSizeOfMsrpAttribute( 5 ), 0 );
-   EXPECT_EQ( mrpSizeOfAttribute( 255, MSRP ), 0 );
+   EXPECT_EQ( mrpSizeOfAttribute( 5, MSRP ), 0 );
    EXPECT_EQ( mrpSizeOfMvrpAttribute( 0 ), 0 );
    EXPECT_EQ( mrpSizeOfAttribute( 2, MVRP ), 0 );
-   EXPECT_EQ( traced_,
-              ( Lines{ "Mrp8 Invalid attribute type: 0", "Mrp8 Invalid attribute type: 5",
-                       "Mrp8 Invalid attribute type: 255", "Mrp8 Invalid attribute type: 0",
-                       "Mrp8 Invalid attribute type: 2" } ) );
-   EXPECT_EQ( ring_.size(), 5u );
-   EXPECT_EQ( ring_[2], "8 Invalid attribute type: 255" );
-}
-
-TEST_F( SizeTest, otherApplicationsHaveNone ) {
    EXPECT_EQ( mrpSizeOfAttribute( 1, MMRP ), 0 );
-   EXPECT_EQ( mrpSizeOfAttribute( 1, InvalidApplication ), 0 );
    EXPECT_EQ( mrpSizeOfAttribute( 1, 258 ), 0 ); // whose low byte is that of MVRP
-   EXPECT_EQ( traced_[0], "Mrp8 Invalid application type: 3" );
-   EXPECT_EQ( ring_, ( Lines{ "8 Invalid application type: 3", "8 Invalid application type: 0",
-                              "8 Invalid application type: 258" } ) );
+   Lines const said{ " Invalid attribute type: 0",   " Invalid attribute type: 5",
+                     " Invalid attribute type: 0",   " Invalid attribute type: 2",
+                     " Invalid application type: 3", " Invalid application type: 258" };
+   EXPECT_EQ( ring.taken(), said );
+   EXPECT_EQ( traces.lines(), said );
 }
 
 } // namespace

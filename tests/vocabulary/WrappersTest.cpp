@@ -40,18 +40,6 @@ TEST( Wrappers, showTheRecordAtTheirOffset ) {
    EXPECT_EQ( vector->offset(), 7u );
 }
 
-TEST( Wrappers, writeIntoThePacketTheyShare ) {
-   auto pkt = packetWithMessage();
-   U8 const * const data = pkt->frontData();
-   auto const vector = mvrpVlanVectorWrapperFactory( std::move( pkt ), 1 );
-   vector->vectorHeaderIs( 0x0102 );
-   vector->firstValueIs( MvrpVlanAttribute( 0x0304 ) );
-   vector->vectorIs( 5 );
-   for ( U8 i = 1; i <= 5; ++i ) {
-      EXPECT_EQ( data[i], i );
-   }
-}
-
 TEST( Wrappers, existOnlyForAPacket ) {
    try {
       msrpTalkerVectorWrapperFactory( nullptr, 0 );

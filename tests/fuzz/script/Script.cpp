@@ -4,9 +4,9 @@
 #include "mrp/machines/MrpLeaveAllSm.h"
 #include "mrp/machines/MrpRegistrarSm.h"
 
+#include "tests/fuzz/script/Check.h"
+
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 
 namespace Fuzz {
 
@@ -23,13 +23,6 @@ constexpr std::size_t frameBytesMax = 1600;
 constexpr std::size_t attributesMax = 400;
 constexpr int reactionsMax = 200;
 constexpr double timeMax = 30;
-
-void check( bool holds, char const * what ) {
-   if ( !holds ) {
-      std::fprintf( stderr, "does not hold: %s\n", what );
-      std::abort();
-   }
-}
 
 class Reader {
  public:
@@ -157,28 +150,35 @@ class Run {
       receive( frame );
    }
 
+   template < class Use >
+   void forValue( U8 attributeType, U16 which, Use use ) const {
+      if ( application_ == Mrp::MVRP ) {
+         return use( Vlan{ which } );
+      }
+      switch ( attributeType ) {
+      case talkerType: return use( talker( streamId( which ) ) );
+      case failedType: return use( FailedTalker{ talker( streamId( which ) ) } );
+      case listenerType: return use( Listener{ streamId( which ) } );
+      default: return use( Domain{ static_cast< U8 >( which ), 3, 2 } );
+      }
+   }
+
    void receiveMessage() {
       U8 const attributeType = type( in_.byte() );
       U8 const flags = in_.byte();
       U16 const first = in_.two();
       std::vector< Event > events;
-      std::vector< ListenerEvent > listenerEvents;
+      std::vector< Declaration > declarations;
       for ( unsigned count = in_.byte(); count > 0; --count ) {
          U8 const byte = in_.byte();
          events.push_back( static_cast< Event >( byte % 6 ) );
-         listenerEvents.push_back( { events.back(), static_cast< Declaration >( byte >> 6 ) } );
+         if ( application_ == Mrp::MSRP && attributeType == listenerType ) {
+            declarations.push_back( static_cast< Declaration >( byte >> 6 ) );
+         }
       }
-      Vector vector = [&] {
-         if ( application_ == Mrp::MVRP ) {
-            return vlans( first, events );
-         }
-         switch ( attributeType ) {
-         case talkerType: return talkers( streamId( first ), events );
-         case failedType: return failedTalkers( { talker( streamId( first ) ) }, events );
-         case listenerType: return listeners( streamId( first ), listenerEvents );
-         default: return domains( { static_cast< U8 >( first ), 3, 2 }, events );
-         }
-      }();
+      Vector vector( attributeType, {}, events, declarations );
+      forValue( attributeType, first,
+                [&]( auto const & value ) { vector.firstValue( wire( value ) ); } );
       if ( ( flags & 1 ) != 0 || events.empty() ) {
          vector.leaveAll();
       }
@@ -203,16 +203,7 @@ class Run {
             queue.push_back( interfaces[i] );
          }
       }
-      if ( application_ == Mrp::MVRP ) {
-         participant_.load( Vlan{ which } );
-      } else {
-         switch ( attributeType ) {
-         case talkerType: participant_.load( talker( streamId( which ) ) ); break;
-         case failedType: participant_.load( FailedTalker{ talker( streamId( which ) ) } ); break;
-         case listenerType: participant_.load( Listener{ streamId( which ) } ); break;
-         default: participant_.load( Domain{ static_cast< U8 >( which ), 3, 2 } ); break;
-         }
-      }
+      forValue( attributeType, which, [&]( auto const & value ) { participant_.load( value ); } );
       participant_.sendAttribute( interface_, attributeType, event, queue );
    }
 
@@ -240,8 +231,6 @@ class Run {
          sm().handleStandbyMode();
       }
    }
-
-   // ---- The application -----------------------------------------------------------------------
 
    bool refuses( Indication const & join ) const {
       return ( behaviour_ & 0x10 ) != 0 && ( join.key & 1 ) != 0;
@@ -284,8 +273,6 @@ class Run {
       }
    }
 
-   // ---- What holds ----------------------------------------------------------------------------
-
    void checkBetween() {
       check( sm().mrpRxLeaveAll().empty(), "no LeaveAll waits" );
       check( sm().mrpParsedAttribute().size() == 0, "no parsed attribute waits" );
@@ -310,10 +297,7 @@ class Run {
          return;
       }
       Decoded const said = decode( frame );
-      if ( !said.faults.empty() ) {
-         std::fprintf( stderr, "%s\n%s\n", said.text().c_str(), hex( frame ).c_str() );
-      }
-      check( said.faults.empty(), "frames are well-formed" );
+      check( said.faults.empty(), "frames are well-formed", said.text() + '\n' + hex( frame ) );
    }
 
    void switchOff() {
