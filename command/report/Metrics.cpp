@@ -46,11 +46,11 @@ struct Label {
 
 std::string escaped( std::string const & text ) {
    std::string out;
-   for ( char const c : text ) {
+   for ( char const c : printable( text ) ) {
       if ( c == '\\' || c == '"' ) {
          out += '\\';
       }
-      out += c == '\n' ? "\\n" : std::string( 1, c );
+      out += c;
    }
    return out;
 }
