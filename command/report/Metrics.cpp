@@ -46,11 +46,11 @@ struct Label {
 
 std::string escaped( std::string const & text ) {
    std::string out;
-   for ( char const c : text ) {
+   for ( char const c : printable( text ) ) {
       if ( c == '\\' || c == '"' ) {
          out += '\\';
       }
-      out += c == '\n' ? "\\n" : std::string( 1, c );
+      out += c;
    }
    return out;
 }
@@ -97,14 +97,6 @@ struct Population {
    std::array< U64, Mrp::mrpLeavingObserver + 1 > applicants{};
 };
 
-// A copy of what another process says may hold a number that is no state.
-template < std::size_t n >
-void count( std::array< U64, n > & counts, std::size_t state ) {
-   if ( state < n ) {
-      ++counts[state];
-   }
-}
-
 std::vector< Population > populationsOf( Mrp::MrpApplication application,
                                          Mrp::MrpApplicationDatabase const & database ) {
    std::vector< Population > populations;
@@ -112,8 +104,8 @@ std::vector< Population > populationsOf( Mrp::MrpApplication application,
       for ( auto type = intf.value()->intfTypeApplicant().walk(); type; ++type ) {
          Population population{ intf.key().stringValue(), typeWord( application, type.key() ) };
          for ( auto each = type.value()->mrpAttribute().walk(); each; ++each ) {
-            count( population.registrars, each.value()->registrarState() );
-            count( population.applicants, each.value()->applicantState() );
+            ++population.registrars[each.value()->registrarState()];
+            ++population.applicants[each.value()->applicantState()];
          }
          populations.push_back( std::move( population ) );
       }

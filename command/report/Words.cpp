@@ -162,6 +162,20 @@ std::string hexText( std::span< U8 const > bytes ) {
    return text;
 }
 
+std::string printable( std::string const & text ) {
+   std::string shown;
+   for ( std::size_t i = 0; i < text.size(); ++i ) {
+      auto const isBetween = [&]( std::size_t at, U8 first, U8 last ) {
+         return at < text.size() && U8( text[at] ) >= first && U8( text[at] ) <= last;
+      };
+      bool const isTwoBytes = isBetween( i, 0xC2, 0xC2 ) && isBetween( i + 1, 0x80, 0x9F );
+      bool const isControl = isTwoBytes || isBetween( i, 0, ' ' - 1 ) || isBetween( i, 0x7F, 0x7F );
+      shown += isControl ? '?' : text[i];
+      i += isTwoBytes ? 1 : 0;
+   }
+   return shown;
+}
+
 Fields valueFields( Mrp::MrpApplication application, U8 attributeType, Bytes const & value ) {
    Fields fields;
    withValue( application, attributeType, value,

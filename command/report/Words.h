@@ -29,6 +29,10 @@ std::string failureWord( U8 failureCode );
 
 std::string hexText( std::span< U8 const > bytes );
 
+// A name that another process has chosen, without what a terminal would obey: '?' for each control
+// character, those of two bytes in UTF-8 included.
+std::string printable( std::string const & text );
+
 // An attribute's value, field by field; the first field is what names it.
 struct Field {
    std::string heading;

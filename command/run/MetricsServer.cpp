@@ -31,10 +31,13 @@ void onConnection( void * server, MHD_Connection * connection, void ** /* contex
                    MHD_ConnectionNotificationCode code ) {
    auto const * const info =
       MHD_get_connection_info( connection, MHD_CONNECTION_INFO_CONNECTION_FD );
-   if ( code == MHD_CONNECTION_NOTIFY_STARTED ) {
+   if ( code != MHD_CONNECTION_NOTIFY_STARTED ) {
+      return serverOf( server ).handleClosed( info->connect_fd );
+   }
+   try {
       serverOf( server ).handleConnected( info->connect_fd );
-   } else {
-      serverOf( server ).handleClosed( info->connect_fd );
+   } catch ( ... ) { // of memory: it would have no deadline
+      ::shutdown( info->connect_fd, SHUT_RDWR );
    }
 }
 
@@ -68,23 +71,22 @@ MetricsServer::Client::Client( int number )
 MetricsServer::MetricsServer( Linux::RealActivity & activity, Linux::StreamAddress const & address,
                               Text text )
    : text_( std::move( text ) ), listening_( Linux::listeningSocket( address ) ) {
-   daemon_ =
+   daemon_.reset(
       MHD_start_daemon( MHD_USE_EPOLL, 0, nullptr, nullptr, onRequest, this, // polled by the loop
                         MHD_OPTION_LISTEN_SOCKET, listening_.number(), MHD_OPTION_CONNECTION_LIMIT,
                         mostClients, MHD_OPTION_CONNECTION_MEMORY_LIMIT, memoryOfClient,
-                        MHD_OPTION_NOTIFY_CONNECTION, onConnection, this, MHD_OPTION_END );
+                        MHD_OPTION_NOTIFY_CONNECTION, onConnection, this, MHD_OPTION_END ) );
    if ( !daemon_ ) {
       throw std::system_error( errno, std::generic_category(), "cannot serve HTTP" );
    }
-   auto const * const info = MHD_get_daemon_info( daemon_, MHD_DAEMON_INFO_EPOLL_FD );
+   auto const * const info = MHD_get_daemon_info( daemon_.get(), MHD_DAEMON_INFO_EPOLL_FD );
    watch_ = std::make_unique< Linux::DescriptorWatch >(
       activity, info->epoll_fd, Linux::DescriptorWatch::reading, [this]( Korv::U32 ) { work(); } );
 }
 
-MetricsServer::~MetricsServer() {
-   watch_.reset();
-   MHD_quiesce_daemon( daemon_ ); // leaves the socket that listens to its owner
-   MHD_stop_daemon( daemon_ );
+void MetricsServer::Stop::operator()( MHD_Daemon * daemon ) const {
+   MHD_quiesce_daemon( daemon ); // leaves the socket that listens to its owner
+   MHD_stop_daemon( daemon );
 }
 
 int MetricsServer::handleRequest( MHD_Connection & connection, std::string const & path,
@@ -110,12 +112,12 @@ void MetricsServer::work() {
    std::size_t closed = 0;
    do {
       closed = closed_;
-      MHD_run( daemon_ );
+      MHD_run( daemon_.get() );
       // With no room for clients the library listens no more, and once there is room it listens
       // again no sooner than when it runs the next time: for which nothing else may call.
    } while ( closed != closed_ );
    MHD_UNSIGNED_LONG_LONG milliseconds = 0;
-   bool const isTimed = MHD_get_timeout( daemon_, &milliseconds ) == MHD_YES;
+   bool const isTimed = MHD_get_timeout( daemon_.get(), &milliseconds ) == MHD_YES;
    due_.timeMinIs( isTimed ? Korv::now() + static_cast< double >( milliseconds ) / 1000
                            : Korv::never );
 }

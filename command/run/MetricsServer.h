@@ -28,7 +28,6 @@ class MetricsServer {
    MetricsServer( Linux::RealActivity & activity, Linux::StreamAddress const & address, Text text );
    MetricsServer( MetricsServer const & ) = delete;
    MetricsServer & operator=( MetricsServer const & ) = delete;
-   ~MetricsServer();
 
    // Called by the library's callbacks.
    int handleRequest( MHD_Connection & connection, std::string const & path,
@@ -53,6 +52,9 @@ class MetricsServer {
       int socket;
       Due deadline;
    };
+   struct Stop {
+      void operator()( MHD_Daemon * daemon ) const;
+   };
 
    // Everything that is ready, and then as long as the library can wait.
    void work();
@@ -60,8 +62,9 @@ class MetricsServer {
    Text text_;
    std::list< Client > clients_; // each connection that is open
    std::size_t closed_ = 0;
+   // Each goes before what stands above it: the library closes its clients as it stops.
    Linux::Descriptor listening_;
-   MHD_Daemon * daemon_;
+   std::unique_ptr< MHD_Daemon, Stop > daemon_;
    std::unique_ptr< Linux::DescriptorWatch > watch_;
    Due due_{ [this] { work(); } };
 };

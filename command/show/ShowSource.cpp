@@ -3,7 +3,7 @@
 namespace Command {
 
 ShowSource::ShowSource( Linux::RealActivity & activity, Linux::StreamAddress const & address )
-   : connection_( activity, address, mirror_ ), lastMessage_( Korv::now() ) {
+   : connection_( activity, address, mirror_ ) {
    stream_.address = address.text();
 }
 
@@ -41,6 +41,9 @@ std::string ShowSource::failure() const {
    if ( Korv::now() - lastMessage_ >= patience && !mirror_.isBrought() ) {
       return messages_ == 0 ? "it takes the connection and says nothing"
                             : "it stopped in the middle";
+   }
+   if ( Korv::now() - begin_ >= longestCopy ) {
+      return "it comes to no end";
    }
    return "";
 }

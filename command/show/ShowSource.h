@@ -6,6 +6,9 @@
 
 #include "command/show/ShowView.h"
 
+#include <optional>
+#include <string>
+
 namespace Command {
 
 // No message says that all has been told. So a copy is whole once all that the stream has made
@@ -19,6 +22,8 @@ class ShowSource {
    static constexpr Korv::Seconds longestUnrest = 1;
    // Without a byte of a copy that is not whole.
    static constexpr Korv::Seconds patience = 5;
+   // From the start, for a copy that is not whole whatever comes.
+   static constexpr Korv::Seconds longestCopy = 60;
 
    ShowSource( Linux::RealActivity & activity, Linux::StreamAddress const & address );
 
@@ -52,7 +57,8 @@ class ShowSource {
    // Of the stream at hand.
    Korv::U64 number_ = 0;
    Korv::U64 messages_ = 0;
-   Korv::Seconds lastMessage_;
+   Korv::Seconds begin_ = Korv::now();
+   Korv::Seconds lastMessage_ = begin_;
    std::optional< Korv::Seconds > brought_;
    bool hasBeenWhole_ = false;
 };

@@ -1,5 +1,7 @@
 #include "command/show/ShowView.h"
 
+#include "command/report/Words.h"
+
 #include <algorithm>
 #include <map>
 #include <tuple>
@@ -7,13 +9,6 @@
 namespace Command {
 
 namespace {
-
-// Whoever is at the other end chose the names, and a terminal obeys what it is sent.
-std::string printable( std::string text ) {
-   std::ranges::replace_if(
-      text, []( unsigned char c ) { return c < ' ' || c == 0x7F; }, '?' );
-   return text;
-}
 
 bool isDeclared( Mrp::MrpApplicantState state ) {
    switch ( state ) {

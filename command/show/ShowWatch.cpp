@@ -34,7 +34,7 @@ class Watch {
    Watch( ShowOptions const & options, Linux::RealActivity & activity,
           std::list< ShowSource > & sources, std::ostream & out )
       : options_( options ), activity_( activity ), sources_( sources ), out_( out ),
-        signals_( activity, { SIGINT, SIGTERM, SIGHUP, SIGWINCH, SIGTSTP },
+        signals_( activity, { SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGWINCH, SIGTSTP },
                   [this]( int signal ) { handleSignal( signal ); } ) {
       if ( !options.json && terminalSize( out ) ) {
          screen_.emplace( activity, out, [this]( ShowScreen::Key key ) { handleKey( key ); } );

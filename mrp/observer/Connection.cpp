@@ -63,6 +63,9 @@ void Connection::handleReady( Korv::U32 ready ) {
       mirror_.handleBytes( std::span( bytes ).first( static_cast< std::size_t >( got ) ) );
    } catch ( StreamError const & error ) {
       return handleEnd( error.what() );
+   } catch ( ... ) { // the mirror's stream has ended, whatever it was
+      handleEnd( "what has arrived could not be applied" );
+      throw;
    }
    // Sense has been made of it: the next attempt may come soon.
    delay_ = mirror_.messages() > 0 ? firstDelay : delay_;

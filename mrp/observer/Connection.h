@@ -3,6 +3,7 @@
 // Owned by the observer's process, made after the activity. Whatever ends a stream, the server's
 // end, a broken connection or bytes that make no sense, it waits and connects anew, at first soon
 // and then at longer intervals; the mirror keeps what it had until the next stream says otherwise.
+// What a watcher of the mirror throws ends the stream too, and then leaves the loop.
 #pragma once
 
 #include "mrp/observer/Mirror.h"

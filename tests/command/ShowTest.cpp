@@ -239,12 +239,12 @@ TEST( ShowTest, filtersByAnyOfAKindAndAllOfDifferentKinds ) {
 }
 
 TEST( ShowTest, keepsNamesFromCommandingTheTerminal ) {
-   Shown shown( Mrp::MVRP, { "e\033[2J" } );
-   shown.participant.declare( "e\033[2J", Vlan{ 1 }, JoinIn );
+   Shown shown( Mrp::MVRP, { "e\033[2\xC2\x9B" } );
+   shown.participant.declare( "e\033[2\xC2\x9B", Vlan{ 1 }, JoinIn );
    shown.participant.advanceBy( 1 );
    std::string const text = shown.text( 80 );
    EXPECT_EQ( text.find( '\033' ), std::string::npos );
-   EXPECT_THAT( text, HasSubstr( "e?[2J         1  QA   MT" ) );
+   EXPECT_THAT( text, HasSubstr( "e?[2?         1  QA   MT" ) );
 }
 
 // However the stream is cut: what has been told of has been brought exactly when nothing is

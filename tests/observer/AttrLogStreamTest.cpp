@@ -212,10 +212,12 @@ TEST( AttrLog, tellsOfCountersOnceATurn ) {
    counters.numOfIncorrectPduVersionIs( 1 );
    EXPECT_THAT( sender.said(), ElementsAre( "1 260" + value( "07" ), "1 266" + value( "03" ),
                                             "1 258" + value( "01" ) ) );
-   // Nor is a stream that its entity has left.
+   // Nor is a stream that its entity has left; another one does not begin.
    counters.numOfJoinIndicationsInc( 1 );
    sender.entity = nullptr;
    EXPECT_THAT( sender.said(), ElementsAre( "1 266" + value( "04" ) ) );
+   sender.adapter.doRemountSelf( &sender.output );
+   EXPECT_THAT( sender.said(), IsEmpty() );
 }
 
 TEST( AttrLog, saysNothingWhileSuspendedAndEverythingAfterwards ) {

@@ -109,6 +109,20 @@ TEST( Mirror, equalsTheOriginalWheneverTheStreamIsIdle ) {
    }
 }
 
+// Behind a span that runs over the end of the ring: not what stands there anyway.
+TEST( Mirror, takesAZeroForAByte ) {
+   Original original;
+   auto * const vlans = original.status->applicationIs( MVRP )
+                           ->attrDatabaseIs( Pelk::IntfId( "e1" ) )
+                           ->intfTypeApplicantIs( 1 );
+   vlans->mrpAttributeIs( 10 )->attributeValueMetadataIs( { 64, 2 } );
+   MirrorLine line( original.mounts );
+   line.moveAll();
+   vlans->mrpAttribute( 10 )->attributeValueEnq( 0 );
+   line.moveAll();
+   EXPECT_EQ( textOf( line.mirror() ), original.text() );
+}
+
 struct Watcher : MrpAttrDatabase::Reactor {
    void onApplicantState() override { ++changes; }
    int changes = 0;

@@ -123,6 +123,25 @@ TEST_P( Sockets, areFoundAgain ) {
    EXPECT_EQ( observer.connection.streams(), 2u );
 }
 
+// What it throws leaves the loop, and ends the stream and nothing more.
+TEST_P( Sockets, surviveAWatcherThatThrows ) {
+   struct Watcher : Mrp::MrpConfig::Reactor {
+      void onLeaveTime() override { throw std::runtime_error( "watcher" ); }
+   };
+   Scene scene( address() );
+   Observer observer( scene );
+   ASSERT_TRUE( scene.runUntil( [&] { return scene.isMirrored( observer ); } ) );
+   {
+      Watcher watcher;
+      watcher.notifierIs( &observer.mirror.config() );
+      scene.config->leaveTimeIs( 3 );
+      EXPECT_THROW( scene.activity.runFor( 5 ), std::runtime_error );
+   }
+   EXPECT_FALSE( observer.connection.connected() );
+   scene.config->leaveTimeIs( 4 );
+   EXPECT_TRUE( scene.runUntil( [&] { return scene.isMirrored( observer ); } ) );
+}
+
 // Tens of thousands of adapters go with an observer, but the engine must not wait for that.
 TEST_P( Sockets, dropAdaptersInPieces ) {
    Scene scene( address() );

@@ -18,7 +18,7 @@ void Adapter::doRemountSelf( Output * output ) {
    std::size_t limit = noLimit;
    doDropChildren( limit );
    output_ = nullptr;
-   if ( output ) {
+   if ( output && hasEntity() ) {
       doStart( output, 0, 0 );
    }
 }

@@ -37,7 +37,7 @@ class Adapter {
 
    // ---- Sending -------------------------------------------------------------------------------
    // Attaches to a stream, from the start: another identifier, the orphan record, everything. Null
-   // detaches, and changes go nowhere.
+   // detaches, and changes go nowhere; so does a stream for an entity that has ended.
    void doRemountSelf( Output * output );
    // The same for a child, with its place under its parent's identifier.
    void handleAttached( Output * output, U64 parent, U16 parentAttrId ) {

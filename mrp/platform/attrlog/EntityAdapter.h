@@ -163,6 +163,8 @@ class EntityAdapter : public Adapter, public E::Reactor {
 
    template < std::size_t place >
    void deserialize( S16 attrId, ByteReader & in );
+   template < std::size_t place >
+   void doGrowSpan( U8 slot );
    template < std::size_t place, class Key >
    void deserializeChild( Key const & key, ByteReader & in );
    template < std::size_t place, class Key >

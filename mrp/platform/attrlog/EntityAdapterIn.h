@@ -55,6 +55,7 @@ void EntityAdapter< E >::deserialize( S16 attrId, ByteReader & in ) {
       }
       if constexpr ( T::kind == Kind::queue ) {
          apply( attribute.number, attribute.mutator, key, in.template get< U8 >() );
+         doGrowSpan< place >( key );
       } else if constexpr ( T::kind == Kind::map ) {
          auto const value = in.template get< typename T::Value >();
          doCountMember< place >( key );
@@ -66,6 +67,23 @@ void EntityAdapter< E >::deserialize( S16 attrId, ByteReader & in ) {
          deserializeChild< place >( key, in );
       }
    }
+}
+
+// A 0 next to a span that does not begin at slot 0: the entity takes it for what is there already.
+template < class E >
+template < std::size_t place >
+void EntityAdapter< E >::doGrowSpan( U8 slot ) {
+   auto const & bytes = collection< place >();
+   if ( isMember( bytes, slot ) ) {
+      return;
+   }
+   bool const isBehind = bytes.position( bytes.count() ) == slot;
+   ByteReader::checked( isBehind || ( slot + 1u ) % byteQueueSlots == bytes.head(),
+                        "a byte away from its value" );
+   constexpr auto attribute = std::get< place >( table.list );
+   auto const [head, count] = bytes.metadata();
+   apply( attribute.metadataNumber, attribute.metadataMutator,
+          ByteQueueMetadata{ isBehind ? head : slot, static_cast< U8 >( count + 1 ) } );
 }
 
 template < class E >

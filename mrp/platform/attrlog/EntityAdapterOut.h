@@ -105,11 +105,14 @@ bool EntityAdapter< E >::isPending() const {
 template < class E >
 template < std::size_t place, class Key, class Member >
 void EntityAdapter< E >::nboAttrLogAdapterIs( Key const & key, Member & member ) {
-   using Child = typename TraitsAt< place >::Adapter;
-   std::unique_ptr< Child > & adapter =
-      std::get< place >( kept_ ).adapters.findOrMake( key, [] { return nullptr; } );
-   if ( !adapter || adapter->entity() != &member ) {
-      adapter = std::make_unique< Child >( member );
+   auto const make = [&] {
+      return std::make_unique< typename TraitsAt< place >::Adapter >( member );
+   };
+   auto & adapter = std::get< place >( kept_ ).adapters.findOrMake( key, make );
+   if ( adapter->entity() != &member ) {
+      adapter = make();
+   }
+   if ( !adapter->output() ) {
       adapter->forcedIs( forced() );
       adapter->handleAttached( output(), identifier(), std::get< place >( table.list ).number );
    }
@@ -181,9 +184,6 @@ void EntityAdapter< E >::korvHandleSerializeSing( Key const & key ) {
 // Of the hundreds of thousands of attributes that a stream begins with, each is told in one step.
 template < class E >
 bool EntityAdapter< E >::doSerializeAll() {
-   if constexpr ( gathers ) {
-      listensIs( true ); // it may have been on another stream
-   }
    if constexpr ( isSmall ) {
       forEachPlace( table, [&]( auto place ) {
          constexpr auto attribute = std::get< place >( table.list );
@@ -199,6 +199,9 @@ bool EntityAdapter< E >::doSerializeAll() {
             korvHandleSerialize< place >();
          }
       } );
+   }
+   if constexpr ( gathers ) {
+      listensIs( true ); // it may have been on another stream, with a flow pending
    }
    return isSmall;
 }

@@ -7,7 +7,8 @@
 //     of rows_[ r ].
 //  2. A walk survives any change of the map: it finds its next member by key.
 //
-// A pointer to a value is good until the next change of the map.
+// A pointer to a value is good until the next change of the map. A newcomer for which there is no
+// memory leaves the map as it was.
 #pragma once
 
 #include "mrp/platform/korv/InsertOrAssign.h"
@@ -227,14 +228,34 @@ class OrderedMap {
                                 : lowerBound( key );
    }
 
+   // Room for one more, by doubling.
+   template < class Vector >
+   static void makeRoom( Vector & in ) {
+      if ( in.size() == in.capacity() ) {
+         in.reserve( std::max( 2 * in.size(), std::size_t{ 1 } ) );
+      }
+   }
+
+   // All memory is taken before anything is moved.
    Place insertAt( Place place, K const & key, V && value ) {
-      if ( rows_.empty() ) {
-         rows_.emplace_back();
-         lowest_.push_back( key );
-      } else if ( rows_[place.row].keys.size() >= rowSize ) {
+      bool const isFull = !rows_.empty() && rows_[place.row].keys.size() >= rowSize;
+      if ( isFull || rows_.empty() ) {
+         last_ = {}; // rows move
+         makeRoom( rows_ );
+         makeRoom( lowest_ );
+      }
+      if ( isFull ) {
          place = splitAt( place );
+      } else if ( rows_.empty() ) {
+         Row first;
+         makeRoom( first.keys );
+         makeRoom( first.cells );
+         rows_.push_back( std::move( first ) );
+         lowest_.push_back( key );
       }
       Row & row = rows_[place.row];
+      makeRoom( row.keys );
+      makeRoom( row.cells );
       auto const offset = static_cast< std::ptrdiff_t >( place.at );
       row.keys.insert( row.keys.begin() + offset, key );
       row.cells.insert( row.cells.begin() + offset, Cell{ std::move( value ) } );
@@ -251,6 +272,9 @@ class OrderedMap {
       std::size_t const keep = place.at == row.keys.size() ? row.keys.size() : row.keys.size() / 2;
       auto const offset = static_cast< std::ptrdiff_t >( keep );
       Row upper;
+      std::size_t const room = row.keys.size() - keep + 1;
+      upper.keys.reserve( room );
+      upper.cells.reserve( room );
       upper.keys.assign( row.keys.begin() + offset, row.keys.end() );
       upper.cells.assign( std::make_move_iterator( row.cells.begin() + offset ),
                           std::make_move_iterator( row.cells.end() ) );

@@ -10,8 +10,8 @@
 //
 // Entered as the connection's output, the server says whose send buffer the commits of the engine
 // look at. Who is slow must hold up nobody but himself as long as another keeps up: it is that of
-// one observer for as long as less than half of it is unsent, at first the one that has been there
-// longest, and then that of whoever has the least unsent.
+// one observer for as long as no more than half of it is unsent, at first the one that has been
+// there longest, and then that of whoever has the least unsent.
 //
 // Owned by the agent, made after the activity and gone before it.
 #pragma once
