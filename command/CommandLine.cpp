@@ -156,7 +156,7 @@ void describeRun( CLI::App & mrp, Run & run ) {
       "interface, what happened to what.\n"
       "\n"
       "A talker is given as stream=ID,dest=MAC,frame-size=BYTES and, where the default will not\n"
-      "do, interval-frames=N [1], class=A|B [A], vlan=VLAN [that of the class], rank=0|1 [1],\n"
+      "do, interval-frames=N [1], class=A..G [A], vlan=VLAN [that of the class], rank=0|1 [1],\n"
       "latency=NANOSECONDS [0]. An ID is eight bytes: 02:00:00:00:00:01:00:07. A domain is given\n"
       "as class=A,priority=3,vlan=2, which is class A if nothing is said; class B has priority 2.\n"
       "\n"
