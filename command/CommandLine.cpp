@@ -75,7 +75,8 @@ void describeReplay( CLI::App & mrp, Run & run ) {
       "The participant starts at time 0 with all interfaces, on a virtual clock. The earliest\n"
       "frame of all captures arrives at time 0 and the others at their distance from it, through\n"
       "the filter that the participant has on a socket. What is due by the time of a frame\n"
-      "happens before it.\n"
+      "happens before it. Every frame counts as heard: a capture made beside a participant has to\n"
+      "leave out what that one sent, as tcpdump -Q in does.\n"
       "\n"
       "The times of LeaveAll are drawn with the C library's rand() and its default seed: the same\n"
       "captures and options always give the same output.\n"
@@ -267,6 +268,13 @@ std::string usageWords( CLI::App const & app, CLI::ParseError const & error, int
       return "there is no subcommand '" + std::string( argv[1] ) + "' (see mrp -h)";
    }
    std::string const subcommand = chosen.empty() ? "" : chosen.front()->get_name() + " ";
+   if ( !chosen.empty() ) {
+      for ( std::string const & text : chosen.front()->remaining() ) {
+         if ( text.starts_with( '-' ) ) {
+            return "there is no option '" + text + "' (see mrp " + subcommand + "-h)";
+         }
+      }
+   }
    return error.what() + ( " (see mrp " + subcommand + "-h)" );
 }
 
