@@ -52,6 +52,8 @@ grep -q '^mrp: metrics: tcp:127.0.0.1:9100: .*in use' "$work/taken.err" || fail 
 # More of those that never end what they have to say than there is room for: each gets its few
 # seconds, and the scrape its turn. Meanwhile the protocol goes on.
 scraped right '
+descriptors = lambda: len( os.listdir( f"/proc/{pid}/fd" ) )
+before = descriptors()
 noise = b"GET /metrics HTTP/1.1\r\nHost: a\r\nX: " + b"x" * 100000
 for text in ( b"", b"GET /met", noise, b"\0" * 5000, b"POST /metrics HTTP/1.1\r\nContent-Length: 9\r\n\r\n" ) * 2:
    held = socket.create_connection( ( "127.0.0.1", 9100 ) )
@@ -71,8 +73,6 @@ for held in all:
    except ConnectionError:
       pass
 # All that it has room for end at one and the same time.
-descriptors = lambda: len( os.listdir( f"/proc/{pid}/fd" ) )
-before = descriptors()
 many = [ socket.create_connection( ( "127.0.0.1", 9100 ) ) for n in range( 20 ) ]
 while descriptors() < before + 8:
    time.sleep( 0.01 )
