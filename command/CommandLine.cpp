@@ -75,7 +75,8 @@ void describeReplay( CLI::App & mrp, Run & run ) {
       "The participant starts at time 0 with all interfaces, on a virtual clock. The earliest\n"
       "frame of all captures arrives at time 0 and the others at their distance from it, through\n"
       "the filter that the participant has on a socket. What is due by the time of a frame\n"
-      "happens before it.\n"
+      "happens before it. Every frame counts as heard: a capture made beside a participant has to\n"
+      "leave out what that one sent, as tcpdump -Q in does.\n"
       "\n"
       "The times of LeaveAll are drawn with the C library's rand() and its default seed: the same\n"
       "captures and options always give the same output.\n"
@@ -156,7 +157,7 @@ void describeRun( CLI::App & mrp, Run & run ) {
       "interface, what happened to what.\n"
       "\n"
       "A talker is given as stream=ID,dest=MAC,frame-size=BYTES and, where the default will not\n"
-      "do, interval-frames=N [1], class=A|B [A], vlan=VLAN [that of the class], rank=0|1 [1],\n"
+      "do, interval-frames=N [1], class=A..G [A], vlan=VLAN [that of the class], rank=0|1 [1],\n"
       "latency=NANOSECONDS [0]. An ID is eight bytes: 02:00:00:00:00:01:00:07. A domain is given\n"
       "as class=A,priority=3,vlan=2, which is class A if nothing is said; class B has priority 2.\n"
       "\n"
@@ -267,6 +268,13 @@ std::string usageWords( CLI::App const & app, CLI::ParseError const & error, int
       return "there is no subcommand '" + std::string( argv[1] ) + "' (see mrp -h)";
    }
    std::string const subcommand = chosen.empty() ? "" : chosen.front()->get_name() + " ";
+   if ( !chosen.empty() ) {
+      for ( std::string const & text : chosen.front()->remaining() ) {
+         if ( text.starts_with( '-' ) ) {
+            return "there is no option '" + text + "' (see mrp " + subcommand + "-h)";
+         }
+      }
+   }
    return error.what() + ( " (see mrp " + subcommand + "-h)" );
 }
 

@@ -88,12 +88,8 @@ int runOnLinux( RunArguments const & arguments, RunSettings const & settings, st
       host.interfaceIs( intfId );
    }
    std::optional< RunAgent > agent;
-   // Neither calls before the loop runs.
-   auto const stream = RunStream::offered(
-      settings, activity, host.em()->name(),
-      [&agent]( Korv::NboAttrLog::Output & output ) { return agent->mirror( output ); }, err );
-   auto const metrics = metricsServed( settings, activity, [&agent] { return agent->metrics(); } );
-   agent.emplace( settings, host, out, [&activity] { activity.doStop(); } );
+   // None of these three calls before the loop runs. The signals are held until the stream has
+   // gone: a second Ctrl-C, or a first one early, must not leave its socket behind.
    Linux::SignalWatch const signals( activity, { SIGTERM, SIGINT, SIGUSR1, SIGUSR2 },
                                      [&]( int signal ) {
                                         switch ( signal ) {
@@ -102,6 +98,11 @@ int runOnLinux( RunArguments const & arguments, RunSettings const & settings, st
                                         default: activity.doStop();
                                         }
                                      } );
+   auto const stream = RunStream::offered(
+      settings, activity, host.em()->name(),
+      [&agent]( Korv::NboAttrLog::Output & output ) { return agent->mirror( output ); }, err );
+   auto const metrics = metricsServed( settings, activity, [&agent] { return agent->metrics(); } );
+   agent.emplace( settings, host, out, [&activity] { activity.doStop(); } );
    activity.run();
    agent->stop();
    return 0;

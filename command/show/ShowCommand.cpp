@@ -14,20 +14,24 @@
 #include <map>
 #include <sstream>
 #include <system_error>
+#include <unistd.h>
 
 namespace Command {
 
 namespace {
 
-constexpr char const * howToStart = "mrp run makes one, as in: mrp run --application mvrp eth0";
+std::string howToStart() {
+   return std::string( "mrp run makes one, as in: mrp run --application mvrp eth0" ) +
+          ( ::geteuid() == 0 ? "" : "; that of root is in /run/mrp, for root to see" );
+}
 
 // The sockets of the default folder, by name.
 std::vector< Linux::StreamAddress > defaultAddresses() {
    std::string const folder = defaultStreamFolder();
    if ( folder.empty() ) {
-      throw CommandError( std::string( "no socket is given, and without XDG_RUNTIME_DIR there is "
-                                       "no folder to look in: " ) +
-                          howToStart );
+      throw CommandError( "no socket is given, and without XDG_RUNTIME_DIR there is no folder to "
+                          "look in: " +
+                          howToStart() );
    }
    std::vector< Linux::StreamAddress > addresses;
    std::error_code error;
@@ -43,7 +47,7 @@ std::vector< Linux::StreamAddress > defaultAddresses() {
    }
    if ( addresses.empty() ) {
       throw CommandError( "there is no participant to show: no socket is in " + folder + "; " +
-                          howToStart );
+                          howToStart() );
    }
    std::ranges::sort( addresses, {}, &Linux::StreamAddress::path );
    return addresses;

@@ -139,8 +139,7 @@ class Watch {
       } else {
          head += std::to_string( connected ) + " of " + std::to_string( all.size() ) + " connected";
       }
-      screen_->draw(
-         frame_.picture( head + "  (q quits, arrows scroll)", lines_, size, Korv::now() ) );
+      screen_->draw( frame_.picture( head + "  (arrows, q quits)", lines_, size, Korv::now() ) );
    }
 
    // What differs from the last one; much changes that is not shown.

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs a build into a prefix of its own, builds the agent against it with
-# find_package( mrp ) and with pkg-config, and runs both; then the installed command.
+# Installs a build into a prefix of its own, builds the agent and the observer against it with
+# find_package( mrp ) and with pkg-config, and runs them; then the installed command.
 # Environment: CMAKE, BUILD (the build folder), CXX and CXXFLAGS (those of that build).
 set -euo pipefail
 
@@ -18,16 +18,20 @@ libdir=$(dirname "$(find "$prefix" -name 'libmrp.*' -print -quit)")
 export LD_LIBRARY_PATH=$libdir
 
 echo "by find_package"
-"$CMAKE" -S "$here" -B "$work/agent" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
+"$CMAKE" -S "$here" -B "$work/built" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
    -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_CXX_FLAGS="$CXXFLAGS"
-"$CMAKE" --build "$work/agent"
-"$work/agent/agent"
+"$CMAKE" --build "$work/built"
+"$work/built/agent"
+"$work/built/observer"
 
 echo "by pkg-config"
-flags=$(PKG_CONFIG_PATH=$libdir/pkgconfig pkg-config --cflags --libs mrp)
-# shellcheck disable=SC2086
-"$CXX" -std=c++20 $CXXFLAGS "$here/agent.cpp" $flags -o "$work/agent-pc"
-"$work/agent-pc"
+export PKG_CONFIG_PATH=$libdir/pkgconfig
+for program in agent:mrp observer:mrp-observer; do
+   flags=$(pkg-config --cflags --libs "${program#*:}")
+   # shellcheck disable=SC2086
+   "$CXX" -std=c++20 $CXXFLAGS "$here/${program%:*}.cpp" $flags -o "$work/program"
+   "$work/program"
+done
 
 if [ -e "$BUILD/bin/mrp" ]; then
    echo "the command"

@@ -71,6 +71,13 @@ until_true reads $usual || fail "the abandoned socket was not taken over"
 [ ! -s "$work/right.err" ] || fail "something is said about it"
 stop right || fail "SIGTERM does not end the command with 0"
 [ ! -e $usual ] || fail "the socket is left behind"
+# Nor does one leave it that is told again and again.
+run right right --application mvrp "${long[@]}" eth0
+until_true is_socket $usual || fail "no socket at the usual place"
+while kill "${pids[right]}" 2> /dev/null; do :; done
+wait "${pids[right]}" || true
+unset "pids[right]"
+[ ! -e $usual ] || fail "the socket is left behind by a second signal"
 
 # A place of its own, or none.
 run left left --application mvrp --socket "$work/own" --declare 10 "${long[@]}" eth0

@@ -27,8 +27,9 @@ command -v python3 > /dev/null || skip "no python3"
 if [ -z "${MRP_INSIDE-}" ]; then
    own=( unshare --net --mount --pid --fork --kill-child --mount-proc )
    "${own[@]}" true 2> /dev/null || own+=( --map-root-user )
-   "${own[@]}" bash -c 'mount -t tmpfs none /run && ip netns add try && ip netns exec try true' \
-      > /dev/null 2>&1 || skip "no network namespaces to be had here"
+   problem=$("${own[@]}" bash -c \
+      'mount -t tmpfs none /run && ip netns add try && ip netns exec try true' 2>&1) ||
+      skip "no network namespaces to be had here (${problem##*$'\n'})"
    MRP_INSIDE=yes exec "${own[@]}" bash "$0" "$@"
 fi
 mount -t tmpfs none /run
