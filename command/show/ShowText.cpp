@@ -76,11 +76,12 @@ void addCounters( ShowLines & lines, ShowView const & view ) {
 }
 
 void addParticipant( ShowLines & lines, ShowView const & view ) {
-   std::string times = "leave " + secondsWord( view.leaveTime ) + ", LeaveAll " +
-                       secondsWord( view.leaveAllTime ) + ", leave after an own LeaveAll ";
+   std::string times =
+      "leave " + secondsWord( view.leaveTime ) + ", LeaveAll " + secondsWord( view.leaveAllTime );
    // Exactly this one stands for the leave time.
-   times +=
-      view.txLeaveAllExpiryTime == 0.6 ? "the same" : secondsWord( view.txLeaveAllExpiryTime );
+   if ( view.txLeaveAllExpiryTime != 0.6 ) {
+      times += ", leave after our own LeaveAll " + secondsWord( view.txLeaveAllExpiryTime );
+   }
    addLabelled( lines, "timers", times + ( view.timersEnabled ? "" : "; switched off" ) );
    addLabelled( lines, "flooding", view.mrpFlooding ? "on" : "off" );
    addCounters( lines, view );

@@ -84,7 +84,7 @@ TEST( ShowTest, showsVlansInRowsThatTheyShare ) {
                                   Mrp::mrpMt );
    EXPECT_EQ( shown.text( 80 ),
               "MVRP at unix:/run/x.sock\n"
-              "timers       leave 0.6 s, LeaveAll 10 s, leave after an own LeaveAll 2 s\n"
+              "timers       leave 0.6 s, LeaveAll 10 s, leave after our own LeaveAll 2 s\n"
               "flooding     off\n"
               "frames       2 heard, 2 sent\n"
               "indications  4 joins, 0 leaves\n"
