@@ -10,7 +10,6 @@ using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
 constexpr unsigned leaveAllEvent = 6;
-constexpr unsigned internalLeave = 7;
 
 class SendDoor : public testing::Test {
  protected:
