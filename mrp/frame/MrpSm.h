@@ -341,7 +341,8 @@ class MrpSm : public Korv::PtrInterface {
       return parseContext_->placeChanges() + Korv::membershipChanges< Korv::Entity >;
    }
    U64 attributeState() const {
-      return typeState() + parseContext_->keyChanges() + Korv::membershipChanges< MrpAttrDatabase >;
+      return parseContext_->attributeChanges() + Korv::membershipChanges< Korv::Entity > +
+             Korv::membershipChanges< MrpAttrDatabase >;
    }
    bool nothingIsPending() const { return addPendingAttr_.empty() && deletePendingAttr_.empty(); }
    MrpAttrDatabase * mrpFindAttribute( bool addIfNotFound );
