@@ -48,8 +48,7 @@ void MrpLeaveSm::handleLeaveTimer() {
 
 // A join that waits in the socket is to reach the registrar before its attribute expires.
 void MrpLeaveSm::doReceiveWaitingFrame() {
-   // Not held: over the frame the application may close the interface and open it anew, and a
-   // machine that closed only after its successor had opened would take its LeaveAll along.
+   // Not held: see MrpIntfPamSm.h.
    MrpIntfPamSm * const intf = mrpSm_->mrpPamSm()->mrpIntfPamSm( key_.intfId() );
    if ( !intf ) {
       return;

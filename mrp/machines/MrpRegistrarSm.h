@@ -103,6 +103,7 @@ class MrpRegistrarSm : public Korv::PtrInterface {
       MrpRegistrarSm & sm_;
    };
 
+   // A cell of the table: RegistrarTable.h.
    template < RegistrarStep... steps >
    friend bool runSteps( MrpRegistrarSm & sm, MrpRegistrarState state, MrpRegistrarEvent event );
    template < RegistrarStep step >
