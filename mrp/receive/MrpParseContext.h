@@ -53,8 +53,8 @@ class MrpParseContext : public Korv::NamedEntity {
          set( attributeKey_, v, &Reactor::onAttributeKey );
       }
    }
-   // How often interface or type have changed, and the key: who has looked the attribute up
-   // compares.
+   // How often interface or type have changed, and how often the key has: whoever remembers what it
+   // found for them sees by these whether that still holds.
    U64 placeChanges() const { return placeChanges_; }
    U64 keyChanges() const { return keyChanges_; }
    // A MrpThreePackedEvent number.
