@@ -8,8 +8,8 @@
 // This class is where the rooms of the engine meet: it owns their objects and holds the state that
 // they share. What it does in a room stands in a file of that room, and each section below names
 // the file with its bodies; read them in the order of receive, machines, database, transmit. Public
-// is what others call: an agent, a machine, an encoder, a watcher. The steps that only the bodies
-// of one file take are private.
+// is what others call: an agent, a machine, an encoder, a watcher. The steps that only this class
+// itself takes are private.
 //
 // Owns: every machine, the parser's working state, the queues between parser and machines, the
 // pending sets, the index, the timer wheel and the packet access objects. Shares with the agent:
