@@ -91,8 +91,9 @@ MrpParseStatus MrpSm::parseVectorAttribute( Korv::Ptr< Pelk::Pkt > const & pkt )
 
 namespace {
 
-// Reached only with an AttributeLength of 0. The vector's body stays where it is, and what follows
-// decides what becomes of the list.
+// A type that the application lacks has the size 0, so that parseMessage lets it pass if its
+// AttributeLength is 0, and only then. The vector's body is not consumed: the list goes on with it
+// as if it were the next vector.
 MrpParseStatus unidentifiedType( MrpSm & mrpSm ) {
    U8 const type = mrpSm.parseContext()->attributeType();
    trace( 4, " ######## Unidentified attribute type = ", type );

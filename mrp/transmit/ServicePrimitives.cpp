@@ -18,7 +18,7 @@ void MrpLib::mrpInterfaceEnable( Pelk::IntfId intfId ) {
 void MrpLib::mrpInterfaceDisable( Pelk::IntfId intfId ) {
    trace( 8, "MrpLib::mrpInterfaceDisable( ", intfId, " )" );
    mrpSm_->mrpTransmitTxAttributes( intfId );
-   // One that stayed open, because the Pam had gone, ends here.
+   // A frame that stayed open because the Pam had gone ends here, unsent.
    mrpTxPacketContextDel( intfId );
    mrpTxSecondPacketContextDel( intfId );
    mrpCleanUpIntfDatabase( intfId );
