@@ -13,8 +13,7 @@ MrpApplicationDatabase * MrpSm::applicationDatabase() const {
 
 MrpIntfTypeApplicant * MrpSm::searchType( Pelk::IntfId intfId, U8 attributeType ) const {
    MrpApplicationDatabase const * const database = applicationDatabase();
-   MrpIntfApplicant const * const intf = database ? database->attrDatabase( intfId ) : nullptr;
-   return intf ? intf->intfTypeApplicant( attributeType ) : nullptr;
+   return database ? database->intfTypeApplicant( intfId, attributeType ) : nullptr;
 }
 
 MrpAttrDatabase * MrpSm::mrpGetAttrFromDatabase( Pelk::IntfId intfId, U8 attributeType,
@@ -41,7 +40,7 @@ MrpAttrDatabase * MrpSm::mrpGetAttrFromDatabase( Pelk::IntfId intfId, U8 attribu
    return found;
 }
 
-// Each level is held: its announcement may end it.
+// Each level is held: a watcher that hears of it may take it out of the tree again.
 Korv::Ptr< MrpAttrDatabase > MrpSm::createEntryInDatabase( Pelk::IntfId intfId, U8 attributeType,
                                                            U64 attributeKey ) {
    Korv::Ptr< MrpApplicationDatabase > const database = applicationDatabase();

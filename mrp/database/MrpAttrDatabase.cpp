@@ -7,7 +7,8 @@ Korv::Ptr< MrpAttrDatabase > MrpAttrDatabaseIs( U64 mrpAttributeKey ) {
 }
 
 void MrpAttrDatabase::attributeValueIs( U32 index, U8 byte ) {
-   // For a span from slot 0, any slot of it that holds the byte already: nothing to tell.
+   // A byte that its slot holds already is not announced. The slots below the count are those of a
+   // span that begins in slot 0, as every value does.
    if ( index < attributeValue_.count() && attributeValue_.at( index ) == byte ) {
       return;
    }

@@ -22,6 +22,8 @@ class MrpAttrDatabase : public Korv::Entity {
       virtual void onAttributeValueMetadata() {}
    };
    class KorvNboAttrLogSa; // its adapter on the mirror stream: observability/AttrLogAdapters.h
+   // Attributes come and go with the traffic and the levels above them hardly ever, so that a
+   // change among attributes is counted apart: who remembers a level need not look it up again.
    using MembershipLevel = MrpAttrDatabase;
    // All values but a talker's (25 and 34 bytes) fit inside.
    using AttributeValue = Korv::ByteQueue< 14 >;
@@ -41,15 +43,16 @@ class MrpAttrDatabase : public Korv::Entity {
    void registrarStateIs( MrpRegistrarState v ) {
       set( registrarState_, v, &Reactor::onRegistrarState );
    }
-   // Brings the states near.
+   // Asks the processor to bring the states into its cache.
    void willBeRead() const { __builtin_prefetch( &registrarState_ ); }
    // Nothing declared, nothing registered: an attribute in these states is removed.
    bool inDefaultStates() const {
       return applicantState_ == mrpVeryAnxiousObserver && registrarState_ == mrpMt;
    }
 
-   // The value's bytes, as in the record of its kind, byte i in slot i. Throws RangeException for
-   // an index above 64 or one that is not in or next to the span.
+   // The value's bytes, as in the record of its kind, byte i in slot i. The slots in use are one
+   // span without holes. Throws RangeException for an index above 64, or for one that is neither in
+   // the span nor next to it.
    AttributeValue const & attributeValue() const { return attributeValue_; }
    void attributeValueIs( U32 index, U8 byte );
    void attributeValueEnq( U8 byte );

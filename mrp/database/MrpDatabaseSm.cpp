@@ -111,10 +111,9 @@ void MrpDatabaseDeleteSm::doWalk() { walkPending( mrpSm()->deletePendingAttr() )
 void MrpDatabaseDeleteSm::doCommit( MrpAttribute const & attribute ) {
    MrpApplicationDatabase const * const database =
       mrpSm()->mrpStatus()->application( mrpSm()->mrpLib()->application() );
-   MrpIntfApplicant const * const intf =
-      database ? database->attrDatabase( attribute.intfId() ) : nullptr;
    MrpIntfTypeApplicant * const type =
-      intf ? intf->intfTypeApplicant( attribute.attributeType() ) : nullptr;
+      database ? database->intfTypeApplicant( attribute.intfId(), attribute.attributeType() )
+               : nullptr;
    if ( type && type->mrpAttribute( attribute.attributeVal() ) ) {
       type->mrpAttributeDel( attribute.attributeVal() );
       trace( 7, "intf:", attribute.intfId(), " type = ", attribute.attributeType(), "key = 0x",

@@ -135,6 +135,11 @@ class MrpApplicationDatabase : public Korv::Entity {
       childDel( attrDatabase_, intfId, &Reactor::onAttrDatabase );
    }
    void attrDatabaseDelAll() { childDelAll( attrDatabase_, &Reactor::onAttrDatabase ); }
+   // Two levels down: the node of an interface and type, or null if either is missing.
+   MrpIntfTypeApplicant * intfTypeApplicant( Pelk::IntfId intfId, U8 attributeType ) const {
+      MrpIntfApplicant const * const intf = attrDatabase( intfId );
+      return intf ? intf->intfTypeApplicant( attributeType ) : nullptr;
+   }
 
    // The period chosen last per interface and type, in seconds; kept by the LeaveAll machines.
    LeaveAllTimes const & leaveAllTime() const { return leaveAllTime_; }

@@ -10,10 +10,7 @@ MrpAttrDatabase * MrpSm::addAttrToAddPending( MrpAttribute const & attribute ) {
    MrpAttrDatabase * const committed = mrpGetAttrFromDatabase(
       attribute.intfId(), attribute.attributeType(), attribute.attributeVal(), false );
    if ( committed ) {
-      if ( isDeletePending( attribute ) ) {
-         deletePendingAttrDel( attribute );
-      }
-      return committed;
+      return committed; // and not marked: the look-up hides what is
    }
    Korv::Ptr< MrpAttrDatabase > const copy = MrpAttrDatabaseIs( attribute.attributeVal() );
    addPendingAttrIs( attribute, copy );
@@ -41,16 +38,27 @@ void MrpSm::addAttrToDeletePending( MrpAttribute const & attribute ) {
       }
       return;
    }
-   // The mark comes first, and with it the look-up in removeAttrFromAddPending finds nothing: an
-   // attribute that has a pending copy too leaves the index here and not at the commit.
+   // The mark comes first. It hides the entry from the look-up in removeAttrFromAddPending, which
+   // therefore takes an attribute with a pending copy out of the index now, and not at the commit.
    deletePendingAttrIs( attribute, true );
    removeAttrFromAddPending( attribute );
    mrpDatabaseDeleteSm_->doUpdateReviewTimer();
 }
 
-void MrpSm::addPendingAttrIs( MrpAttribute const & attribute, Korv::Ptr< MrpAttrDatabase > copy ) {
+namespace {
+
+// A pending set that is about to change, and with it which attributes exist: counted, so that what
+// a look-up found before is looked up again.
+template < class Pending >
+Pending & changing( Pending & pending ) {
    ++Korv::membershipChanges< MrpAttrDatabase >;
-   addPendingAttr_.insertOrAssign( attribute, std::move( copy ) );
+   return pending;
+}
+
+} // namespace
+
+void MrpSm::addPendingAttrIs( MrpAttribute const & attribute, Korv::Ptr< MrpAttrDatabase > copy ) {
+   changing( addPendingAttr_ ).insertOrAssign( attribute, std::move( copy ) );
 }
 
 MrpAttrDatabase * MrpSm::addPendingAttr( MrpAttribute const & attribute ) const {
@@ -58,14 +66,10 @@ MrpAttrDatabase * MrpSm::addPendingAttr( MrpAttribute const & attribute ) const 
 }
 
 void MrpSm::addPendingAttrDel( MrpAttribute const & attribute ) {
-   ++Korv::membershipChanges< MrpAttrDatabase >;
-   addPendingAttr_.erase( attribute );
+   changing( addPendingAttr_ ).erase( attribute );
 }
 
-void MrpSm::addPendingAttrDelAll() {
-   ++Korv::membershipChanges< MrpAttrDatabase >;
-   addPendingAttr_.clear();
-}
+void MrpSm::addPendingAttrDelAll() { changing( addPendingAttr_ ).clear(); }
 
 bool MrpSm::isDeletePending( MrpAttribute const & attribute ) const {
    if ( deletePendingAttr_.empty() ) {
@@ -76,18 +80,13 @@ bool MrpSm::isDeletePending( MrpAttribute const & attribute ) const {
 }
 
 void MrpSm::deletePendingAttrIs( MrpAttribute const & attribute, bool v ) {
-   ++Korv::membershipChanges< MrpAttrDatabase >;
-   deletePendingAttr_.insertOrAssign( attribute, v );
+   changing( deletePendingAttr_ ).insertOrAssign( attribute, v );
 }
 
 void MrpSm::deletePendingAttrDel( MrpAttribute const & attribute ) {
-   ++Korv::membershipChanges< MrpAttrDatabase >;
-   deletePendingAttr_.erase( attribute );
+   changing( deletePendingAttr_ ).erase( attribute );
 }
 
-void MrpSm::deletePendingAttrDelAll() {
-   ++Korv::membershipChanges< MrpAttrDatabase >;
-   deletePendingAttr_.clear();
-}
+void MrpSm::deletePendingAttrDelAll() { changing( deletePendingAttr_ ).clear(); }
 
 } // namespace Mrp

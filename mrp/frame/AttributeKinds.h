@@ -26,8 +26,9 @@ namespace Mrp {
 MsrpTalkerAdvertiseAttribute
 mrpIncrementTalkerAttribute( MsrpTalkerAdvertiseAttribute const & value );
 
-// Both look at the sum alone. A dmac beyond 48 bits fails, stream ids wrap; classes and priorities
-// do not wrap.
+// Whether the value is as many steps on from the first as the vector has values already. Only the
+// fields that step are looked at. A stream id may wrap around; an address that would go beyond 48
+// bits, a class or a priority that would go beyond 8, is in no sequence.
 bool mrpTalkerValueInSequence( U64 firstStreamId, U64 streamId, Pelk::EthAddr const & firstDmac,
                                Pelk::EthAddr const & dmac, U16 numberOfValues );
 bool mrpDomainValueInSequence( U8 firstClassId, U8 classId, U8 firstPriority, U8 priority,

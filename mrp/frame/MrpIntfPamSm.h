@@ -5,8 +5,10 @@
 // socket.
 //
 // The application may close the interface in whatever it is told, and the machine ends there and
-// then, in the middle of its own work. So nobody holds one by a Ptr, and its operations touch
-// nothing of it once they have called something that may tell the application.
+// then, in the middle of its own work. So its operations touch nothing of it once they have called
+// something that may tell the application. And nobody holds one by a Ptr: the application may close
+// the interface and open it anew within one call, and a machine that was held and so closed only
+// after its successor had opened would end the LeaveAll of both.
 #pragma once
 
 #include "mrp/platform/pelk/IntfId.h"
@@ -29,7 +31,7 @@ class MrpIntfPamSm : public Korv::PtrInterface {
    Korv::Ptr< Pelk::Pam > const & pam() const { return pam_; }
    // Moves to another Pam, and reads one frame of it if it is a different one.
    void pamIs( Korv::Ptr< Pelk::Pam > pam );
-   // The first thing and the last: called by the constructor and by the destructor.
+   // Called by the constructor and by the destructor.
    void handleInitialized();
    void doClose();
    bool initialized() const { return initialized_; }
@@ -63,6 +65,7 @@ class MrpIntfPamSm : public Korv::PtrInterface {
    };
 
    MrpSm & mrpSm() const;
+
    Pelk::IntfId intfId_;
    Korv::Ptr< Pelk::Pam > pam_;
    KorvPam korvPam_{ *this };

@@ -127,7 +127,8 @@ class MrpLib : public Korv::Notifier {
    MrpSm * mrpSm() const { return mrpSm_; }
 
    // ---- receive/VectorDecoder.cpp -------------------------------------------------------------
-   // Moves the Rx field to the next value of the vector; for event 0 it stays the FirstValue.
+   // Moves the Rx field to the next value of the vector; for event 0 it stays the FirstValue. For a
+   // caller that does not know the kind: the decoder does, and steps the field by it.
    void mrpValueFromFirstValue( U16 eventNum );
    void mrpMsrpValueFromFirstValue();
    void mrpMvrpValueFromFirstValue();
@@ -156,7 +157,8 @@ class MrpLib : public Korv::Notifier {
    void mrpSendListenerVector( U8 event, Pelk::IntfId intfId, bool secondPktContext );
    void mrpSendDomainVector( U8 event, Pelk::IntfId intfId, bool secondPktContext );
    void mrpSendVlanVector( U8 event, Pelk::IntfId intfId, bool secondPktContext );
-   // Write one vector at curVector; the number of bytes written.
+   // Write one vector at curVector, for a caller that has the value at hand; the number of bytes
+   // written.
    U32 mrpEncodeTalkerVector( MrpTxPacketContext & packetContext,
                               MsrpTalkerAdvertiseAttribute const & talkerAdvertiseValue, U8 event );
    U32 mrpEncodeTalkerFailedVector( MrpTxPacketContext & packetContext,
@@ -169,7 +171,8 @@ class MrpLib : public Korv::Notifier {
                             U8 event );
 
    // ---- transmit/ServicePrimitives.cpp --------------------------------------------------------
-   // Names of primitives; both are empty. An application declares by mrpSendAttribute.
+   // Both do nothing. They bear the names of the standard's MAD_Join.request and MAD_Leave.request;
+   // here an application declares and withdraws by mrpSendAttribute.
    void mrpJoinReq( MrpParameters const & joinReq );
    void mrpLeaveReq( MrpParameters const & leaveReq );
    // The interface is wanted; frames go once its packet access has appeared.

@@ -33,7 +33,7 @@ void MrpPamSm::handleStandbyMode() {
    trace( 8, "void Mrp::MrpPamSm::handleStandbyMode()" );
    Korv::assertThat( initialized(), "initialized()" );
    for ( auto intf = mrpIntfPamSm_.walk(); intf; ++intf ) {
-      MrpIntfPamSm & sm = *intf.value(); // not held, as below
+      MrpIntfPamSm & sm = *intf.value(); // not held: see its header
       sm.standbyModeIs( standbyMode_ );
       sm.handleStandbyMode();
    }
@@ -79,9 +79,7 @@ void MrpPamSm::transmitAllLeaveAll( Pelk::IntfId intfId ) {
    Sornlog::log( Ring::pamTransmitAllLeaveAll, intfId );
    trace( 8, "MrpPamSm::transmitAllLeaveAll( ", intfId, " )" );
    Korv::assertThat( initialized() && !standbyMode(), "initialized() && !standbyMode()" );
-   // Not held: the application may close the interface meanwhile and open it anew, and a machine
-   // that closed only after its successor had opened would take its LeaveAll along.
-   if ( MrpIntfPamSm * const sm = mrpIntfPamSm( intfId ) ) {
+   if ( MrpIntfPamSm * const sm = mrpIntfPamSm( intfId ) ) { // not held: see its header
       sm->transmitAllLeaveAll();
    }
 }

@@ -64,8 +64,8 @@ class MrpPamSm : public Korv::PtrInterface {
 
    Korv::Ptr< Interface::EthDevPamCollection > pamCollection_;
    bool standbyMode_;
-   MrpSm * mrpSm_;           // the participant, not owned
-   IntfPamSms mrpIntfPamSm_; // its machines end before what stands above
+   MrpSm * mrpSm_;           // the owner
+   IntfPamSms mrpIntfPamSm_; // behind mrpSm_, which its machines need as they end
    bool initialized_ = false;
    KorvPamCollection korvPamCollection_{ *this };
 };

@@ -22,7 +22,8 @@ constexpr U32 tickMsecs = 100;
 constexpr U32 initialMaxTicks = 60000;
 constexpr U32 defaultBucketSize = 1024;
 
-// The entity that is held, made if it is not there yet: it outlasts a second call.
+// The entity that is held, made if it is not there yet: one that exists keeps its watchers over a
+// second call.
 template < class E >
 E & namedIs( Korv::Ptr< E > & held, char const * name ) {
    if ( !held ) {
@@ -68,8 +69,9 @@ MrpSm::MrpSm( Korv::Ptr< Bridging::Config const > brConfig, MrpLib * mrpLib,
    handleInitialized();
 }
 
-// The spanning tree says nothing any more. Then the interfaces close, while the machines that they
-// close with are there; then goes what stands on the wheel.
+// In the order of who needs whom. The mirrors of the spanning tree go first, so that no change of a
+// role reaches a participant that is half gone; then the interfaces, which end their LeaveAll as
+// they close and so need the machines; then the machines, whose timers stand on the wheel.
 MrpSm::~MrpSm() {
    stpStatus_ = nullptr;
    stpiStatus_ = {};

@@ -1,28 +1,31 @@
 // One participant: one MRP application, MSRP or MVRP, on all interfaces of the switch.
 //
-// The agent makes the entities and a MrpLib, calls mrpSmFactory and keeps the result; from then on
+// The agent makes the entities and a MrpLib, calls mrpSmFactory and keeps the result. From then on
 // all work arrives as notifications on the one event loop: a frame is readable, a timer has fired,
-// a watched attribute has changed, the application has called a primitive. Every run is
-// synchronous to its end; there are no locks.
+// a watched attribute has changed, the application has called a primitive. Each runs to its end
+// before the loop goes on; there are no locks.
+//
+// This class is where the rooms of the engine meet: it owns their objects and holds the state that
+// they share. What it does in a room stands in a file of that room, and each section below names
+// the file with its bodies; read them in the order of receive, machines, database, transmit. Public
+// is what others call: an agent, a machine, an encoder, a watcher. The steps that only this class
+// itself takes are private.
 //
 // Owns: every machine, the parser's working state, the queues between parser and machines, the
 // pending sets, the index, the timer wheel and the packet access objects. Shares with the agent:
 // the configuration and status entities. Points to, without owning: MrpLib.
 //
 //  1. In standby only the packet access objects exist; the counters, the parse context, the wheel
-//     and all machines are null, and frames stay in their sockets. The way out of standby is one
-//     way.
+//     and all machines are null, and frames stay in their sockets. A participant leaves standby
+//     once and never returns to it.
 //  2. The machines work on the attribute that the parse context names, with the value in the Rx
 //     and Tx fields of MrpLib. To post an event: load the context and the fields, store the event,
-//     call the handler. The applicant runs before the registrar in every pair.
+//     call the handler. Of a pair of events the applicant's comes before the registrar's.
 //  3. Between frames mrpRxLeaveAll, mrpParsedAttribute and both key queues are empty.
-//  4. An attribute is in addPendingAttr, or in the tree, or in both (the copy then wins); one in
-//     deletePendingAttr stands in the tree and exists for nobody.
-//  5. mrpAttrIter names every attribute of invariant 4 that exists, by interface and type. One that
-//     is marked for deletion may have left it already.
-//
-// The sections below are named after the files that hold the bodies. Read them in the order of
-// receive, machines, database, transmit.
+//  4. An attribute exists for the protocol if it has a copy in addPendingAttr, or if it stands in
+//     the tree with no mark in deletePendingAttr. Where it has a copy, that is the one that counts.
+//  5. mrpAttrIter has the key of every attribute that exists, by interface and type. That of one
+//     marked for deletion may be gone already.
 #pragma once
 
 #include "mrp/database/MrpAttrIter.h"
@@ -73,7 +76,7 @@ class MrpSm : public Korv::PtrInterface {
           Korv::Ptr< Mirel::EntityManager > em, bool standbyMode );
    ~MrpSm() override;
 
-   // ---- frame/MrpSm.cpp: the participant's life -----------------------------------------------
+   // ---- What the agent gave -------------------------------------------------------------------
    Korv::Ptr< Bridging::Config const > const & brConfig() const { return brConfig_; }
    MrpLib * mrpLib() const { return mrpLib_; }
    Korv::Ptr< MrpConfig const > const & mrpConfig() const { return mrpConfig_; }
@@ -86,16 +89,14 @@ class MrpSm : public Korv::PtrInterface {
    }
    Korv::Ptr< Mirel::EntityManager > const & em() const { return em_; }
 
+   // ---- frame/MrpSm.cpp: the participant's life, and what it owns -----------------------------
+   bool initialized() const { return initialized_; }
    // The agent ends standby by standbyModeIs( false ) and then handleStandbyMode(), once; nothing
    // watches the attribute. A further call makes all machines anew and leaves the interfaces
    // without LeaveAll.
    bool standbyMode() const { return standbyMode_; }
    void standbyModeIs( bool v ) { standbyMode_ = v; }
    void handleStandbyMode();
-   // Runs at the end of construction, once.
-   void handleInitialized();
-   bool initialized() const { return initialized_; }
-
    // Makes the counters if needed and sets all ten to 0.
    void doInitializeCounters();
 
@@ -117,10 +118,7 @@ class MrpSm : public Korv::PtrInterface {
    Korv::Ptr< MrpAttrLogSm > const & mrpAttrLogSm() const { return mrpAttrLogSm_; }
 
    // ---- frame/PamAccess.cpp: packet access ----------------------------------------------------
-   // Called by handleInitialized, in standby too. Finds in `em` the directories at
-   // "interface/status/all" and, in this unit's cell, "interface/status/local", and the network of
-   // the namespace at "kni/ns/<name>/status".
-   void doInitializePamMan();
+   // These exist in standby too.
    Korv::Ptr< Interface::AllIntfStatusDir > const & allIntfStatusDir() const {
       return allIntfStatusDir_;
    }
@@ -148,26 +146,17 @@ class MrpSm : public Korv::PtrInterface {
    Pelk::EthAddr sourceAddress( Pelk::IntfId intfId ) const;
 
    // ---- receive/MrpduParser.cpp: frame to vectors ---------------------------------------------
-   // All read at the packet's front and consume what they read; nothing is put back. The reads are
-   // not bounded by the frame: behind its data the receive buffer holds zeros.
+   // Called by MrpIntfPamSm::handleMrpdu, with the packet's front behind the Ethernet header.
    void parseMrpdu( Korv::Ptr< Pelk::Pkt > const & pkt );
-   MrpParseStatus parseMessage( Korv::Ptr< Pelk::Pkt > const & pkt );
-   MrpParseStatus parseAttributeList( Korv::Ptr< Pelk::Pkt > const & pkt );
-   void skipMessageDueToFutureProtocolVersion( Korv::Ptr< Pelk::Pkt > const & pkt );
-
    // While true the parser walks a frame and records nothing of it. The library only resets it, at
    // the end of each MRPDU.
    bool recycledPkt() const { return recycledPkt_; }
    void recycledPktIs( bool v ) { recycledPkt_ = v; }
 
    // ---- receive/VectorDecoder.cpp: vectors to parsed attributes -------------------------------
-   MrpParseStatus parseVectorAttribute( Korv::Ptr< Pelk::Pkt > const & pkt );
-   MrpParseStatus parseMsrpVector( Korv::Ptr< Pelk::Pkt > const & pkt );
-   MrpParseStatus parseMvrpVector( Korv::Ptr< Pelk::Pkt > const & pkt );
-   MrpParseStatus parseThreePackedEvents( Korv::Ptr< Pelk::Pkt > const & pkt );
-   MrpParseStatus parseThreeFourPackedEvents( Korv::Ptr< Pelk::Pkt > const & pkt );
-   void processThreeAndFourPacked( Korv::Ptr< Pelk::Pkt > const & pkt, U8 event, U16 eventNum,
-                                   U16 fourPackedPtr );
+   // For a caller that does not know the kind. The library knows it, and does the same by
+   // processValue and saveValue. All on the parse context's type; a type that the application lacks
+   // has the key 0 and no value.
    void processMrpEvent( U8 event, U16 eventNum );
    U64 mrpGetRxAttributeKey() const;
    U64 msrpGetRxAttributeKey() const;
@@ -178,7 +167,8 @@ class MrpSm : public Korv::PtrInterface {
    void saveParsedMvrpAttributeValue( MrpParsedAttribute & attribute ) const;
 
    // What the frame said: types with a LeaveAll, each attribute's last event and value, and the
-   // keys in their order of arrival, MSRP domains apart.
+   // keys in their order of arrival, MSRP domains apart. Filled by the decoder, emptied by
+   // processParsedAttributes.
    RxLeaveAll const & mrpRxLeaveAll() const { return mrpRxLeaveAll_; }
    bool mrpRxLeaveAll( U8 attributeType ) const {
       bool const * const found = mrpRxLeaveAll_.find( attributeType );
@@ -212,12 +202,12 @@ class MrpSm : public Korv::PtrInterface {
    void msrpParsedDomainKeyDelAll() { msrpParsedDomainKey_.clear(); }
 
    // ---- receive/ParsedAttributes.cpp: the frame as a whole to the machines --------------------
+   // Called by MrpIntfPamSm::handleMrpdu, after parseMrpdu.
    void processParsedAttributes( Pelk::IntfId intfId );
-   void processParsedAttribute( MrpParsedAttributeKey key, Pelk::IntfId intfId );
+   // A saved value into the Rx and Tx fields, for a caller that does not know the kind.
    void fillMrpLibFromSavedValue( Pelk::IntfId intfId, MrpParsedAttribute const & attribute );
    void fillMsrpLibFromSavedValue( Pelk::IntfId intfId, MrpParsedAttribute const & attribute );
    void fillMvrpLibFromSavedValue( Pelk::IntfId intfId, MrpParsedAttribute const & attribute );
-   void mrpProcessRxLeaveAll( Pelk::IntfId intfId, U8 attributeType );
 
    // ---- database/DatabaseAccess.cpp: attributes by name ---------------------------------------
    // Null if there is none. With useLocalCopy what the machines believe: pending additions
@@ -228,29 +218,23 @@ class MrpSm : public Korv::PtrInterface {
    // within that level's announcement.
    Korv::Ptr< MrpAttrDatabase > createEntryInDatabase( Pelk::IntfId intfId, U8 attributeType,
                                                        U64 attributeKey );
-   MrpAttrDatabase * mrpAddAttrToDatabase( Pelk::IntfId intfId, U8 attributeType, U64 attributeKey,
-                                           bool txAttribute );
-   // The attribute that the parse context names. One call of an indication or a review may end it:
-   // hold it by a Ptr across such a call.
+   // The attribute that the parse context names, or null; one that is missing is made if so asked.
+   // An indication or a review may end it: hold it by a Ptr across such a call.
    MrpAttrDatabase * mrpGetAttribute( bool addIfNotFound ) {
       return found_.attributeAt == attributeState() ? found_.attribute
                                                     : mrpFindAttribute( addIfNotFound );
    }
+   // addAttrToDeletePending for the attribute that the parse context names.
    void mrpDeleteAttrFromDatabase();
    // Writes the Tx or the Rx record of the parse context's type into the attribute's value.
    void mrpPopulateValueInDatabase( MrpAttrDatabase & mrpAttribute, bool txAttribute );
-   void mrpPopulateMsrpValueInDatabase( MrpAttrDatabase & mrpAttribute, bool txAttribute );
-   void mrpPopulateMvrpValueInDatabase( MrpAttrDatabase & mrpAttribute, bool txAttribute );
    // Names the attribute in the parse context and loads its stored value into both records; an
    // attribute that is not found leaves both all zero.
    void mrpFillContextFromDatabase( MrpAttribute const & mrpAttribute );
-   void mrpFillMsrpContextFromDatabase( MrpAttribute const & mrpAttribute );
-   void mrpFillMvrpContextFromDatabase( MrpAttribute const & mrpAttribute );
    // Whether the value just received is the stored one.
    bool mrpRxVectorSameAsDatabaseAttr();
-   bool msrpRxVectorSameAsDatabaseAttr();
-   bool mvrpRxVectorSameAsDatabaseAttr() const;
 
+   // The index of invariant 5.
    AttrIters const & mrpAttrIter() const { return mrpAttrIter_; }
    MrpAttrIter * mrpAttrIter( MrpAttrIter::Key const & key ) const;
    MrpAttrIter * mrpAttrIterIs( MrpAttrIter::Key const & key );
@@ -261,11 +245,11 @@ class MrpSm : public Korv::PtrInterface {
    void removeFromAttrIter( Pelk::IntfId intfId, U8 attributeType, U64 attributeKey );
 
    // ---- database/PendingAttributes.cpp: deferred add and delete -------------------------------
-   // The attribute to work on: the committed one, or a fresh pending copy.
-   MrpAttrDatabase * addAttrToAddPending( MrpAttribute const & attribute );
-   void removeAttrFromAddPending( MrpAttribute const & attribute );
+   // The attribute exists no more: its copy goes at once, its entry in the tree at a review.
    void addAttrToDeletePending( MrpAttribute const & attribute );
 
+   // The sets of invariant 4. MrpDatabaseAddSm and MrpDatabaseDeleteSm take entries out as they
+   // commit them.
    AddPending const & addPendingAttr() const { return addPendingAttr_; }
    MrpAttrDatabase * addPendingAttr( MrpAttribute const & attribute ) const;
    void addPendingAttrIs( MrpAttribute const & attribute, Korv::Ptr< MrpAttrDatabase > copy );
@@ -293,10 +277,9 @@ class MrpSm : public Korv::PtrInterface {
    // Every interface that has a first frame open.
    void mrpTransmitTxAttributes();
 
-   // ---- transmit/VectorEncoding.cpp: keys of the Tx fields ------------------------------------
+   // ---- transmit/SendDoor.cpp: keys of the Tx fields ------------------------------------------
+   // The key of the value in the Tx field of the parse context's type; 0 for no such type.
    U64 mrpGetTxAttributeKey() const;
-   U64 msrpGetTxAttributeKey() const;
-   U64 mvrpGetTxAttributeKey() const;
 
    // ---- topology/MrpConfig.cpp: times ---------------------------------------------------------
    // The interface's leave time in seconds: its override, unless that is 0, or the system's.
@@ -318,14 +301,49 @@ class MrpSm : public Korv::PtrInterface {
    // The role last seen on each interface while it was wanted, in standby too; no entry ever goes.
    PortRoles const & oldPortRole() const { return oldPortRole_; }
    Stp::MstiPortStatus::Role oldPortRole( Pelk::IntfId intfId ) const;
-   // The role of a port may have changed, or its record come or gone. Writes the parse context.
-   // Throws RangeException for an interface whose native VLAN is no VLAN's number.
-   void handleRole( Korv::Name const & portName, Korv::Name const & mstiName,
-                    Korv::Name const & stpiName );
 
  private:
-   // Where the attribute of the parse context was found, and the node of its type: each good while
-   // the state that it was found in lasts.
+   // ---- frame/MrpSm.cpp, PamAccess.cpp --------------------------------------------------------
+   // Runs at the end of construction, once.
+   void handleInitialized();
+   void rebuildAttrIter();
+   // Called by handleInitialized, in standby too. Finds in `em` the directories at
+   // "interface/status/all" and, in this unit's cell, "interface/status/local", and the network of
+   // the namespace at "kni/ns/<name>/status".
+   void doInitializePamMan();
+
+   // ---- receive/MrpduParser.cpp, VectorDecoder.cpp --------------------------------------------
+   // All read at the packet's front and consume what they read; nothing is put back. The reads are
+   // not bounded by the frame: behind its data the receive buffer holds zeros.
+   MrpParseStatus parseMessage( Korv::Ptr< Pelk::Pkt > const & pkt );
+   MrpParseStatus parseAttributeList( Korv::Ptr< Pelk::Pkt > const & pkt );
+   void skipMessageDueToFutureProtocolVersion( Korv::Ptr< Pelk::Pkt > const & pkt );
+   MrpParseStatus parseVectorAttribute( Korv::Ptr< Pelk::Pkt > const & pkt );
+   MrpParseStatus parseMsrpVector( Korv::Ptr< Pelk::Pkt > const & pkt );
+   MrpParseStatus parseMvrpVector( Korv::Ptr< Pelk::Pkt > const & pkt );
+   MrpParseStatus parseThreePackedEvents( Korv::Ptr< Pelk::Pkt > const & pkt );
+   MrpParseStatus parseThreeFourPackedEvents( Korv::Ptr< Pelk::Pkt > const & pkt );
+   void processThreeAndFourPacked( Korv::Ptr< Pelk::Pkt > const & pkt, U8 event, U16 eventNum,
+                                   U16 fourPackedPtr );
+   // One value, its kind known.
+   template < class Kind >
+   void processValue( U8 event, U16 eventNum );
+   template < class Kind >
+   void saveValue();
+
+   // ---- receive/ParsedAttributes.cpp ----------------------------------------------------------
+   void mrpProcessRxLeaveAll( Pelk::IntfId intfId, U8 attributeType );
+   void processParsedAttribute( MrpParsedAttributeKey key, Pelk::IntfId intfId );
+   template < class Kind >
+   void processRecord( MrpParsedAttribute const & record, Pelk::IntfId intfId );
+   template < class Kind >
+   bool isRefresh( U8 event ) const;
+   template < class Kind >
+   void fillFromSavedValue( Pelk::IntfId intfId, MrpParsedAttribute const & attribute );
+
+   // ---- database/DatabaseAccess.cpp, ContextAttribute.h ---------------------------------------
+   // What mrpGetAttribute found last, and the node of its type in the tree. Each is good for as
+   // long as the state is the one that it was found in.
    struct Found {
       static constexpr U64 never = ~U64{ 0 };
       MrpAttrDatabase * attribute = nullptr;
@@ -333,10 +351,8 @@ class MrpSm : public Korv::PtrInterface {
       U64 attributeAt = never;
       U64 typeAt = never;
    };
-
-   MrpApplicationDatabase * applicationDatabase() const;
-   void rebuildAttrIter();
-   // Each rises with all that could change what a look-up by the parse context finds.
+   // A state is the sum of the counts of all changes that could make a look-up by the parse context
+   // find something else. Counts only rise, so that one sum cannot stand for two states.
    U64 typeState() const {
       return parseContext_->placeChanges() + Korv::membershipChanges< Korv::Entity >;
    }
@@ -344,30 +360,41 @@ class MrpSm : public Korv::PtrInterface {
       return parseContext_->attributeChanges() + Korv::membershipChanges< Korv::Entity > +
              Korv::membershipChanges< MrpAttrDatabase >;
    }
-   bool nothingIsPending() const { return addPendingAttr_.empty() && deletePendingAttr_.empty(); }
    MrpAttrDatabase * mrpFindAttribute( bool addIfNotFound );
+   MrpAttrDatabase * mrpAddAttrToDatabase( Pelk::IntfId intfId, U8 attributeType, U64 attributeKey,
+                                           bool txAttribute );
    MrpAttrDatabase * contextAttributeInTree() const;
+   MrpApplicationDatabase * applicationDatabase() const;
    MrpIntfTypeApplicant * searchType( Pelk::IntfId intfId, U8 attributeType ) const;
-   // The node of the parse context's type, remembered.
+   // searchType for the parse context, remembered in found_.
    MrpIntfTypeApplicant * contextType() const;
 
-   // The decoder's work on one value, its kind known.
-   template < class Kind >
-   void processValue( U8 event, U16 eventNum );
-   template < class Kind >
-   void saveValue();
+   void mrpPopulateMsrpValueInDatabase( MrpAttrDatabase & mrpAttribute, bool txAttribute );
+   void mrpPopulateMvrpValueInDatabase( MrpAttrDatabase & mrpAttribute, bool txAttribute );
+   void mrpFillMsrpContextFromDatabase( MrpAttribute const & mrpAttribute );
+   void mrpFillMvrpContextFromDatabase( MrpAttribute const & mrpAttribute );
+   bool msrpRxVectorSameAsDatabaseAttr();
+   bool mvrpRxVectorSameAsDatabaseAttr() const;
    template < class Kind >
    bool rxSameAs( MrpAttrDatabase const & stored ) const;
 
-   // A saved value to the machines, its kind known.
-   template < class Kind >
-   void fillFromSavedValue( Pelk::IntfId intfId, MrpParsedAttribute const & attribute );
-   template < class Kind >
-   void processRecord( MrpParsedAttribute const & record, Pelk::IntfId intfId );
-   template < class Kind >
-   bool isRefresh( U8 event ) const;
+   // ---- database/PendingAttributes.cpp --------------------------------------------------------
+   // The attribute to work on: the committed one, or a fresh pending copy.
+   MrpAttrDatabase * addAttrToAddPending( MrpAttribute const & attribute );
+   void removeAttrFromAddPending( MrpAttribute const & attribute );
+   bool nothingIsPending() const { return addPendingAttr_.empty() && deletePendingAttr_.empty(); }
 
-   // given
+   // ---- transmit/SendDoor.cpp -----------------------------------------------------------------
+   U64 msrpGetTxAttributeKey() const;
+   U64 mvrpGetTxAttributeKey() const;
+
+   // ---- topology/SpanningTree.cpp -------------------------------------------------------------
+   // The role of a port may have changed, or its record come or gone. Writes the parse context.
+   // Throws RangeException for an interface whose native VLAN is no VLAN's number.
+   void handleRole( Korv::Name const & portName, Korv::Name const & mstiName,
+                    Korv::Name const & stpiName );
+
+   // What the agent gave, and whether it still holds the participant in standby.
    Korv::Ptr< Bridging::Config const > brConfig_;
    MrpLib * mrpLib_;
    Korv::Ptr< MrpConfig const > mrpConfig_;
@@ -378,7 +405,7 @@ class MrpSm : public Korv::PtrInterface {
    Korv::Ptr< Mirel::EntityManager > em_;
    bool standbyMode_;
 
-   // packet access
+   // Packet access: made once, in doInitializePamMan.
    Korv::Ptr< Interface::AllIntfStatusDir > allIntfStatusDir_;
    Korv::Ptr< Interface::AllIntfStatusLocalDir > allIntfStatusLocalDir_;
    Korv::Ptr< Interface::DeviceIntfStatusDir > deviceIntfStatusDir_;
@@ -388,11 +415,11 @@ class MrpSm : public Korv::PtrInterface {
    Korv::Ptr< Interface::EthDevPamManager > pamMan_;
    Korv::Ptr< MrpPamSm > mrpPamSm_;
 
-   // spanning tree
+   // Spanning tree.
    PortRoles oldPortRole_;
    SpanningTreeMirrors< KorvStpiStatus > stpiStatus_;
 
-   // machines
+   // The machines and what they share: null in standby.
    Korv::Ptr< Dovr::TimerWheel > timerWheel_;
    Korv::Ptr< MrpApplicantSm > applicantSm_;
    Korv::Ptr< MrpRegistrarSm > registrarSm_;
@@ -401,14 +428,14 @@ class MrpSm : public Korv::PtrInterface {
    Korv::Ptr< MrpCounters > mrpCounters_;
    U8 maxAttrTypes_ = 0;
 
-   // parser to machines
+   // From the parser to the machines: the frame at hand.
    bool recycledPkt_ = false;
    RxLeaveAll mrpRxLeaveAll_;
    ParsedKeys mrpParsedAttributeKey_;
    MrpParsedAttributes mrpParsedAttribute_;
    ParsedKeys msrpParsedDomainKey_;
 
-   // database
+   // Database; of these the machines are null in standby.
    Korv::Ptr< MrpAttrLogSm > mrpAttrLogSm_;
    AttrIters mrpAttrIter_;
    DeletePending deletePendingAttr_;

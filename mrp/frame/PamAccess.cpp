@@ -42,31 +42,12 @@ Pelk::SockFilterInstruction filter[] = {
 };
 bool filterIsFilled = false;
 
-std::string checkedNamespaceName() {
-   std::string const name = Pelk::DEFAULT_NS;
-   if ( name.size() > maxNamespaceName ) {
-      Korv::throwRangeException( "NamespaceName::bytes > 150 not allowed" );
-   }
-   return name;
-}
-
-// Null for an entity that is missing or of another class: nothing here catches that.
-template < class E >
-E * as( Korv::Entity * entity ) {
-   return dynamic_cast< E * >( entity );
-}
-
-} // namespace
-
-void MrpSm::doInitializePamMan() {
-   Sornlog::log( Ring::smInitializePamMan );
-   trace( 8, "void Mrp::MrpSm::doInitializePamMan()" );
-   Pelk::globalPktManager().maxPktsIs( maxPkts );
-
-   U64 const address = mrpLib_->applicationMacAddr().number();
+// The program, filled in for the application if no participant has done so before.
+Pelk::SockFilterProgram filterFor( MrpLib const & lib ) {
+   U64 const address = lib.applicationMacAddr().number();
    U32 const dmacUpper = static_cast< U32 >( address >> 32 );
    U32 const dmacLower = static_cast< U32 >( address );
-   U16 const ethType = mrpLib_->applicationEtype();
+   U16 const ethType = lib.applicationEtype();
    trace( 8, "MrpSm::PamManEnable dmacUpper ", Korv::Hex{ dmacUpper }, " dmacLower ",
           Korv::Hex{ dmacLower }, " ethType ", Korv::Hex{ ethType } );
    if ( !filterIsFilled ) {
@@ -76,19 +57,49 @@ void MrpSm::doInitializePamMan() {
       filter[taggedTypeAt].k = ethType;
       filterIsFilled = true;
    }
+   return Pelk::SockFilterProgram( std::size( filter ), filter );
+}
 
-   allIntfStatusDir_ =
-      as< Interface::AllIntfStatusDir >( em_->getEntity( "interface/status/all" ) );
-   allIntfStatusLocalDir_ = as< Interface::AllIntfStatusLocalDir >(
-      em_->getEntity( Cell::path( "interface/status/local" ) ) );
-   auto const mount = Korv::newValidPtr< KorvHudra::Mount >( em_ );
+std::string checkedNamespaceName() {
+   std::string const name = Pelk::DEFAULT_NS;
+   if ( name.size() > maxNamespaceName ) {
+      Korv::throwRangeException( "NamespaceName::bytes > 150 not allowed" );
+   }
+   return name;
+}
+
+// Null for an entity that is missing or of another class. An agent that does not provide it is at
+// fault, and nothing here looks for that.
+template < class E >
+E * as( Korv::Entity * entity ) {
+   return dynamic_cast< E * >( entity );
+}
+
+// The network of the namespace.
+Korv::Ptr< KernelNetInfo::Status >
+mountKernelStatus( Korv::Ptr< Mirel::EntityManager > const & em ) {
+   auto const mount = Korv::newValidPtr< KorvHudra::Mount >( em );
    mount->handleInitialized();
    Korv::String8 const path = Korv::format( "kni/ns/%s/status", checkedNamespaceName().c_str() );
    KorvHudra::MountInfo info;
    info.mode = 3;
    mount->doMount( path, "KernelNetInfo::Status", info );
-   Korv::Ptr< KernelNetInfo::Status > const kernelStatus =
-      as< KernelNetInfo::Status >( mount->getEntity( path ) );
+   return as< KernelNetInfo::Status >( mount->getEntity( path ) );
+}
+
+} // namespace
+
+void MrpSm::doInitializePamMan() {
+   Sornlog::log( Ring::smInitializePamMan );
+   trace( 8, "void Mrp::MrpSm::doInitializePamMan()" );
+   Pelk::globalPktManager().maxPktsIs( maxPkts );
+   Pelk::SockFilterProgram const filterProgram = filterFor( *mrpLib_ );
+
+   allIntfStatusDir_ =
+      as< Interface::AllIntfStatusDir >( em_->getEntity( "interface/status/all" ) );
+   allIntfStatusLocalDir_ = as< Interface::AllIntfStatusLocalDir >(
+      em_->getEntity( Cell::path( "interface/status/local" ) ) );
+   Korv::Ptr< KernelNetInfo::Status > const kernelStatus = mountKernelStatus( em_ );
 
    // The names are the same for MVRP.
    deviceIntfStatusDir_ =
@@ -103,7 +114,7 @@ void MrpSm::doInitializePamMan() {
                                                                deviceIntfStatusDir_ );
    pamMan_->txRetriesIs( txRetries );
    pamMan_->destinationIs( mrpLib_->applicationMacAddr() );
-   pamMan_->filterProgramIs( Pelk::SockFilterProgram( std::size( filter ), filter ) );
+   pamMan_->filterProgramIs( filterProgram );
    pamMan_->rxQueueFramesIs( rxQueueFrames );
    pamMan_->perIntfSocketIs( true );
    pamMan_->enabledIs( true );

@@ -36,6 +36,16 @@ MrpLeaveAllTimer * MrpIntfLeaveAllSm::leaveAllPendingIs( U8 attrType ) {
    return Korv::memberIs( leaveAllPending_, attrType, attrType );
 }
 
+bool MrpIntfLeaveAllSm::doPushLeaveAll( U8 attrType, Korv::Seconds leaveAllTime ) {
+   MrpLeaveAllTimer * const timer = leaveAllPending( attrType );
+   if ( !timer ) {
+      return false;
+   }
+   timer->timestampIs( Korv::now() + leaveAllTime );
+   doScheduleLeaveAllTimer( leaveAllTime );
+   return true;
+}
+
 void MrpIntfLeaveAllSm::doScheduleLeaveAllTimer( Korv::Seconds expiryTime ) {
    Korv::Seconds const at = Korv::now() + expiryTime;
    if ( at > leaveAllTimer_.timeMin() ) {

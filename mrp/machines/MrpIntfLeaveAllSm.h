@@ -52,6 +52,8 @@ class MrpIntfLeaveAllSm : public Korv::PtrInterface {
    void leaveAllPendingDel( U8 attrType ) { leaveAllPending_.erase( attrType ); }
    void leaveAllPendingDelAll() { leaveAllPending_.clear(); }
 
+   // The type is due a time from now, if it is under LeaveAll; false if not.
+   bool doPushLeaveAll( U8 attrType, Korv::Seconds leaveAllTime );
    // A duration from now; the wake-up moves earlier by it and never later.
    void doScheduleLeaveAllTimer( Korv::Seconds expiryTime );
    void handleLeaveAllTimer();
@@ -59,9 +61,6 @@ class MrpIntfLeaveAllSm : public Korv::PtrInterface {
    void handleTxLeaveAll( U8 attrType, Korv::Seconds leaveAllTime );
    // Restarts the period of all types.
    void handleCfgIntfLeaveAllTime();
-
-   // The type is due a time from now: writes the record and publishes the time.
-   void doRestart( MrpLeaveAllTimer & type, Korv::Seconds leaveAllTime );
 
  private:
    class KorvLeaveAllTimer : public Dovr::TimerWheel::Reactor {
@@ -73,6 +72,9 @@ class MrpIntfLeaveAllSm : public Korv::PtrInterface {
     private:
       MrpIntfLeaveAllSm & sm_;
    };
+
+   // The type is due a time from now: writes the record and publishes the time.
+   void doRestart( MrpLeaveAllTimer & type, Korv::Seconds leaveAllTime );
 
    Pelk::IntfId intfId_;
    MrpSm * mrpSm_; // the owner's owner

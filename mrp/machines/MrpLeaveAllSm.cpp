@@ -39,13 +39,7 @@ void MrpLeaveAllSm::publish( Pelk::IntfId intfId, U8 attributeType,
 bool MrpLeaveAllSm::doPushLeaveAll( Pelk::IntfId intfId, U8 attributeType,
                                     Korv::Seconds leaveAllTime ) {
    MrpIntfLeaveAllSm * const intf = intfLeaveAllSm( intfId );
-   MrpLeaveAllTimer * const timer = intf ? intf->leaveAllPending( attributeType ) : nullptr;
-   if ( !timer ) {
-      return false;
-   }
-   timer->timestampIs( Korv::now() + leaveAllTime );
-   intf->doScheduleLeaveAllTimer( leaveAllTime );
-   return true;
+   return intf && intf->doPushLeaveAll( attributeType, leaveAllTime );
 }
 
 void MrpLeaveAllSm::mrpEnableLeaveAllPending( Pelk::IntfId intfId ) {

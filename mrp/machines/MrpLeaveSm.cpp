@@ -33,23 +33,22 @@ void MrpLeaveSm::handleLeaveTimer() {
       return;
    }
    trace( 8, "MrpLeaveSm::handleLeaveTimer() ", key_ );
-   // Held: the machine is to last to the end of this, wherever it is removed.
+   // Held, so that the machine lasts to the end of this, in the course of which it is removed.
    Korv::Ptr< MrpLeaveSm > const self( this );
    doReceiveWaitingFrame();
    for ( auto member = leavePending_.walk(); member; ++member ) {
       handleLeavePending( member.key() );
    }
-   // By its key out of both collections: the shared machine of a type and the explicit machine of
-   // its attribute 0 have the same key, and the one to fire takes the other along; what waited on
-   // that one stays in Lv until its next leave.
+   // Removed from both collections by its key. The shared machine of a type and the explicit
+   // machine of the type's attribute 0 have the same one: whichever fires first takes the other
+   // along, and what waited on that one stays in Lv until its next leave.
    mrpSm_->registrarSm()->leaveSmDel( key_ );
    mrpSm_->registrarSm()->explicitLeaveSmDel( key_ );
 }
 
 // A join that waits in the socket is to reach the registrar before its attribute expires.
 void MrpLeaveSm::doReceiveWaitingFrame() {
-   // Not held: over the frame the application may close the interface and open it anew, and a
-   // machine that closed only after its successor had opened would take its LeaveAll along.
+   // Not held: see MrpIntfPamSm.h.
    MrpIntfPamSm * const intf = mrpSm_->mrpPamSm()->mrpIntfPamSm( key_.intfId() );
    if ( !intf ) {
       return;

@@ -79,9 +79,9 @@ class MrpRegistrarSm : public Korv::PtrInterface {
    void explicitLeaveSmDel( MrpAttribute const & key ) { explicitLeaveSm_.erase( key ); }
    void explicitLeaveSmDelAll() { Korv::membersDelAll( explicitLeaveSm_ ); }
 
-   // The participant's periodic transmit opportunity, each 0.1 seconds, gated by nothing.
+   // The participant's periodic transmit opportunity, each 0.1 seconds in any configuration.
    void handleTxTimer();
-   // timersEnabled switches nothing.
+   // Traces; timersEnabled switches nothing.
    void handleCfgTimersEnabled();
 
  private:
@@ -103,6 +103,7 @@ class MrpRegistrarSm : public Korv::PtrInterface {
       MrpRegistrarSm & sm_;
    };
 
+   // A cell of the table: RegistrarTable.h.
    template < RegistrarStep... steps >
    friend bool runSteps( MrpRegistrarSm & sm, MrpRegistrarState state, MrpRegistrarEvent event );
    template < RegistrarStep step >

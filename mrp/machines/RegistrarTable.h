@@ -25,9 +25,9 @@ enum class RegistrarStep : U8 {
    toIn,
    toLv,
    toMt,
-   pend,   // into the leave pending sets
-   unpend, // out of them
-   traceJoinBlank,
+   pend,           // into the leave pending sets
+   unpend,         // out of them
+   traceJoinBlank, // three texts for one thing: each cell has its own
    traceJoin,
    traceJoinInLv,
    traceLeave,

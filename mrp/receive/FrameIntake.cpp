@@ -1,4 +1,7 @@
 // The way in: one frame from an interface's packet access, checked, parsed, applied, answered.
+//
+// The cursor, here and in the parser, is the packet's front: whoever has read something moves the
+// front behind it.
 #include "mrp/frame/MrpIntfPamSm.h"
 #include "mrp/frame/MrpPamSm.h"
 #include "mrp/frame/MrpSm.h"
@@ -19,6 +22,20 @@ constexpr U16 vlanTagType = 0x8100;
 constexpr std::size_t vlanTagBytes = 4;
 constexpr std::size_t tagControlAt = 14;
 constexpr std::size_t typeBehindTagAt = 16;
+
+// The frame's type, which in a tagged frame stands behind the tag. The tag is not cut out: the
+// cursor moves on by its length, so that the MRPDU begins 14 bytes from there in every frame.
+U16 takeType( Pelk::Pkt & pkt ) {
+   U16 const type = Pelk::EthHdr::at( pkt.frontData() ).typeOrLen();
+   if ( type != vlanTagType ) {
+      return type;
+   }
+   trace( 6, "Received 802.1Q-tagged frame with VLAN ID ",
+          Korv::networkU16At( pkt.frontData() + tagControlAt ) & 0x0FFF );
+   U16 const typeBehindTag = Korv::networkU16At( pkt.frontData() + typeBehindTagAt );
+   pkt.delSharedHeadData( vlanTagBytes );
+   return typeBehindTag;
+}
 
 // A copy of the frame from the cursor on: of a tagged frame, the frame less its first four bytes.
 Korv::Ptr< Pelk::Pkt > copyFromCursor( Pelk::Pkt const & pkt ) {
@@ -46,6 +63,7 @@ void MrpIntfPamSm::handleMrpdu() {
    Korv::assertThat( pkt->bytes() >= sizeof( Pelk::EthHdr ),
                      "pkt->bytes() >= sizeof( Pelk::EthHdr )" );
 
+   // Names of what outlives this machine, which may end in anything below: see its header.
    MrpSm & sm = mrpSm();
    MrpPamSm & pamSm = *mrpPamSm_;
    Pelk::IntfId const intfId = intfId_;
@@ -58,15 +76,7 @@ void MrpIntfPamSm::handleMrpdu() {
       counters.numOfPktsProcessedInc( 1 );
       return;
    }
-   U16 type = Pelk::EthHdr::at( pkt->frontData() ).typeOrLen();
-   if ( type == vlanTagType ) {
-      trace( 6, "Received 802.1Q-tagged frame with VLAN ID ",
-             Korv::networkU16At( pkt->frontData() + tagControlAt ) & 0x0FFF );
-      type = Korv::networkU16At( pkt->frontData() + typeBehindTagAt );
-      // The tag is not cut out: with the 14 bytes below the cursor lands behind it.
-      pkt->delSharedHeadData( vlanTagBytes );
-   }
-   if ( type != lib.applicationEtype() ) {
+   if ( takeType( *pkt ) != lib.applicationEtype() ) {
       trace( 4, "Received frame with incorrect EtherType -- ignoring" );
       Sornlog::log( Ring::incorrectEtherType );
       counters.numOfIncorrectEtypeInc( 1 );

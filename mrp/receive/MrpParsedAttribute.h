@@ -45,8 +45,8 @@ class MrpParsedAttribute : public Korv::PtrInterface {
 
    void putEach( void const * bytes, U32 size );
 
-   // A large frame's records do not fit into the nearest cache: what each of them is asked for
-   // stands close together.
+   // A large frame's records do not fit into the nearest cache: what is read of each of them stands
+   // close together.
    U8 attributeEvent_ = 0;
    MrpParsedAttributeKey key_;
    AttributeValue attributeValue_;
@@ -81,7 +81,7 @@ class MrpParsedAttributes {
    void clear();
 
  private:
-   // The record behind it is number 0.
+   // Such that the next place is that of record 0.
    static constexpr std::size_t nowhere = ~std::size_t{ 0 };
 
    // The next waiting record, made new.
@@ -96,9 +96,12 @@ class MrpParsedAttributes {
       record.attributeValue_.clear();
       return &record;
    }
+   // Puts an object into the room of the next waiting record.
    void replaceRecord( MrpParsedAttributeKey key );
+   // find and findOrMake, where what they try first does not do.
    MrpParsedAttribute * search( MrpParsedAttributeKey key ) const;
    MrpParsedAttribute * findOrInsert( MrpParsedAttributeKey key );
+   // The key's place in records_, or nowhere.
    std::size_t locate( MrpParsedAttributeKey key ) const;
    std::size_t slotOf( MrpParsedAttributeKey key ) const;
    void rebuildIndex();

@@ -81,7 +81,7 @@ MrpParseStatus MrpSm::parseAttributeList( Korv::Ptr< Pelk::Pkt > const & pkt ) {
    MrpParseStatus status = parseOk;
    for ( ;; ) {
       status = parseVectorAttribute( pkt );
-      // Looked for whatever the status: behind a bad vector too, an EndMark ends the list.
+      // An EndMark ends the list whatever the status is, also behind a bad vector.
       if ( nextU16( *pkt ) == endOfMark ) {
          break;
       }
@@ -90,7 +90,7 @@ MrpParseStatus MrpSm::parseAttributeList( Korv::Ptr< Pelk::Pkt > const & pkt ) {
          return parseMalformedPkt;
       }
    }
-   // The whole of the AttributeListLength check: the EndMark is all that may be left.
+   // All that is checked of the AttributeListLength: just the EndMark's two bytes are left of it.
    if ( mrpLib_->application() == MSRP && parseContext_->attributeListBytesLeft() != 2 ) {
       mrpCounters_->numOfMalformedPktsInc( 1 );
       return parseMalformedPkt;

@@ -91,8 +91,9 @@ MrpParseStatus MrpSm::parseVectorAttribute( Korv::Ptr< Pelk::Pkt > const & pkt )
 
 namespace {
 
-// Reached only with an AttributeLength of 0. The vector's body stays where it is, and what follows
-// decides what becomes of the list.
+// A type that the application lacks has the size 0, so that parseMessage lets it pass if its
+// AttributeLength is 0, and only then. The vector's body is not consumed: the list goes on with it
+// as if it were the next vector.
 MrpParseStatus unidentifiedType( MrpSm & mrpSm ) {
    U8 const type = mrpSm.parseContext()->attributeType();
    trace( 4, " ######## Unidentified attribute type = ", type );
@@ -129,8 +130,8 @@ MrpParseStatus MrpSm::parseMvrpVector( Korv::Ptr< Pelk::Pkt > const & pkt ) {
 
 namespace {
 
-// A vector of no values carries a LeaveAll alone. It makes no parsed attribute, and leaves the
-// context with the event 2.
+// A vector of no values carries a LeaveAll alone and makes no parsed attribute. In the context it
+// counts as one event, lvAllEvent, which inEvent then replaces: watchers of the context see both.
 void noteLeaveAllOnlyVector( MrpParseContext & context ) {
    context.attributeKeyIs( 0 );
    if ( context.leaveAll() == leaveAll ) {
@@ -181,6 +182,7 @@ void walkThreePacked( U8 const * bytes, U16 n, OnEvent onEvent ) {
 
 } // namespace
 
+// Flattened: what a value costs here is a good part of what a refresh costs.
 [[gnu::flatten]] MrpParseStatus
 MrpSm::parseThreePackedEvents( Korv::Ptr< Pelk::Pkt > const & pkt ) {
    MrpParseContext & context = *parseContext_;
@@ -232,8 +234,8 @@ void MrpSm::processThreeAndFourPacked( Korv::Ptr< Pelk::Pkt > const & pkt, U8 ev
    processValue< ListenerKind >( event, eventNum );
 }
 
-// The one place where a value is produced: value i is FirstValue plus i only because the events
-// are walked in order, each once.
+// The one place where a value is produced. It is a step on from the one before it, so that value i
+// is the FirstValue plus i only as long as the events are walked in order, each once.
 template < class Kind >
 void MrpSm::processValue( U8 event, U16 eventNum ) {
    if ( eventNum != 0 ) {

@@ -19,7 +19,8 @@ constexpr char const * commonTree = "Cist";
 constexpr char const * noTree = "NoStp";
 constexpr char const * backupPrefix = "Bkup";
 
-// Modes other than these, and but for -1, 0, 2 and 3, have no base topology.
+// Modes in which the base topology depends on the native VLAN. baseSpanningTreeTopo knows those in
+// which it does not; any other mode has none.
 constexpr Korv::S32 backupMode = 100;
 constexpr Korv::S32 treeOfVlanMode = 101;
 
@@ -46,7 +47,7 @@ Role MrpSm::oldPortRole( Pelk::IntfId intfId ) const {
 
 void MrpSm::handleRole( Korv::Name const & portName, Korv::Name const & mstiName,
                         Korv::Name const & stpiName ) {
-   // Mirrors made during construction stand before everything else, and nothing is wanted yet.
+   // The constructor makes the mirrors first of all: there is no interface yet to have a role.
    if ( !initialized_ ) {
       return;
    }

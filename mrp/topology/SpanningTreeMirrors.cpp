@@ -10,8 +10,8 @@ template < class Mirror >
 using Records = Korv::HashMap< Korv::Name, Korv::Ptr< typename Mirror::Record > >;
 
 // Brings the mirror of one name into line with the record. A record that has gone and come again
-// within one notification is another one, and so is its mirror. What is told last may lead back
-// here, or end the parent: nothing of it is touched after that.
+// within one notification is another one, and so is its mirror. The two calls at the end may lead
+// back here, or end the parent, of which nothing is touched from then on.
 template < class Mirror >
 void mirrorRecord( Mirrors< Mirror > & mirrors, Records< Mirror > const & records,
                    Korv::Name const & name, typename Mirror::Parent & parent ) {

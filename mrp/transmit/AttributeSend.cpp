@@ -9,6 +9,7 @@
 #include "mrp/observability/RingSites.h"
 #include "mrp/observability/Trace.h"
 #include "mrp/platform/pelk/PktManager.h"
+#include "mrp/transmit/OpenFrame.h"
 #include "mrp/transmit/VectorEncoding.h"
 
 namespace Mrp {
@@ -36,22 +37,16 @@ void MrpLib::mrpSendAttributeIntf( MrpParameters const & attribute, Pelk::IntfId
       trace( 4, " Tx is being Attempted before the PAM is enabled " );
       return;
    }
-   auto const contextNow = [this, intfId, secondPktContext] {
-      return secondPktContext ? mrpTxSecondPacketContext( intfId ) : mrpTxPacketContext( intfId );
-   };
-   MrpTxPacketContext * packetContext = contextNow();
+   MrpTxPacketContext * packetContext = openFrame( *this, intfId, secondPktContext );
    if ( packetContext && !packetContext->pkt() ) {
-      // Its frame is just leaving, and what is being told of that is what got us here.
-      if ( secondPktContext ) {
-         mrpTxSecondPacketContextDel( intfId );
-      } else {
-         mrpTxPacketContextDel( intfId );
-      }
+      // Its frame is just leaving, and whoever is told of that sends this: it goes into another.
+      openFrameDel( *this, intfId, secondPktContext );
       packetContext = nullptr;
    }
    if ( packetContext && attribute.attributeType() < packetContext->currentAttrType() ) {
       mrpSm_->mrpTransmitTxPacket( intfId, secondPktContext );
-      packetContext = contextNow(); // none, unless who was told of the frame has begun another
+      // None, unless somebody who was told of that frame has begun another.
+      packetContext = openFrame( *this, intfId, secondPktContext );
    }
    if ( !packetContext ) {
       Korv::Ptr< Pelk::Pkt > const pkt = Pelk::globalPktManager().newPkt();
@@ -61,8 +56,7 @@ void MrpLib::mrpSendAttributeIntf( MrpParameters const & attribute, Pelk::IntfId
                        attribute.attributeEvent(), attribute.newEvent() );
          return;
       }
-      packetContext = secondPktContext ? mrpTxSecondPacketContextIs( intfId, pkt )
-                                       : mrpTxPacketContextIs( intfId, pkt );
+      packetContext = openFrameIs( *this, intfId, secondPktContext, pkt );
       packetContext->curMessageIs( nullptr );
       packetContext->curVectorIs( nullptr );
       packetContext->currentAttrTypeIs( 0 );

@@ -8,6 +8,7 @@
 #include "mrp/platform/korv/Assert.h"
 #include "mrp/platform/korv/NetworkOrder.h"
 #include "mrp/platform/pelk/EthHdr.h"
+#include "mrp/transmit/OpenFrame.h"
 #include "mrp/transmit/VectorEncoding.h"
 #include "mrp/vocabulary/MrpMsrp.h"
 
@@ -19,68 +20,62 @@ namespace {
 constexpr std::size_t headBytes = sizeof( Pelk::EthHdr ) + 1;
 constexpr U16 endMarkBytes = 2;
 
-void closeMessage( MrpTxPacketContext const & context, MrpApplication application,
-                   U8 * endOfList ) {
-   Korv::networkU16IsAt( endOfList, endOfMark );
-   if ( application == MSRP ) {
-      auto & header = *reinterpret_cast< MsrpMessageHeader * >( context.curMessage() );
-      header.attributeListLengthIs(
-         static_cast< U16 >( header.attributeListLength() + endMarkBytes ) );
+// Ends the open message, if there is one, and the MRPDU; the bytes of the body.
+U16 closeBody( MrpTxPacketContext const & context, MrpApplication application ) {
+   Pelk::Pkt & pkt = *context.pkt();
+   U16 n = mrpGetNumOfPackedBytes( context, static_cast< U8 >( application ) );
+   Korv::assertThat( n + 2u * endMarkBytes <= pkt.frontBytes(),
+                     "numOfPackedBytes <= pkt->frontBytes()" );
+   U8 * const body = pkt.frontData();
+   if ( context.curMessage() ) {
+      Korv::networkU16IsAt( body + n, endOfMark );
+      if ( application == MSRP ) {
+         auto & header = *reinterpret_cast< MsrpMessageHeader * >( context.curMessage() );
+         header.attributeListLengthIs(
+            static_cast< U16 >( header.attributeListLength() + endMarkBytes ) );
+      }
+      n = static_cast< U16 >( n + endMarkBytes );
    }
+   Korv::networkU16IsAt( body + n, endOfMark );
+   return static_cast< U16 >( n + endMarkBytes );
+}
+
+// Puts the head before the body, and cuts off what is left of the buffer behind it.
+void closeFrame( MrpSm const & sm, Pelk::IntfId intfId, Pelk::Pkt & pkt, U16 bodyBytes ) {
+   pkt.newSharedHeadData( headBytes );
+   Pelk::EthHdr & header = Pelk::EthHdr::at( pkt.frontData() );
+   header.dstIs( sm.mrpLib()->applicationMacAddr() );
+   header.srcIs( sm.sourceAddress( intfId ) );
+   header.typeOrLenIs( sm.mrpLib()->applicationEtype() );
+   pkt.frontData()[sizeof header] = MrpSm::protocolVersion();
+
+   U16 const total = static_cast< U16 >( bodyBytes + headBytes );
+   Korv::assertThat( total <= pkt.frontBytes(), "numOfPackedBytes <= pkt->frontBytes()" );
+   pkt.delSharedTailData( pkt.frontBytes() - total );
 }
 
 } // namespace
 
 void MrpSm::mrpTransmitTxPacket( Pelk::IntfId intfId, bool secondPktContext ) {
-   auto const del = [this, intfId, secondPktContext] {
-      if ( secondPktContext ) {
-         mrpLib_->mrpTxSecondPacketContextDel( intfId );
-      } else {
-         mrpLib_->mrpTxPacketContextDel( intfId );
-      }
-   };
-   auto const contextNow = [this, intfId, secondPktContext] {
-      return secondPktContext ? mrpLib_->mrpTxSecondPacketContext( intfId )
-                              : mrpLib_->mrpTxPacketContext( intfId );
-   };
-   Korv::Ptr< MrpTxPacketContext > const context = contextNow();
+   Korv::Ptr< MrpTxPacketContext > const context = openFrame( *mrpLib_, intfId, secondPktContext );
    if ( !context ) {
       return;
    }
    if ( mrpConfig_->mrpFlooding() ) {
-      del(); // while frames are flooded, what the machines say is thrown away
+      // While frames are flooded, what the machines say is thrown away.
+      openFrameDel( *mrpLib_, intfId, secondPktContext );
       return;
    }
    Korv::Ptr< Pelk::Pkt > const pkt = context->pkt();
    if ( !pkt ) {
       return;
    }
-   U8 * const body = pkt->frontData();
    Korv::Ptr< Pelk::Pam > const to = pam( context->intfId() );
-   MrpApplication const application = mrpLib_->application();
-   U16 n = mrpGetNumOfPackedBytes( *context, static_cast< U8 >( application ) );
    if ( !to ) {
       trace( 4, " Tx is being Attempted before the PAM is enabled " );
       return;
    }
-   Korv::assertThat( n + 2u * endMarkBytes <= pkt->frontBytes(),
-                     "numOfPackedBytes <= pkt->frontBytes()" );
-   if ( context->curMessage() ) {
-      closeMessage( *context, application, body + n );
-      n = static_cast< U16 >( n + endMarkBytes );
-   }
-   Korv::networkU16IsAt( body + n, endOfMark );
-
-   pkt->newSharedHeadData( headBytes );
-   Pelk::EthHdr & header = Pelk::EthHdr::at( pkt->frontData() );
-   header.dstIs( mrpLib_->applicationMacAddr() );
-   header.srcIs( sourceAddress( intfId ) );
-   header.typeOrLenIs( mrpLib_->applicationEtype() );
-   pkt->frontData()[sizeof header] = protocolVersion();
-
-   U16 const total = static_cast< U16 >( n + headBytes + endMarkBytes );
-   Korv::assertThat( total <= pkt->frontBytes(), "numOfPackedBytes <= pkt->frontBytes()" );
-   pkt->delSharedTailData( pkt->frontBytes() - total );
+   closeFrame( *this, intfId, *pkt, closeBody( *context, mrpLib_->application() ) );
    // From here on others run (an override, a watcher, the Pam), and may come back with more to
    // send: the closed frame is out of their reach, and theirs goes into a context of its own.
    context->pktIs( nullptr );
@@ -88,8 +83,8 @@ void MrpSm::mrpTransmitTxPacket( Pelk::IntfId intfId, bool secondPktContext ) {
    mrpCounters_->numOfPktsTransmittedInc( 1 );
    trace( 8, " A pkt is sent on : ", intfId );
    to->txPkt( pkt );
-   if ( contextNow() == context.ptr() ) {
-      del();
+   if ( openFrame( *mrpLib_, intfId, secondPktContext ) == context.ptr() ) {
+      openFrameDel( *mrpLib_, intfId, secondPktContext );
    }
 }
 

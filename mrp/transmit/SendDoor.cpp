@@ -4,7 +4,7 @@
 // turns the event into an applicant event, a LeaveAll or an internal leave, once per queued entry.
 // All but the LeaveAll run on the interface of the parameters, whatever was queued; the subclass
 // decides what goes into both.
-#include "mrp/frame/MrpLib.h"
+#include "mrp/frame/AttributeKinds.h"
 #include "mrp/frame/MrpSm.h"
 #include "mrp/machines/MrpApplicantSm.h"
 #include "mrp/machines/MrpLeaveAllSm.h"
@@ -50,7 +50,7 @@ void MrpLib::mrpSendAttribute( MrpParameters const & attribute ) {
          mrpSm_->applicantSm()->handleApplicantEvent();
          mrpDeleteAttrOnDefaultStates();
          break;
-      case lvAllEvent: {
+      case lvAllEvent:
          trace( 7, "mrpSendAttribute: lvAllEvent_. intfId = ", queued,
                 "attrType = ", static_cast< char >( attribute.attributeType() ) );
          mrpSendAttributeIntf( attribute, queued, false );
@@ -59,14 +59,10 @@ void MrpLib::mrpSendAttribute( MrpParameters const & attribute ) {
          if ( auto * const found = mrpSm_->leaveAllSm()->intfLeaveAllSm( queued ) ) {
             leaveAllMachine = found;
          }
-         auto * const timer =
-            leaveAllMachine ? leaveAllMachine->leaveAllPending( savedType ) : nullptr;
-         if ( timer ) {
-            timer->timestampIs( Korv::now() + leaveAllTime );
-            leaveAllMachine->doScheduleLeaveAllTimer( leaveAllTime );
+         if ( leaveAllMachine ) {
+            leaveAllMachine->doPushLeaveAll( savedType, leaveAllTime );
          }
          break;
-      }
       case lvInternal: mrpHandleInternalLeave(); break;
       default:
          trace( 4, "Event = ", static_cast< char >( attribute.attributeEvent() ),
@@ -77,6 +73,33 @@ void MrpLib::mrpSendAttribute( MrpParameters const & attribute ) {
    context.intfIdIs( savedIntfId );
    context.attributeTypeIs( savedType );
    context.attributeKeyIs( savedKey );
+}
+
+namespace {
+
+U64 txKey( MrpLib const & lib, MrpApplication application, U8 attributeType ) {
+   U64 key = 0;
+   withAttributeKind( application, attributeType, [&]( auto kind ) {
+      using Kind = decltype( kind );
+      key = Kind::key( ( lib.*Kind::tx )() );
+   } );
+   return key;
+}
+
+} // namespace
+
+U64 MrpSm::mrpGetTxAttributeKey() const {
+   switch ( mrpLib_->application() ) {
+   case MSRP: return msrpGetTxAttributeKey();
+   case MVRP: return mvrpGetTxAttributeKey();
+   default: return 0;
+   }
+}
+U64 MrpSm::msrpGetTxAttributeKey() const {
+   return txKey( *mrpLib_, MSRP, parseContext_->attributeType() );
+}
+U64 MrpSm::mvrpGetTxAttributeKey() const {
+   return txKey( *mrpLib_, MVRP, parseContext_->attributeType() );
 }
 
 } // namespace Mrp

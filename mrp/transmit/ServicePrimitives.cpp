@@ -18,7 +18,7 @@ void MrpLib::mrpInterfaceEnable( Pelk::IntfId intfId ) {
 void MrpLib::mrpInterfaceDisable( Pelk::IntfId intfId ) {
    trace( 8, "MrpLib::mrpInterfaceDisable( ", intfId, " )" );
    mrpSm_->mrpTransmitTxAttributes( intfId );
-   // One that stayed open, because the Pam had gone, ends here.
+   // A frame that stayed open because the Pam had gone ends here, unsent.
    mrpTxPacketContextDel( intfId );
    mrpTxSecondPacketContextDel( intfId );
    mrpCleanUpIntfDatabase( intfId );
@@ -46,8 +46,8 @@ void MrpLib::mrpCleanUpIntfDatabaseAttribute( Pelk::IntfId intfId, U8 attrType, 
       return;
    }
    MrpApplicationDatabase const * const database = mrpSm_->mrpStatus()->application( application_ );
-   MrpIntfApplicant const * const intf = database ? database->attrDatabase( intfId ) : nullptr;
-   MrpIntfTypeApplicant const * const type = intf ? intf->intfTypeApplicant( attrType ) : nullptr;
+   MrpIntfTypeApplicant const * const type =
+      database ? database->intfTypeApplicant( intfId, attrType ) : nullptr;
    if ( type && type->mrpAttribute( attrKey ) ) {
       mrpSm_->addAttrToDeletePending( MrpAttribute( intfId, attrType, attrKey ) );
    }

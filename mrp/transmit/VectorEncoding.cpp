@@ -10,6 +10,7 @@
 #include "mrp/frame/MrpSm.h"
 #include "mrp/observability/RingSites.h"
 #include "mrp/observability/Trace.h"
+#include "mrp/transmit/OpenFrame.h"
 #include "mrp/vocabulary/VectorFormat.h"
 
 #include <cstring>
@@ -237,8 +238,7 @@ U32 packEvent( MrpTxPacketContext & packetContext, typename Kind::Value const & 
 // The one way of adding an attribute to a frame.
 template < class Kind >
 void addToFrame( MrpLib & lib, U8 event, Pelk::IntfId intfId, bool secondPktContext ) {
-   MrpTxPacketContext & packetContext = secondPktContext ? *lib.mrpTxSecondPacketContext( intfId )
-                                                         : *lib.mrpTxPacketContext( intfId );
+   MrpTxPacketContext & packetContext = *openFrame( lib, intfId, secondPktContext );
    MrpParseContext & context = *lib.mrpSm()->parseContext();
    typename Kind::Value const & value = ( lib.*Kind::tx )();
    trace( 8, "mrpSend ", Kind::application, " type ", Kind::type, " on ", intfId,
@@ -320,7 +320,7 @@ U32 MrpLib::mrpEncodeVlanVector( MrpTxPacketContext & packetContext,
    return encodeVector< VlanKind >( packetContext, *mrpSm_->parseContext(), vlanValue, event );
 }
 
-// ---- What the frame holds, and keys ------------------------------------------------------------
+// ---- What the frame holds ----------------------------------------------------------------------
 
 U16 msrpGetNumOfPackedBytes( MrpTxPacketContext const & packetContext ) {
    U8 const * const start = body( packetContext );
@@ -341,34 +341,6 @@ U16 mrpGetNumOfPackedBytes( MrpTxPacketContext const & packetContext, U8 applica
    case MVRP: return mvrpGetNumOfPackedBytes( packetContext );
    default: return 0;
    }
-}
-
-U64 MrpSm::mrpGetTxAttributeKey() const {
-   switch ( mrpLib_->application() ) {
-   case MSRP: return msrpGetTxAttributeKey();
-   case MVRP: return mvrpGetTxAttributeKey();
-   default: return 0;
-   }
-}
-
-namespace {
-
-U64 txKey( MrpLib const & lib, MrpApplication application, U8 attributeType ) {
-   U64 key = 0;
-   withAttributeKind( application, attributeType, [&]( auto kind ) {
-      using Kind = decltype( kind );
-      key = Kind::key( ( lib.*Kind::tx )() );
-   } );
-   return key;
-}
-
-} // namespace
-
-U64 MrpSm::msrpGetTxAttributeKey() const {
-   return txKey( *mrpLib_, MSRP, parseContext_->attributeType() );
-}
-U64 MrpSm::mvrpGetTxAttributeKey() const {
-   return txKey( *mrpLib_, MVRP, parseContext_->attributeType() );
 }
 
 } // namespace Mrp

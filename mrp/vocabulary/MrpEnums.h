@@ -1,6 +1,7 @@
 // The enumerations of the protocol: applications, states and events of the machines, and what
-// stands in an MRPDU. Their numbers are part of the design: `MrpThreePackedEvent`, `MsrpAttrType`,
-// `MvrpAttrType` and `MsrpListenerEvent` are wire values, and machines index tables with the rest.
+// stands in an MRPDU. Their numbers may not change: `MrpThreePackedEvent`, `MsrpAttrType`,
+// `MvrpAttrType` and `MsrpListenerEvent` are wire values, and states and events of the machines
+// index the tables of mrp/machines.
 //
 // Each enumeration X lists its names once, in the table below it; from that come stringValue, what
 // operator<< prints, and the conversion XInstance from a number or a name.
@@ -62,7 +63,8 @@ enum MrpRegistrarEvent : U32 {
 };
 
 // Up to lvEvent the digits of a ThreePackedEvents byte. The last two never reach a vector:
-// lvAllEvent marks a LeaveAll that travels alone, lvInternal completes the enumeration.
+// lvAllEvent marks a LeaveAll that travels alone, lvInternal asks mrpSendAttribute to drop an
+// attribute without a word on the wire.
 enum MrpThreePackedEvent : U32 {
    newEvent,
    joinInEvent,

@@ -135,9 +135,9 @@ class ValueIndex {
    static constexpr U8 max = 64;
 
    ValueIndex() = default;
-   // A range exception for a value outside of the bounds.
+   // Throws RangeException for a value outside of the bounds.
    explicit ValueIndex( U64 value );
-   // For what comes out of the mirror stream.
+   // For a reader of the mirror stream, which takes what it is sent.
    static ValueIndex unchecked( U8 value );
 
    U8 value() const { return value_; }

@@ -1,4 +1,5 @@
-// The records of MSRP, byte for byte as on the wire; accessors give and take host numbers.
+// The records of MSRP (IEEE 802.1Q, 35.2.2), byte for byte as on the wire; accessors give and take
+// host numbers.
 //
 // None of the numbers is interpreted here: the bytes received are the values.
 #pragma once
@@ -13,6 +14,8 @@
 
 namespace Mrp {
 
+// Where a stream's frames go: their destination address and VLAN.
+//
 //    0                6      8
 //    +----...---------+------+
 //    | dmac           | VLAN |
@@ -41,6 +44,9 @@ class DataFrameParameters {
 };
 static_assert( NamedWireRecord< DataFrameParameters, 8 > );
 
+// What a stream needs: the bytes of its largest frame, and how many frames it sends at most in one
+// class measurement interval.
+//
 //    0              2                   4
 //    +--------------+-------------------+
 //    | maxFrameSize | maxIntervalFrames |
@@ -69,6 +75,9 @@ class Tspec {
 };
 static_assert( NamedWireRecord< Tspec, 4 > );
 
+// The priority of a stream's frames, and its rank: of streams that do not all fit through a port,
+// those of rank 0 come first.
+//
 //    7    5   4    3       0
 //    +-------+------+-----------+
 //    | prio  | rank | undefined |
@@ -108,7 +117,7 @@ class PriorityAndRank {
 };
 static_assert( NamedWireRecord< PriorityAndRank, 1 > );
 
-// AttributeType 1.
+// AttributeType 1: a talker has a stream, and all bridges on the way could reserve for it.
 //
 //    0           8        16       20              21                   25
 //    +----...----+--...--+-------+-----------------+--------------------+
@@ -154,6 +163,8 @@ class MsrpTalkerAdvertiseAttribute {
 };
 static_assert( NamedWireRecord< MsrpTalkerAdvertiseAttribute, 25 > );
 
+// Which bridge could not reserve for a stream, and why.
+//
 //    0               8      9
 //    +------...------+------+
 //    | bridgeId      | code |
@@ -182,7 +193,7 @@ class FailureInformation {
 };
 static_assert( NamedWireRecord< FailureInformation, 9 > );
 
-// AttributeType 2.
+// AttributeType 2: a talker has a stream, and a bridge on the way could not reserve for it.
 //
 //    0                           25                   34
 //    +------------...------------+---------...--------+
@@ -279,7 +290,8 @@ class StoredListenerEvent {
    U8 bytes_[sizeof( MsrpListenerEvent )] = {};
 };
 
-// A record of memory: it pairs a stream with its Declaration Type, which the wire carries apart.
+// Of memory, not of the wire: a stream with its Declaration Type, which a vector carries apart from
+// it in its FourPackedEvents.
 //
 //    0               8               12
 //    +------...------+---------------+
@@ -309,7 +321,7 @@ class MsrpListenerAttribute {
 };
 static_assert( NamedWireRecord< MsrpListenerAttribute, 12 > );
 
-// AttributeType 4.
+// AttributeType 4: the priority and the VLAN that a port uses for streams of one class.
 //
 //    0           1                 2            4
 //    +-----------+-----------------+------------+

@@ -1,4 +1,5 @@
-// The records of MVRP, byte for byte as on the wire; accessors give and take host numbers.
+// The records of MVRP (IEEE 802.1Q, 11.2), byte for byte as on the wire; accessors give and take
+// host numbers.
 #pragma once
 
 #include "mrp/vocabulary/Foundation.h"
