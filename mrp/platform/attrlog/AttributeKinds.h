@@ -13,7 +13,7 @@
 
 namespace Korv::NboAttrLog {
 
-enum class Kind : U8 { scalar, map, children, queue };
+using Kind = AttributeKind;
 
 // What of a collection has still to be sent.
 template < class Key, class Walk >
@@ -33,7 +33,6 @@ struct Traits;
 
 template < class E, class T, class V >
 struct Traits< ScalarAttribute< E, T, V > > {
-   static constexpr Kind kind = Kind::scalar;
    using Value = std::remove_cvref_t< T >;
    struct Kept {};
    struct FlowIn {};
@@ -44,7 +43,6 @@ struct Traits< ScalarAttribute< E, T, V > > {
 
 template < class E, class C, class K, class V >
 struct Traits< MapAttribute< E, C, K, V > > {
-   static constexpr Kind kind = Kind::map;
    using Key = std::remove_cvref_t< K >;
    using Value = std::remove_cvref_t< V >;
    struct Kept {};
@@ -56,7 +54,6 @@ struct Traits< MapAttribute< E, C, K, V > > {
 
 template < class E, class C, class K, class Child >
 struct Traits< ChildrenAttribute< E, C, K, Child > > {
-   static constexpr Kind kind = Kind::children;
    using Key = std::remove_cvref_t< K >;
    using Member = std::remove_pointer_t< Child >;
    using Adapter = typename Member::KorvNboAttrLogSa;
@@ -69,7 +66,6 @@ struct Traits< ChildrenAttribute< E, C, K, Child > > {
 
 template < class E, class Q, class M >
 struct Traits< QueueAttribute< E, Q, M > > {
-   static constexpr Kind kind = Kind::queue;
    using Key = U8; // the slot
    using Metadata = std::remove_cvref_t< M >;
    struct Kept {};
@@ -91,7 +87,7 @@ struct Traits< QueueAttribute< E, Q, M > > {
 // By number: that of a queue is the one of its bytes.
 template < class Attribute >
 constexpr bool isNumber( Attribute const & attribute, U16 number ) {
-   if constexpr ( requires { attribute.metadataNumber; } ) {
+   if constexpr ( Attribute::kind == Kind::queue ) {
       return attribute.number == number || attribute.metadataNumber == number;
    } else {
       return attribute.number == number;
@@ -101,7 +97,7 @@ constexpr bool isNumber( Attribute const & attribute, U16 number ) {
 // The number at which a flow comes to the attribute.
 template < class Attribute >
 constexpr U16 firstNumber( Attribute const & attribute ) {
-   if constexpr ( requires { attribute.metadataNumber; } ) {
+   if constexpr ( Attribute::kind == Kind::queue ) {
       return attribute.metadataNumber;
    } else {
       return attribute.number;
@@ -123,7 +119,7 @@ template < class E >
 std::size_t membersBelow( E const & entity ) {
    std::size_t members = 0;
    E::attributes().forEach( [&]( auto const & attribute ) {
-      constexpr Kind kind = Traits< std::remove_cvref_t< decltype( attribute ) > >::kind;
+      constexpr Kind kind = kindOf< decltype( attribute ) >;
       if constexpr ( kind == Kind::map || kind == Kind::children ) {
          auto const & collection = ( entity.*attribute.reader )();
          members += collection.size();

@@ -46,7 +46,11 @@ class EntityAdapter : public Adapter, public E::Reactor {
    using Table = decltype( E::attributes() );
    static constexpr Table table = E::attributes();
    template < std::size_t place >
-   using TraitsAt = Traits< std::tuple_element_t< place, decltype( Table::list ) > >;
+   using AttributeAt = std::tuple_element_t< place, decltype( Table::list ) >;
+   template < std::size_t place >
+   using TraitsAt = Traits< AttributeAt< place > >;
+   template < std::size_t place >
+   static constexpr Kind kindAt = AttributeAt< place >::kind;
    using FlowIns = typename PartsOf< Table, FlowInOf >::type;
 
    struct Pending : FlowOut {
@@ -67,16 +71,15 @@ class EntityAdapter : public Adapter, public E::Reactor {
    }
    // A child has a key, its first attribute; a root has a name.
    static constexpr bool hasKey() {
-      if constexpr ( TraitsAt< 0 >::kind == Kind::scalar ) {
+      if constexpr ( kindAt< 0 > == Kind::scalar ) {
          return std::get< 0 >( table.list ).isKey;
       }
       return false;
    }
    static constexpr bool hasOnly( auto... kinds ) {
       bool all = true;
-      forEachPlace( table, [&]( auto place ) {
-         all = all && ( ( TraitsAt< place >::kind == kinds ) || ... );
-      } );
+      forEachPlace( table,
+                    [&]( auto place ) { all = all && ( ( kindAt< place > == kinds ) || ... ); } );
       return all;
    }
    // What it holds has a bound.
