@@ -17,8 +17,8 @@
 #pragma once
 
 #include "mrp/platform/attrlog/Adapter.h"
+#include "mrp/platform/attrlog/SocketOutSm.h"
 #include "mrp/platform/korv/Clock.h"
-#include "mrp/platform/korv/NboAttrLog.h"
 #include "mrp/platform/linux/DescriptorWatch.h"
 #include "mrp/platform/linux/StreamSocket.h"
 
