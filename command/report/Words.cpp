@@ -54,12 +54,9 @@ static_assert( failureWords.size() == 20 );
 
 std::string number( U64 value ) { return std::to_string( value ); }
 
-// SR class ids run from 6 for class A down to 0 for class G.
 std::string classWord( U8 srClassId ) {
-   constexpr U8 classA = 6;
-   return srClassId <= classA
-             ? std::string( "class " ) + static_cast< char >( 'A' + classA - srClassId )
-             : "class id " + number( srClassId );
+   return srClassId <= srClassA ? "class " + srClassWord( srClassId )
+                                : "class id " + number( srClassId );
 }
 
 Fields fieldsOf( Mrp::MvrpVlanAttribute const & vlan ) {
@@ -132,6 +129,10 @@ std::string typeWord( Mrp::MrpApplication application, U8 attributeType ) {
    Mrp::withAttributeKind( application, attributeType,
                            [&]( auto kind ) { word = nameOf( kind ); } );
    return word;
+}
+
+std::string srClassWord( U8 srClassId ) {
+   return std::string( 1, static_cast< char >( 'A' + srClassA - srClassId ) );
 }
 
 std::string streamIdWord( U64 streamId ) {

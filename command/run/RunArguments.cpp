@@ -2,6 +2,7 @@
 
 #include "command/Arguments.h"
 #include "command/CommandError.h"
+#include "command/report/Words.h"
 
 #include <array>
 #include <limits>
@@ -12,7 +13,6 @@ namespace {
 
 constexpr U64 firstVlan = 1;
 constexpr U64 lastVlan = 4094;
-constexpr U8 classA = 6; // and down to 0 for class G
 
 std::vector< std::string > splitAt( char separator, std::string const & text ) {
    std::vector< std::string > pieces( 1 );
@@ -37,7 +37,7 @@ T numberOf( std::string const & text, T lowest = 0, T highest = std::numeric_lim
 
 U8 srClassArgument( std::string const & text ) {
    if ( text.size() == 1 ) {
-      for ( U8 id = 0; id <= classA; ++id ) {
+      for ( U8 id = 0; id <= srClassA; ++id ) {
          if ( srClassWord( id ) == text ) {
             return id;
          }
@@ -180,9 +180,5 @@ OptionParts partsOf( std::string const & text ) {
 TalkerOption talkerArgument( OptionParts const & parts ) { return readParts( parts, talkerParts ); }
 
 DomainOption domainArgument( OptionParts const & parts ) { return readParts( parts, domainParts ); }
-
-std::string srClassWord( U8 srClassId ) {
-   return std::string( 1, static_cast< char >( 'A' + classA - srClassId ) );
-}
 
 } // namespace Command

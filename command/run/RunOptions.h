@@ -24,7 +24,7 @@ struct TalkerOption {
    std::optional< U16 > vlan; // without it that of the class
    std::optional< U16 > frameSize;
    U16 intervalFrames = 1;
-   U8 srClassId = 6;
+   U8 srClassId = 6; // class A
    bool rank = true;
    U32 latency = 0; // in nanoseconds
 };
