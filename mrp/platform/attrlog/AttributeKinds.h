@@ -1,5 +1,9 @@
-// The four kinds of attributes as the mirror stream sees them: key and value, what an adapter keeps
-// of each, what a flow keeps of what has still to be sent, and what one under way has brought.
+// What the mirror stream keeps for an attribute, by its kind. Traits< Attribute > names
+//
+//    Key, Value   what its messages carry
+//    Kept         what an adapter has of it for all its life
+//    FlowOut      what of it has still to be sent, while anything has
+//    FlowIn       what of it has been received of a collection that is under way
 #pragma once
 
 #include "mrp/platform/korv/Attributes.h"
@@ -84,7 +88,7 @@ struct Traits< QueueAttribute< E, Q, M > > {
    };
 };
 
-// By number: that of a queue is the one of its bytes.
+// Whether the number is the attribute's. A queue has two: one of its span, one of its bytes.
 template < class Attribute >
 constexpr bool isNumber( Attribute const & attribute, U16 number ) {
    if constexpr ( Attribute::kind == Kind::queue ) {
@@ -94,7 +98,7 @@ constexpr bool isNumber( Attribute const & attribute, U16 number ) {
    }
 }
 
-// The number at which a flow comes to the attribute.
+// The number by which a flow, which goes through the attributes in order, comes to this one.
 template < class Attribute >
 constexpr U16 firstNumber( Attribute const & attribute ) {
    if constexpr ( Attribute::kind == Kind::queue ) {

@@ -82,7 +82,7 @@ class EntityAdapter : public Adapter, public E::Reactor {
                     [&]( auto place ) { all = all && ( ( kindAt< place > == kinds ) || ... ); } );
       return all;
    }
-   // What it holds has a bound.
+   // It has no map and no children, so that a few messages tell all of it.
    static constexpr bool isSmall = hasOnly( Kind::scalar, Kind::queue );
    // A root of scalars, as the counters and the parse context, changes several times with each
    // attribute of each frame. It is told of once an event-loop turn: the first change leaves a flow
@@ -94,7 +94,7 @@ class EntityAdapter : public Adapter, public E::Reactor {
    template < class Attributes >
    struct Told< Attributes, true > {
       typename PartsOf< Attributes, ValueOf >::type values;
-      // While nobody would tell the adapter that the entity has gone.
+      // Keeps the entity alive while the adapter does not listen, and would not hear of its end.
       Ptr< E const > unheard;
    };
    void listensIs( bool listens ) {
@@ -135,6 +135,7 @@ class EntityAdapter : public Adapter, public E::Reactor {
    Pending & pending() { return static_cast< Pending & >( *flowOut() ); }
    Pending const & pending() const { return static_cast< Pending const & >( *flowOut() ); }
 
+   // Sending; each is told at its body.
    template < std::size_t place, class Write, class Mark >
    void handleChange( U16 attrId, Write && write, Mark && mark );
    template < std::size_t place >
@@ -164,6 +165,7 @@ class EntityAdapter : public Adapter, public E::Reactor {
    template < std::size_t place, class Key >
    bool nboAttrLogAdapterDel( Key const & key );
 
+   // Receiving; the same.
    template < std::size_t place >
    void deserialize( S16 attrId, ByteReader & in );
    template < std::size_t place >

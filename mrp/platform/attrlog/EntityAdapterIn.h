@@ -69,7 +69,8 @@ void EntityAdapter< E >::deserialize( S16 attrId, ByteReader & in ) {
    }
 }
 
-// A 0 next to a span that does not begin at slot 0: the entity takes it for what is there already.
+// Puts a slot that has just been written into the span, if it is not there yet. That is the case
+// for a 0: the entity ignores a byte that its slot has already, and slots outside the span read 0.
 template < class E >
 template < std::size_t place >
 void EntityAdapter< E >::doGrowSpan( U8 slot ) {
@@ -104,7 +105,7 @@ void EntityAdapter< E >::deserializeChild( Key const & key, ByteReader & in ) {
    std::get< place >( kept_ ).adapters.insertOrAssign( key, std::move( made ) );
 }
 
-// One that is not there yet, and is about to come.
+// Counts a member that is about to come, if the key is new.
 template < class E >
 template < std::size_t place, class Key >
 void EntityAdapter< E >::doCountMember( Key const & key ) {
@@ -177,7 +178,7 @@ bool EntityAdapter< E >::isBrought() const {
    return brought_ == collections;
 }
 
-// What the resync has not brought exists no more. Of a queue the span has said it.
+// What the resync has not brought exists no more. For a queue the message of its span has done it.
 template < class E >
 template < std::size_t place >
 void EntityAdapter< E >::doDelUnbrought() {

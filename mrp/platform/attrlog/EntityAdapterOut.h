@@ -5,6 +5,7 @@
 
 namespace Korv::NboAttrLog {
 
+// What each reactor does with a change: writes it, or marks it for the flow, or neither.
 template < class E >
 template < std::size_t place, class Write, class Mark >
 void EntityAdapter< E >::handleChange( U16 attrId, Write && write, Mark && mark ) {
@@ -84,6 +85,7 @@ bool EntityAdapter< E >::prepareImmediateTransmission( U16 attrId, bool noBuffer
    return settled && !noBuffer;
 }
 
+// Whether something of the attribute has still to be sent.
 template < class E >
 template < std::size_t place >
 bool EntityAdapter< E >::isPending() const {
@@ -101,7 +103,8 @@ bool EntityAdapter< E >::isPending() const {
    return pends;
 }
 
-// Unless it stands there already. It says itself what there is to say.
+// The member's adapter, made and attached if there is none yet. From then on it sends all that is
+// to be said of the member.
 template < class E >
 template < std::size_t place, class Key, class Member >
 void EntityAdapter< E >::nboAttrLogAdapterIs( Key const & key, Member & member ) {
@@ -134,6 +137,7 @@ bool EntityAdapter< E >::nboAttrLogAdapterDel( Key const & key ) {
    return adapters.erase( key );
 }
 
+// One plain message.
 template < class E >
 template < class... Part >
 void EntityAdapter< E >::doWrite( U64 about, S16 attrId, Part const &... part ) {
@@ -180,7 +184,7 @@ void EntityAdapter< E >::korvHandleSerializeSing( Key const & key ) {
    }
 }
 
-// Of the hundreds of thousands of attributes that a stream begins with, each is told in one step.
+// A stream begins with hundreds of thousands of attributes: each is sent in one step, with no flow.
 template < class E >
 bool EntityAdapter< E >::doSerializeAll() {
    if constexpr ( isSmall ) {
@@ -248,7 +252,7 @@ bool EntityAdapter< E >::korvHandleSerializeColl() {
    return false;
 }
 
-// 0 when done, else the number to come back to.
+// One attribute's turn in a flow. 0 when it is done, else the number to come back to.
 template < class E >
 template < std::size_t place >
 U16 EntityAdapter< E >::flowAttr() {

@@ -9,10 +9,12 @@
 
 namespace Korv {
 
-// Raised by each change of membership among the children of a level of a tree, anywhere in the
-// process: whoever remembers a place in a tree of entities compares. A class of children that
-// wants a count of its own names itself as its MembershipLevel.
-// One for the process also where a library and its user hide their symbols from each other.
+// Counts the changes of membership among children, anywhere in the process. Whoever remembers a
+// place in a tree of entities compares the count, and so knows when the place may have gone. A
+// class of children that wants a count of its own names itself as its MembershipLevel.
+//
+// The visibility keeps it one count for the process where a library and its user hide their symbols
+// from each other.
 template < class Level >
 [[gnu::visibility( "default" )]] inline U64 membershipChanges = 0;
 

@@ -5,13 +5,13 @@
 // are marks instead of messages. An observer that reads no more costs its marks; one that goes
 // takes all of it along; one that comes gets everything from the start.
 //
-// One that has taken nothing for too long, while something waits for it, is sent away: it may come
-// again and gets everything.
+// An observer that has taken nothing for too long, while something waits for it, is disconnected.
+// It may come again and gets everything.
 //
-// Entered as the connection's output, the server says whose send buffer the commits of the engine
-// look at. Who is slow must hold up nobody but himself as long as another keeps up: it is that of
-// one observer for as long as no more than half of it is unsent, at first the one that has been
-// there longest, and then that of whoever has the least unsent.
+// The engine holds its commits off while the send buffer of one socket is more than half full. The
+// server says which socket that is (socketOutSm). It is one observer's, at first that of the one
+// that came first, until more than half of it is unsent; then it is that of whoever has the least
+// unsent. So a slow observer holds nothing up as long as another keeps up.
 //
 // Owned by the agent, made after the activity and gone before it.
 #pragma once

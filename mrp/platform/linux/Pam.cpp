@@ -9,7 +9,7 @@ namespace Linux {
 
 namespace {
 
-// Of frames in a row that are not the reader's: the rest may wait for the next turn.
+// How many frames that are not for the reader one read passes over; the rest waits for the next.
 constexpr int discardsARead = 64;
 
 } // namespace
