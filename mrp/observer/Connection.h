@@ -22,6 +22,7 @@ class Connection {
    static constexpr Korv::Seconds firstDelay = 0.1;
    static constexpr Korv::Seconds longestDelay = 5;
 
+   // Throws Korv::RangeException for an address that cannot be one; for all else it tries again.
    Connection( Linux::RealActivity & activity, Linux::StreamAddress address, Mirror & mirror );
    Connection( Connection const & ) = delete;
    Connection & operator=( Connection const & ) = delete;
@@ -32,7 +33,7 @@ class Connection {
    // How many streams there have been, and why the last attempt or stream ended.
    Korv::U64 streams() const { return streams_; }
    std::string const & lastError() const { return lastError_; }
-   // Off, nothing is read: the server has to do with what its socket holds.
+   // Off, nothing is read: what the server sends stays in the sockets between, until they are full.
    void readingIs( bool reading );
 
  private:

@@ -41,7 +41,7 @@ class AttrLogServer {
       Seconds stallLimit = 10; // without taking anything; 0: none
    };
 
-   // Throws std::system_error if the address cannot be had.
+   // Throws std::system_error or Korv::RangeException if the address cannot be had.
    AttrLogServer( RealActivity & activity, StreamAddress const & address, Mount mount )
       : AttrLogServer( activity, address, std::move( mount ), Options() ) {}
    AttrLogServer( RealActivity & activity, StreamAddress const & address, Mount mount,
