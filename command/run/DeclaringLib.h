@@ -90,7 +90,7 @@ class DeclaringLib : public Mrp::MrpLib {
    using Name = std::pair< U8, U64 >; // type and key
    using Bytes = std::vector< U8 >;   // of a value
    struct Port {
-      bool isFresh = false;  // it has got or lost its packet access since the last pass
+      bool isFresh = false;  // its packet access has come or gone since the last pass
       bool isAsking = false; // it is to send a LeaveAll at the end of the pass
       std::map< Name, Bytes > declared;
       std::map< Name, Happening > told; // the latest join of each that has had no leave

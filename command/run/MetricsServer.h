@@ -36,7 +36,7 @@ class MetricsServer {
    void handleClosed( int socket );
 
  private:
-   // A time of its own: the library's work that no descriptor tells of.
+   // Calls back at a time.
    class Due : public Korv::Clock::Reactor {
     public:
       explicit Due( std::function< void() > due )
@@ -47,6 +47,7 @@ class MetricsServer {
     private:
       std::function< void() > due_;
    };
+   // An open connection, which is cut off at its deadline.
    struct Client {
       explicit Client( int number );
       int socket;
@@ -56,7 +57,7 @@ class MetricsServer {
       void operator()( MHD_Daemon * daemon ) const;
    };
 
-   // Everything that is ready, and then as long as the library can wait.
+   // Runs the library for all that is ready, and sets the time at which it wants to run next.
    void work();
 
    Text text_;
@@ -66,7 +67,7 @@ class MetricsServer {
    Linux::Descriptor listening_;
    std::unique_ptr< MHD_Daemon, Stop > daemon_;
    std::unique_ptr< Linux::DescriptorWatch > watch_;
-   Due due_{ [this] { work(); } };
+   Due due_{ [this] { work(); } }; // for what no descriptor tells of
 };
 
 } // namespace Command

@@ -46,7 +46,7 @@ U8 srClassArgument( std::string const & text ) {
    throw CommandError( "'" + text + "' is no SR class: A to G" );
 }
 
-// One part by name: how it is read into what the option is about.
+// A part of an option, and how its text is read into the option's value.
 template < class Target >
 struct Part {
    char const * name;

@@ -36,7 +36,7 @@ Script::Setting entrySetting( Korv::MapAttribute< MrpConfig, C, Pelk::IntfId, V 
    };
 }
 
-// Calls f( attribute ) for the attribute that the node names.
+// Calls f( attribute ) for the attribute of that name; the node is where the name stands.
 template < class F >
 void withAttribute( ScriptNode const & node, std::string const & name, F && f ) {
    bool isFound = false;

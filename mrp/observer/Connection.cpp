@@ -63,11 +63,11 @@ void Connection::handleReady( Korv::U32 ready ) {
       mirror_.handleBytes( std::span( bytes ).first( static_cast< std::size_t >( got ) ) );
    } catch ( StreamError const & error ) {
       return handleEnd( error.what() );
-   } catch ( ... ) { // the mirror's stream has ended, whatever it was
+   } catch ( ... ) { // thrown by a watcher: the mirror's stream has ended, and the loop hears of it
       handleEnd( "what has arrived could not be applied" );
       throw;
    }
-   // Sense has been made of it: the next attempt may come soon.
+   // A stream that has made sense once may be tried again soon.
    delay_ = mirror_.messages() > 0 ? firstDelay : delay_;
 }
 
