@@ -55,12 +55,12 @@ void DeclaringLib::mrpLeaveIndication( Mrp::MrpParameters const & indication ) {
 
 void DeclaringLib::settleLater( U64 key ) {
    unsettled_.insert( key );
-   pass_.timeMinIs( Korv::now() );
+   pass_.doRunIn( 0 );
 }
 
 void DeclaringLib::settleAllLater() {
    isAllUnsettled_ = true;
-   pass_.timeMinIs( Korv::now() );
+   pass_.doRunIn( 0 );
 }
 
 void DeclaringLib::handlePam( Pelk::IntfId intfId ) {

@@ -95,15 +95,6 @@ class DeclaringLib : public Mrp::MrpLib {
       std::map< Name, Bytes > declared;
       std::map< Name, Happening > told; // the latest join of each that has had no leave
    };
-   class Pass : public Korv::Clock::Reactor {
-    public:
-      explicit Pass( DeclaringLib & lib )
-         : Reactor( Korv::activityManager().clock(), Korv::Clock::Rank::outside ), lib_( lib ) {}
-      void onTime() override { lib_.handlePass(); }
-
-    private:
-      DeclaringLib & lib_;
-   };
    class PamWatch : public Interface::EthDevPamCollection::Reactor {
     public:
       explicit PamWatch( DeclaringLib & lib ) : lib_( lib ) {}
@@ -128,7 +119,7 @@ class DeclaringLib : public Mrp::MrpLib {
    std::map< Pelk::IntfId, Port > ports_; // of all interfaces
    Keys unsettled_;
    bool isAllUnsettled_ = false;
-   Pass pass_{ *this };
+   Korv::CallbackTimer pass_{ Korv::activityManager().clock(), [this] { handlePass(); } };
    PamWatch pamWatch_{ *this };
    LinkWatch linkWatch_{ [this] { settleAllLater(); } };
 };

@@ -64,8 +64,8 @@ bool queue( MHD_Connection & connection, unsigned status, std::string const & te
 MetricsServer::Client::Client( int number )
    : socket( number ),
      // The library then finds the socket closed, and ends the connection.
-     deadline( [number] { ::shutdown( number, SHUT_RDWR ); } ) {
-   deadline.timeMinIs( Korv::now() + patience );
+     deadline( Korv::activityManager().clock(), [number] { ::shutdown( number, SHUT_RDWR ); } ) {
+   deadline.doRunIn( patience );
 }
 
 MetricsServer::MetricsServer( Linux::RealActivity & activity, Linux::StreamAddress const & address,

@@ -36,22 +36,11 @@ class MetricsServer {
    void handleClosed( int socket );
 
  private:
-   // Calls back at a time.
-   class Due : public Korv::Clock::Reactor {
-    public:
-      explicit Due( std::function< void() > due )
-         : Reactor( Korv::activityManager().clock(), Korv::Clock::Rank::outside ),
-           due_( std::move( due ) ) {}
-      void onTime() override { due_(); }
-
-    private:
-      std::function< void() > due_;
-   };
    // An open connection, which is cut off at its deadline.
    struct Client {
       explicit Client( int number );
       int socket;
-      Due deadline;
+      Korv::CallbackTimer deadline;
    };
    struct Stop {
       void operator()( MHD_Daemon * daemon ) const;
@@ -67,7 +56,8 @@ class MetricsServer {
    Linux::Descriptor listening_;
    std::unique_ptr< MHD_Daemon, Stop > daemon_;
    std::unique_ptr< Linux::DescriptorWatch > watch_;
-   Due due_{ [this] { work(); } }; // for what no descriptor tells of
+   // For what no descriptor tells of.
+   Korv::CallbackTimer due_{ Korv::activityManager().clock(), [this] { work(); } };
 };
 
 } // namespace Command

@@ -78,7 +78,7 @@ void Connection::handleEnd( std::string const & error ) {
    watch_.reset();
    socket_ = Linux::Descriptor();
    mirror_.streamEnds();
-   retry_.timeMinIs( retry_.clock().now() + delay_ );
+   retry_.doRunIn( delay_ );
    delay_ = std::min( 2 * delay_, longestDelay );
 }
 

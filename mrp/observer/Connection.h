@@ -37,17 +37,6 @@ class Connection {
    void readingIs( bool reading );
 
  private:
-   class Retry : public Korv::Clock::Reactor {
-    public:
-      explicit Retry( Connection & connection )
-         : Reactor( connection.activity_.clock(), Korv::Clock::Rank::outside ),
-           connection_( connection ) {}
-      void onTime() override { connection_.connect(); }
-
-    private:
-      Connection & connection_;
-   };
-
    void connect();
    void handleReady( Korv::U32 ready );
    void handleEnd( std::string const & error );
@@ -57,7 +46,7 @@ class Connection {
    Mirror & mirror_;
    Linux::Descriptor socket_;
    std::optional< Linux::DescriptorWatch > watch_;
-   Retry retry_{ *this };
+   Korv::CallbackTimer retry_{ activity_.clock(), [this] { connect(); } };
    Korv::Seconds delay_ = firstDelay;
    Korv::U64 streams_ = 0;
    std::string lastError_;

@@ -72,23 +72,6 @@ class AttrLogServer {
       Korv::S32 fd_ = -1;
    };
    using Observers = std::list< std::unique_ptr< Observer > >;
-   class Timer : public Korv::Clock::Reactor {
-    public:
-      Timer( AttrLogServer & server, void ( AttrLogServer::*on )() )
-         : Reactor( server.activity_.clock(), Korv::Clock::Rank::outside ), server_( server ),
-           on_( on ) {}
-      void onTime() override { ( server_.*on_ )(); }
-      // Unless it runs already.
-      void doRun( Seconds delay ) {
-         if ( timeMin() == Korv::never ) {
-            timeMinIs( clock().now() + delay );
-         }
-      }
-
-    private:
-      AttrLogServer & server_;
-      void ( AttrLogServer::*on_ )();
-   };
 
    void handleAccept();
    void handleRetry() { listenWatch_->eventsIs( DescriptorWatch::reading ); }
@@ -106,9 +89,11 @@ class AttrLogServer {
    Korv::Ptr< SocketOut > socketOut_{ new SocketOut };
    Descriptor listening_;
    std::unique_ptr< DescriptorWatch > listenWatch_;
-   Timer retry_{ *this, &AttrLogServer::handleRetry }; // after the process was out of descriptors
-   Timer check_{ *this, &AttrLogServer::handleCheck }; // while something waits for somebody
-   Timer teardown_{ *this, &AttrLogServer::handleTeardown };
+   // After the process was out of descriptors; while something waits for somebody; while adapters
+   // are left of observers that have gone.
+   Korv::CallbackTimer retry_{ activity_.clock(), [this] { handleRetry(); } };
+   Korv::CallbackTimer check_{ activity_.clock(), [this] { handleCheck(); } };
+   Korv::CallbackTimer teardown_{ activity_.clock(), [this] { handleTeardown(); } };
    Observers observers_;
    Observers leaving_; // gone, short of their adapters
    Observer * offered_ = nullptr;
