@@ -102,12 +102,6 @@ char const * nameOf( Mrp::TalkerFailedKind ) { return "Talker Failed"; }
 char const * nameOf( Mrp::ListenerKind ) { return "Listener"; }
 char const * nameOf( Mrp::DomainKind ) { return "Domain"; }
 
-template < class T >
-Bytes bytesOf( T const & value ) {
-   auto const * const bytes = reinterpret_cast< U8 const * >( &value );
-   return { bytes, bytes + sizeof value };
-}
-
 bool isNumber( std::string const & text ) {
    return std::ranges::all_of( text, []( char c ) { return c >= '0' && c <= '9'; } );
 }

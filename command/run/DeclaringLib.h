@@ -25,12 +25,12 @@
 // the engine ends with no indication, in a flush and with an interface that goes.
 #pragma once
 
-#include "mrp/frame/AttributeKinds.h"
 #include "mrp/frame/MrpLib.h"
 #include "mrp/platform/interface/EthDevPamCollection.h"
 #include "mrp/platform/korv/Clock.h"
 
 #include "command/report/Timeline.h"
+#include "command/report/ValueRecord.h"
 #include "command/run/LinkWatch.h"
 
 #include <functional>
@@ -129,8 +129,7 @@ void DeclaringLib::declare( Pelk::IntfId intfId, typename Kind::Value const & va
    if ( !hasPam( intfId ) ) {
       return;
    }
-   auto const * const start = reinterpret_cast< U8 const * >( &value );
-   Bytes bytes( start, start + sizeof value );
+   Bytes bytes = bytesOf( value );
    Name const name( Kind::type, Kind::key( value ) );
    Bytes & declared = ports_[intfId].declared[name];
    if ( declared == bytes && !isNew ) {
