@@ -1,5 +1,7 @@
 #include "command/run/RunArguments.h"
 
+#include "mrp/platform/bridging/VlanId.h"
+
 #include "command/Arguments.h"
 #include "command/CommandError.h"
 #include "command/report/Words.h"
@@ -10,9 +12,6 @@
 namespace Command {
 
 namespace {
-
-constexpr U64 firstVlan = 1;
-constexpr U64 lastVlan = 4094;
 
 std::vector< std::string > splitAt( char separator, std::string const & text ) {
    std::vector< std::string > pieces( 1 );
@@ -27,7 +26,8 @@ std::vector< std::string > splitAt( char separator, std::string const & text ) {
 }
 
 U16 vlanArgument( std::string const & text ) {
-   return static_cast< U16 >( numberArgument( text, "VLAN", firstVlan, lastVlan ) );
+   using Bridging::VlanId;
+   return static_cast< U16 >( numberArgument( text, "VLAN", VlanId::first, VlanId::last ) );
 }
 
 template < class T >
