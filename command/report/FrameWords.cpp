@@ -5,6 +5,7 @@
 
 #include "command/report/Words.h"
 
+#include <cstring>
 #include <stdexcept>
 
 namespace Command {

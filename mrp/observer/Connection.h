@@ -11,7 +11,6 @@
 #include "mrp/platform/linux/DescriptorWatch.h"
 #include "mrp/platform/linux/StreamSocket.h"
 
-#include <functional>
 #include <optional>
 #include <string>
 

@@ -15,7 +15,6 @@
 #include "mrp/platform/attrlog/Output.h"
 
 #include <memory>
-#include <optional>
 #include <set>
 
 namespace Korv::NboAttrLog {

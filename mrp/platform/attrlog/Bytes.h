@@ -20,6 +20,7 @@
 #include "mrp/platform/pelk/IntfId.h"
 
 #include <bit>
+#include <cstring>
 #include <span>
 #include <stdexcept>
 #include <string>

@@ -11,7 +11,6 @@
 #include "mrp/platform/korv/Record.h"
 #include "mrp/platform/korv/Types.h"
 
-#include <concepts>
 #include <limits>
 #include <string>
 #include <string_view>

@@ -1,10 +1,9 @@
 #include "mrp/platform/linux/PacketSocket.h"
 
-#include <climits>
-
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 #include <linux/filter.h>
 #include <linux/if_arp.h>

@@ -3,6 +3,7 @@
 #include "mrp/platform/linux/Network.h"
 #include "mrp/platform/pelk/ReceivePool.h"
 
+#include <array>
 #include <cerrno>
 
 namespace Linux {
