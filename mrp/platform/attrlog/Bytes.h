@@ -35,8 +35,8 @@ class StreamError : public std::runtime_error {
    using runtime_error::runtime_error;
 };
 
-// The names of interfaces that streams have brought. The process keeps each of them for good, so
-// their number is limited.
+// The names of interfaces that streams have brought, one after the other. The process keeps each of
+// them for good, so their number is limited.
 class NameGuard {
  public:
    static constexpr std::size_t maxNames = 16'384;

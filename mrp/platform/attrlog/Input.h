@@ -25,7 +25,7 @@ class Input {
    // Makes the adapter of a root that the stream has told of.
    using Root = std::function< std::unique_ptr< Adapter >( Input & input, U64 identifier ) >;
 
-   // `names` outlives it, and is the next stream's too: their number is limited for the process.
+   // `names` outlives it, and counts for the streams that come after it too.
    explicit Input( NameGuard & names ) : names_( names ) {}
    Input( Input const & ) = delete;
    Input & operator=( Input const & ) = delete;
