@@ -8,7 +8,7 @@ namespace Bench {
 
 namespace {
 
-// More than these no processor learns by heart.
+// The look-ups of more keys than these no processor learns by heart.
 constexpr std::size_t learntKeys = 20'000;
 
 template < int copy >

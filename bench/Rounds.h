@@ -49,8 +49,9 @@ struct Goal {
 //
 // A processor that sees the same look-ups again and again learns by heart which way each branch
 // goes: a look-up of 4,094 ascending keys costs 50 ns at first and 10 ns from the thirtieth time
-// on. Work that can be repeated is so too, and settles in three times. So that the yardstick is
-// the strictest there is, each side first runs `settle` times untimed, then `passes` times timed.
+// on. The engine's work gains by being repeated too, where it can be, and has settled after three
+// times. So that the yardstick is the strictest there is, each side first runs `settle` times
+// untimed, then `passes` times timed.
 struct Round {
    std::function< void() > prepare = [] {};
    std::function< void() > work;

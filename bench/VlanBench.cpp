@@ -36,6 +36,12 @@ void refreshRounds( benchmark::State & state, std::string const & name, int sett
       goal );
 }
 
+// A participant that has seen nothing, in the place of the one that has been measured.
+void renew( std::unique_ptr< Agent > & agent ) {
+   agent.reset();
+   agent = std::make_unique< Agent >( Mrp::MVRP, 1 );
+}
+
 } // namespace
 
 void refresh( benchmark::State & state ) {
@@ -54,11 +60,7 @@ void firstRegistration( benchmark::State & state ) {
    LookUps const lookUps = ascendingLookUps( allVlans );
    std::unique_ptr< Agent > agent;
    alternate( state, "first registration of 4,094 VLANs, with commit",
-              { .prepare =
-                   [&] {
-                      agent.reset();
-                      agent = std::make_unique< Agent >( Mrp::MVRP, 1 );
-                   },
+              { .prepare = [&] { renew( agent ); },
                 .work =
                    [&] {
                       agent->receive( 0, frame );
@@ -105,11 +107,7 @@ void declarations( benchmark::State & state ) {
    std::unique_ptr< Agent > agent;
    alternate(
       state, "4,094 declarations, to frames",
-      { .prepare =
-           [&] {
-              agent.reset();
-              agent = std::make_unique< Agent >( Mrp::MVRP, 1 );
-           },
+      { .prepare = [&] { renew( agent ); },
         .work =
            [&] {
               for ( Korv::U16 vlanId = 1; vlanId <= allVlans; ++vlanId ) {

@@ -7,7 +7,6 @@
 #include <cctype>
 #include <charconv>
 #include <cmath>
-#include <limits>
 #include <optional>
 
 namespace Command {

@@ -14,6 +14,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <functional>
 
 namespace Command {
@@ -22,20 +23,45 @@ namespace {
 
 constexpr int usageError = 2;
 
-// The option's text goes through `read` into `target`; what is wrong with it names the option.
+// `read` for one option: what is wrong with a text names the option.
+template < class Read >
+auto readFor( std::string const & option, Read read ) {
+   return [option, read]( std::string const & text ) {
+      try {
+         return read( text );
+      } catch ( CommandError const & error ) {
+         throw CommandError( option + ": " + error.what() );
+      }
+   };
+}
+
+// An option whose text goes through `read` into `target`.
 template < class T, class Read >
 CLI::Option * addOption( CLI::App & app, std::string const & name, T & target, Read read,
                          std::string const & description ) {
    return app.add_option_function< std::string >(
       name,
-      [name, &target, read]( std::string const & text ) {
-         try {
-            target = read( text );
-         } catch ( CommandError const & error ) {
-            throw CommandError( name + ": " + error.what() );
-         }
+      [&target, read = readFor( name, read )]( std::string const & text ) {
+         target = read( text );
       },
       description );
+}
+
+// An option of several texts, each of which goes through `read`.
+template < class Read >
+CLI::Option * addListOption( CLI::App & app, std::string const & name, Read read,
+                             std::string const & description ) {
+   return app.add_option_function< std::vector< std::string > >(
+      name,
+      [read = readFor( name, read )]( std::vector< std::string > const & texts ) {
+         std::ranges::for_each( texts, read );
+      },
+      description );
+}
+
+// One text each time the option is given, and not all that follow.
+void takeOneEachTime( CLI::Option & option, CLI::MultiOptionPolicy policy ) {
+   option.expected( 1 )->allow_extra_args( false )->multi_option_policy( policy );
 }
 
 using Run = std::function< int( std::ostream & out, std::ostream & err ) >;
@@ -114,32 +140,24 @@ void describeScript( CLI::App & mrp, Run & run ) {
 
 // An option of `mrp run`, on the command line as the table of them has it.
 void addRunOption( CLI::App & app, RunOption const & option, RunOptions & target ) {
-   std::string const name = option.name;
-   auto const read = [&option, &target]( std::vector< std::string > const & texts ) {
-      for ( std::string const & text : texts ) {
-         try {
-            option.read( target, text );
-         } catch ( CommandError const & error ) {
-            throw CommandError( "--" + std::string( option.name ) + ": " + error.what() );
-         }
-      }
+   std::string const name = std::string( "--" ) + option.name;
+   auto const read = [&option, &target]( std::string const & text ) {
+      option.read( target, text );
    };
    if ( !option.typeName ) {
       app.add_flag_function(
-         ( name == "json" ? "-j,--" : "--" ) + name,
-         [read]( std::int64_t count ) { read( { count > 0 ? "true" : "false" } ); },
+         name == "--json" ? "-j," + name : name,
+         [read = readFor( name, read )]( std::int64_t count ) {
+            read( count > 0 ? "true" : "false" );
+         },
          option.description );
-      return;
-   }
-   bool const isPositional = name == "interfaces";
-   CLI::Option * const added = app.add_option_function< std::vector< std::string > >(
-      isPositional ? option.typeName : "--" + name, read, option.description );
-   added->type_name( isPositional ? "" : option.typeName );
-   if ( !isPositional ) {
-      // One text each time it is given, and not all that follow.
+   } else if ( name == "--interfaces" ) {
+      addListOption( app, option.typeName, read, option.description )->type_name( "" );
+   } else {
       using Policy = CLI::MultiOptionPolicy;
-      added->expected( 1 )->allow_extra_args( false )->multi_option_policy(
-         option.isList ? Policy::TakeAll : Policy::Throw );
+      CLI::Option & added = *addListOption( app, name, read, option.description );
+      added.type_name( option.typeName );
+      takeOneEachTime( added, option.isList ? Policy::TakeAll : Policy::Throw );
    }
 }
 
@@ -201,24 +219,10 @@ void describeShow( CLI::App & mrp, Run & run ) {
    CLI::App & app =
       *mrp.add_subcommand( "show", "Show what a running participant declares and registers" );
    auto const options = std::make_shared< ShowOptions >();
-   // One text each time it is given, and not all that follow.
    auto const addFilter = [&app]( char const * name, auto add, char const * description ) {
-      return app
-         .add_option_function< std::vector< std::string > >(
-            name,
-            [name, add]( std::vector< std::string > const & texts ) {
-               for ( std::string const & text : texts ) {
-                  try {
-                     add( text );
-                  } catch ( CommandError const & error ) {
-                     throw CommandError( std::string( name ) + ": " + error.what() );
-                  }
-               }
-            },
-            description )
-         ->expected( 1 )
-         ->allow_extra_args( false )
-         ->multi_option_policy( CLI::MultiOptionPolicy::TakeAll );
+      CLI::Option * const added = addListOption( app, name, add, description );
+      takeOneEachTime( *added, CLI::MultiOptionPolicy::TakeAll );
+      return added;
    };
    app.add_flag( "-w,--watch", options->watch, "Go on, and show anew whatever changes" );
    app.add_flag( "-j,--json", options->json, "Print JSON: one document, or a line at each change" );

@@ -6,8 +6,7 @@
 #include "mrp/platform/sornlog/RingReader.h"
 
 #include "command/CommandError.h"
-
-#include <nlohmann/json.hpp>
+#include "command/report/Json.h"
 
 #include <algorithm>
 #include <array>
@@ -20,7 +19,6 @@ namespace Command {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
 using Sornlog::RingContents;
 using Sornlog::RingRecord;
 
@@ -52,7 +50,7 @@ RingContents contentsOf( std::string const & path ) {
    }
 }
 
-Json argumentOf( Sornlog::RingArgument const & argument ) {
+Json argumentJson( Sornlog::RingArgument const & argument ) {
    switch ( argument.code ) {
    case 'p': return argument.text;
    case 'b': return argument.number != 0;
@@ -60,10 +58,10 @@ Json argumentOf( Sornlog::RingArgument const & argument ) {
    }
 }
 
-Json recordOf( RingContents const & ring, RingRecord const & record ) {
+Json recordJson( RingContents const & ring, RingRecord const & record ) {
    Json arguments = Json::array();
    for ( auto const & argument : record.arguments ) {
-      arguments.push_back( argumentOf( argument ) );
+      arguments.push_back( argumentJson( argument ) );
    }
    return { { "sequence", record.sequence },
             { "time", Korv::timeOfDayText( record.time ) },
@@ -73,10 +71,10 @@ Json recordOf( RingContents const & ring, RingRecord const & record ) {
             { "text", text( ring, record ) } };
 }
 
-void writeJson( RingContents const & ring, std::ostream & out ) {
+void writeRingJson( RingContents const & ring, std::ostream & out ) {
    Json records = Json::array();
    for ( RingRecord const & record : ring.records ) {
-      records.push_back( recordOf( ring, record ) );
+      records.push_back( recordJson( ring, record ) );
    }
    Json const document{ { "process", ring.process },
                         { "started", Korv::timeOfDayText( ring.started ) },
@@ -84,11 +82,10 @@ void writeJson( RingContents const & ring, std::ostream & out ) {
                         { "damaged", ring.damaged },
                         { "lost", ring.lost },
                         { "records", std::move( records ) } };
-   // Strings are bytes of the process, which need not be text.
-   out << document.dump( 2, ' ', false, Json::error_handler_t::replace ) << '\n';
+   out << jsonText( document, 2 ) << '\n';
 }
 
-void writeText( RingContents const & ring, std::ostream & out ) {
+void writeRingText( RingContents const & ring, std::ostream & out ) {
    out << "process " << ring.process << ", started " << Korv::timeOfDayText( ring.started )
        << "\n\n";
    for ( RingRecord const & record : ring.records ) {
@@ -123,7 +120,7 @@ int ring( RingOptions const & options, std::ostream & out, std::ostream & err ) 
    std::erase_if( contents.records, [&]( RingRecord const & record ) {
       return ( options.levels >> contents.sites[record.site].level & 1u ) == 0;
    } );
-   ( options.json ? writeJson : writeText )( contents, out );
+   ( options.json ? writeRingJson : writeRingText )( contents, out );
    remark( contents, err );
    return contents.damaged ? 1 : 0;
 }

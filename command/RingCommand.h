@@ -1,7 +1,6 @@
 // `mrp ring`: what the ring buffer of a process holds.
 #pragma once
 
-#include <optional>
 #include <ostream>
 #include <string>
 

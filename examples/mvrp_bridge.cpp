@@ -9,7 +9,6 @@
 #include "mrp/platform/memory/VirtualActivity.h"
 #include "mrp/platform/memory/Wire.h"
 
-#include <functional>
 #include <iostream>
 
 using Mrp::MrpParameters;

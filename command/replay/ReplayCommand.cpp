@@ -75,7 +75,8 @@ std::vector< Arrival > arrivalsOf( std::vector< Capture > const & captures,
    return arrivals;
 }
 
-// Some months of LeaveAlls fill the memory, and what lasts that long has a wrong time in it.
+// Captures that are months apart have a wrong time in them, and the LeaveAlls of that long a replay
+// would fill the memory.
 void checkDuration( Nanoseconds duration ) {
    constexpr Nanoseconds day = 86'400 * nanosecondsPerSecond;
    constexpr Nanoseconds longest = 100;

@@ -5,6 +5,7 @@
 
 #include "command/report/Words.h"
 
+#include <cstring>
 #include <stdexcept>
 
 namespace Command {
@@ -149,7 +150,8 @@ class FrameInWords {
       sayValues( type, valueOfFirstValue( application_, type, firstValue ), values, three, four );
    }
 
-   // Values that follow on each other with the same event, and the same declaration, go together.
+   // Values that follow on each other, with the same event and the same declaration, are said as a
+   // range.
    void sayValues( U8 type, Bytes value, U16 values, std::span< U8 const > three,
                    std::span< U8 const > four ) {
       Bytes first;
@@ -197,7 +199,7 @@ class FrameInWords {
    Reader reader_;
    std::string words_;
    std::string separator_;    // before what is said next of a message
-   std::size_t readable_ = 0; // what stands before this byte has been read
+   std::size_t readable_ = 0; // everything before this byte has been read
    U8 version_ = 0;
 };
 

@@ -1,7 +1,8 @@
 #include "command/report/RecordingLib.h"
 
-#include "mrp/frame/AttributeKinds.h"
 #include "mrp/frame/MrpSm.h"
+
+#include "command/report/ValueRecord.h"
 
 namespace Command {
 
@@ -12,9 +13,7 @@ Happening indicationOf( Mrp::MrpLib const & lib, Happening::Kind kind,
    happening.attributeEvent = indication.attributeEvent();
    happening.attributeKey = lib.mrpSm()->parseContext()->attributeKey();
    Mrp::withAttributeKind( lib.application(), indication.attributeType(), [&]( auto kindOf ) {
-      auto const & value = ( lib.*decltype( kindOf )::rx )();
-      auto const * const bytes = reinterpret_cast< Korv::U8 const * >( &value );
-      happening.bytes.assign( bytes, bytes + sizeof value );
+      happening.bytes = bytesOf( ( lib.*decltype( kindOf )::rx )() );
    } );
    return happening;
 }

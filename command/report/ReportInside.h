@@ -1,4 +1,5 @@
-// What a participant knows of itself beside its attributes: for those who compare engines.
+// What a participant keeps beside its attributes. `mrp script` shows it, so that two engines, or
+// two versions of this one, can be compared in all that they know.
 #pragma once
 
 #include "mrp/platform/korv/Types.h"

@@ -1,16 +1,12 @@
 // The document that `mrp ... --json` prints.
-#include "command/report/Report.h"
+#include "command/report/Json.h"
 #include "command/report/Words.h"
-
-#include <nlohmann/json.hpp>
 
 namespace Command {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-Json indication( Happening const & happening ) {
+Json indicationJson( Happening const & happening ) {
    auto const event = static_cast< Mrp::MrpThreePackedEvent >( happening.attributeEvent );
    return { { "time", happening.time },
             { "interface", happening.intfId.stringValue() },
@@ -21,26 +17,19 @@ Json indication( Happening const & happening ) {
             { "value", hexText( happening.bytes ) } };
 }
 
-Json transmission( Happening const & happening ) {
+Json transmissionJson( Happening const & happening ) {
    return { { "time", happening.time },
             { "interface", happening.intfId.stringValue() },
             { "frame", hexText( happening.bytes ) } };
 }
 
-Json attributeOf( Report::Attribute const & attribute ) {
-   return { { "interface", attribute.interface },
-            { "attributeType", attribute.attributeType },
-            { "key", std::to_string( attribute.key ) },
-            { "applicantState", Mrp::stringValue( attribute.applicantState ) },
-            { "registrarState", Mrp::stringValue( attribute.registrarState ) },
-            { "value", hexText( attribute.value ) },
-            { "committed", attribute.committed } };
-}
-
-Json attributesOf( Report const & report ) {
+Json attributesJson( Report const & report ) {
    Json attributes = Json::array();
    for ( auto const & attribute : report.attributes ) {
-      attributes.push_back( attributeOf( attribute ) );
+      Json members = attributeJson( attribute );
+      members["value"] = hexText( attribute.value );
+      members["committed"] = attribute.committed;
+      attributes.push_back( std::move( members ) );
    }
    return attributes;
 }
@@ -71,10 +60,6 @@ void addInside( Json & document, ReportInside const & inside ) {
    document["parseContext"] = std::move( context );
 }
 
-std::string text( Json const & json, int indent ) {
-   return json.dump( indent, ' ', false, Json::error_handler_t::replace );
-}
-
 constexpr int oneLine = -1;
 
 } // namespace
@@ -86,25 +71,21 @@ void writeJson( Report const & report, std::ostream & out ) {
                               { "received", interface.received },
                               { "transmitted", interface.transmitted } } );
    }
-   Json counters = Json::object();
-   for ( auto const & [name, value] : report.counters ) {
-      counters[name] = value;
-   }
    Json indications = Json::array();
    Json transmitted = Json::array();
    for ( Happening const & happening : report.timeline ) {
       switch ( happening.kind ) {
       case Happening::Kind::heard: break;
-      case Happening::Kind::said: transmitted.push_back( transmission( happening ) ); break;
+      case Happening::Kind::said: transmitted.push_back( transmissionJson( happening ) ); break;
       case Happening::Kind::join:
-      case Happening::Kind::leave: indications.push_back( indication( happening ) ); break;
+      case Happening::Kind::leave: indications.push_back( indicationJson( happening ) ); break;
       }
    }
    Json document = { { "application", Mrp::stringValue( report.application ) },
                      { "interfaces", std::move( interfaces ) },
-                     { "counters", std::move( counters ) },
+                     { "counters", countersJson( report.counters ) },
                      { "indications", std::move( indications ) },
-                     { "attributes", attributesOf( report ) },
+                     { "attributes", attributesJson( report ) },
                      { "transmitted", std::move( transmitted ) } };
    if ( report.inside ) {
       addInside( document, *report.inside );
@@ -112,17 +93,17 @@ void writeJson( Report const & report, std::ostream & out ) {
    if ( report.aborted ) {
       document["aborted"] = *report.aborted;
    }
-   out << text( document, 2 ) << '\n';
+   out << jsonText( document, 2 ) << '\n';
 }
 
 void writeIndicationLine( Happening const & happening, std::ostream & out ) {
-   out << text( indication( happening ), oneLine ) << '\n';
+   out << jsonText( indicationJson( happening ), oneLine ) << '\n';
 }
 
 void writeAttributesLine( Report const & report, Korv::Seconds time, std::ostream & out ) {
    Json const line = {
-      { "time", time }, { "kind", "attributes" }, { "attributes", attributesOf( report ) } };
-   out << text( line, oneLine ) << '\n';
+      { "time", time }, { "kind", "attributes" }, { "attributes", attributesJson( report ) } };
+   out << jsonText( line, oneLine ) << '\n';
 }
 
 } // namespace Command

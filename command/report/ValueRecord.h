@@ -1,12 +1,20 @@
-// The record that an attribute's bytes are.
+// An attribute's value as bytes, and as the record that these are.
 #pragma once
 
 #include "mrp/frame/AttributeKinds.h"
 
 #include <cstring>
 #include <span>
+#include <vector>
 
 namespace Command {
+
+template < class Record >
+std::vector< Korv::U8 > bytesOf( Record const & record ) {
+   std::vector< Korv::U8 > bytes( sizeof record );
+   std::memcpy( bytes.data(), &record, sizeof record );
+   return bytes;
+}
 
 // f( kind, value ) if the bytes are a value of the type; false, with no call, if they are not.
 template < class F >

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <type_traits>
 
 namespace Command {
 
@@ -54,12 +53,9 @@ static_assert( failureWords.size() == 20 );
 
 std::string number( U64 value ) { return std::to_string( value ); }
 
-// SR class ids run from 6 for class A down to 0 for class G.
 std::string classWord( U8 srClassId ) {
-   constexpr U8 classA = 6;
-   return srClassId <= classA
-             ? std::string( "class " ) + static_cast< char >( 'A' + classA - srClassId )
-             : "class id " + number( srClassId );
+   return srClassId <= srClassA ? "class " + srClassWord( srClassId )
+                                : "class id " + number( srClassId );
 }
 
 Fields fieldsOf( Mrp::MvrpVlanAttribute const & vlan ) {
@@ -105,12 +101,6 @@ char const * nameOf( Mrp::TalkerFailedKind ) { return "Talker Failed"; }
 char const * nameOf( Mrp::ListenerKind ) { return "Listener"; }
 char const * nameOf( Mrp::DomainKind ) { return "Domain"; }
 
-template < class T >
-Bytes bytesOf( T const & value ) {
-   auto const * const bytes = reinterpret_cast< U8 const * >( &value );
-   return { bytes, bytes + sizeof value };
-}
-
 bool isNumber( std::string const & text ) {
    return std::ranges::all_of( text, []( char c ) { return c >= '0' && c <= '9'; } );
 }
@@ -132,6 +122,10 @@ std::string typeWord( Mrp::MrpApplication application, U8 attributeType ) {
    Mrp::withAttributeKind( application, attributeType,
                            [&]( auto kind ) { word = nameOf( kind ); } );
    return word;
+}
+
+std::string srClassWord( U8 srClassId ) {
+   return std::string( 1, static_cast< char >( 'A' + srClassA - srClassId ) );
 }
 
 std::string streamIdWord( U64 streamId ) {

@@ -21,6 +21,9 @@ std::string eventWord( U8 attributeEvent );
 // "VLAN", "Talker Failed"; for a type that is none its number.
 std::string typeWord( Mrp::MrpApplication application, U8 attributeType );
 
+// The letter of an SR class: ids run from 6 for class A down to 0 for class G.
+inline constexpr U8 srClassA = 6;
+std::string srClassWord( U8 srClassId );
 std::string streamIdWord( U64 streamId );
 // Two bytes of priority, then an address: "8000.02:00:00:00:00:01".
 std::string bridgeIdWord( U64 bridgeId );

@@ -5,7 +5,6 @@
 
 #include "command/report/RecordingLib.h"
 
-#include <cstring>
 #include <utility>
 
 namespace Command {
@@ -55,12 +54,12 @@ void DeclaringLib::mrpLeaveIndication( Mrp::MrpParameters const & indication ) {
 
 void DeclaringLib::settleLater( U64 key ) {
    unsettled_.insert( key );
-   pass_.timeMinIs( Korv::now() );
+   pass_.doRunIn( 0 );
 }
 
 void DeclaringLib::settleAllLater() {
    isAllUnsettled_ = true;
-   pass_.timeMinIs( Korv::now() );
+   pass_.doRunIn( 0 );
 }
 
 void DeclaringLib::handlePam( Pelk::IntfId intfId ) {
@@ -172,9 +171,7 @@ void DeclaringLib::withdraw( Pelk::IntfId intfId, Name const & name ) {
    if ( !hasPam( intfId ) ) {
       return;
    }
-   Mrp::withAttributeKind( application(), name.first, [&]( auto kind ) {
-      typename decltype( kind )::Value value;
-      std::memcpy( &value, bytes.data(), sizeof value );
+   withValue( application(), name.first, bytes, [&]( auto kind, auto const & value ) {
       ( this->*decltype( kind )::txIs )( value );
    } );
    send( intfId, name.first, Mrp::lvEvent );

@@ -25,12 +25,12 @@
 // the engine ends with no indication, in a flush and with an interface that goes.
 #pragma once
 
-#include "mrp/frame/AttributeKinds.h"
 #include "mrp/frame/MrpLib.h"
 #include "mrp/platform/interface/EthDevPamCollection.h"
 #include "mrp/platform/korv/Clock.h"
 
 #include "command/report/Timeline.h"
+#include "command/report/ValueRecord.h"
 #include "command/run/LinkWatch.h"
 
 #include <functional>
@@ -90,19 +90,10 @@ class DeclaringLib : public Mrp::MrpLib {
    using Name = std::pair< U8, U64 >; // type and key
    using Bytes = std::vector< U8 >;   // of a value
    struct Port {
-      bool isFresh = false;  // it has got or lost its packet access since the last pass
+      bool isFresh = false;  // its packet access has come or gone since the last pass
       bool isAsking = false; // it is to send a LeaveAll at the end of the pass
       std::map< Name, Bytes > declared;
       std::map< Name, Happening > told; // the latest join of each that has had no leave
-   };
-   class Pass : public Korv::Clock::Reactor {
-    public:
-      explicit Pass( DeclaringLib & lib )
-         : Reactor( Korv::activityManager().clock(), Korv::Clock::Rank::outside ), lib_( lib ) {}
-      void onTime() override { lib_.handlePass(); }
-
-    private:
-      DeclaringLib & lib_;
    };
    class PamWatch : public Interface::EthDevPamCollection::Reactor {
     public:
@@ -128,7 +119,7 @@ class DeclaringLib : public Mrp::MrpLib {
    std::map< Pelk::IntfId, Port > ports_; // of all interfaces
    Keys unsettled_;
    bool isAllUnsettled_ = false;
-   Pass pass_{ *this };
+   Korv::CallbackTimer pass_{ Korv::activityManager().clock(), [this] { handlePass(); } };
    PamWatch pamWatch_{ *this };
    LinkWatch linkWatch_{ [this] { settleAllLater(); } };
 };
@@ -138,8 +129,7 @@ void DeclaringLib::declare( Pelk::IntfId intfId, typename Kind::Value const & va
    if ( !hasPam( intfId ) ) {
       return;
    }
-   auto const * const start = reinterpret_cast< U8 const * >( &value );
-   Bytes bytes( start, start + sizeof value );
+   Bytes bytes = bytesOf( value );
    Name const name( Kind::type, Kind::key( value ) );
    Bytes & declared = ports_[intfId].declared[name];
    if ( declared == bytes && !isNew ) {

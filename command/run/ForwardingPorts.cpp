@@ -4,7 +4,7 @@
 
 namespace Command {
 
-// What it is that a record tells of itself is all the same here.
+// Whatever changes, in a record of whatever level, the same is to be done.
 template < class Record >
 class ForwardingPorts::Watch : public Record::Reactor {
  public:

@@ -22,7 +22,7 @@ MHD_Result onRequest( void * server, MHD_Connection * connection, char const * p
                       std::size_t * /* uploadBytes */, void ** /* request */ ) {
    try {
       return serverOf( server ).handleRequest( *connection, path, method ) ? MHD_YES : MHD_NO;
-   } catch ( ... ) { // of memory: the connection ends
+   } catch ( ... ) { // out of memory: the connection ends
       return MHD_NO;
    }
 }
@@ -36,7 +36,7 @@ void onConnection( void * server, MHD_Connection * connection, void ** /* contex
    }
    try {
       serverOf( server ).handleConnected( info->connect_fd );
-   } catch ( ... ) { // of memory: it would have no deadline
+   } catch ( ... ) { // out of memory: the connection would have no deadline
       ::shutdown( info->connect_fd, SHUT_RDWR );
    }
 }
@@ -63,9 +63,9 @@ bool queue( MHD_Connection & connection, unsigned status, std::string const & te
 
 MetricsServer::Client::Client( int number )
    : socket( number ),
-     // Which the library finds closed, and ends the connection.
-     deadline( [number] { ::shutdown( number, SHUT_RDWR ); } ) {
-   deadline.timeMinIs( Korv::now() + patience );
+     // The library then finds the socket closed, and ends the connection.
+     deadline( Korv::activityManager().clock(), [number] { ::shutdown( number, SHUT_RDWR ); } ) {
+   deadline.doRunIn( patience );
 }
 
 MetricsServer::MetricsServer( Linux::RealActivity & activity, Linux::StreamAddress const & address,
@@ -113,8 +113,8 @@ void MetricsServer::work() {
    do {
       closed = closed_;
       MHD_run( daemon_.get() );
-      // With no room for clients the library listens no more, and once there is room it listens
-      // again no sooner than when it runs the next time: for which nothing else may call.
+      // When all places for clients are taken the library stops listening, and begins again only
+      // when it is run after one has become free. Nothing else may run it then.
    } while ( closed != closed_ );
    MHD_UNSIGNED_LONG_LONG milliseconds = 0;
    bool const isTimed = MHD_get_timeout( daemon_.get(), &milliseconds ) == MHD_YES;

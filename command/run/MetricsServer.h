@@ -36,27 +36,17 @@ class MetricsServer {
    void handleClosed( int socket );
 
  private:
-   // A time of its own: the library's work that no descriptor tells of.
-   class Due : public Korv::Clock::Reactor {
-    public:
-      explicit Due( std::function< void() > due )
-         : Reactor( Korv::activityManager().clock(), Korv::Clock::Rank::outside ),
-           due_( std::move( due ) ) {}
-      void onTime() override { due_(); }
-
-    private:
-      std::function< void() > due_;
-   };
+   // An open connection, which is cut off at its deadline.
    struct Client {
       explicit Client( int number );
       int socket;
-      Due deadline;
+      Korv::CallbackTimer deadline;
    };
    struct Stop {
       void operator()( MHD_Daemon * daemon ) const;
    };
 
-   // Everything that is ready, and then as long as the library can wait.
+   // Runs the library for all that is ready, and sets the time at which it wants to run next.
    void work();
 
    Text text_;
@@ -66,7 +56,8 @@ class MetricsServer {
    Linux::Descriptor listening_;
    std::unique_ptr< MHD_Daemon, Stop > daemon_;
    std::unique_ptr< Linux::DescriptorWatch > watch_;
-   Due due_{ [this] { work(); } };
+   // For what no descriptor tells of.
+   Korv::CallbackTimer due_{ Korv::activityManager().clock(), [this] { work(); } };
 };
 
 } // namespace Command

@@ -9,8 +9,6 @@ namespace Command {
 
 namespace {
 
-constexpr U64 lastVlan = 4094;
-
 using Interfaces = std::vector< Pelk::IntfId >;
 
 bool contains( Interfaces const & interfaces, Pelk::IntfId intfId ) {
@@ -67,7 +65,7 @@ Interfaces PropagatingLib::forwardingNow() {
 void PropagatingLib::settleVlan( U64 vlan ) {
    Interfaces registering;
    Interfaces news;
-   if ( vlan >= 1 && vlan <= lastVlan ) {
+   if ( vlan >= Bridging::VlanId::first && vlan <= Bridging::VlanId::last ) {
       for ( Pelk::IntfId const intfId : forwarding_ ) {
          if ( isRegistered( intfId, Mrp::vlanVector, vlan ) ) {
             registering.push_back( intfId );

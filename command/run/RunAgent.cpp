@@ -8,7 +8,7 @@ namespace Command {
 namespace {
 
 Korv::Ptr< DeclaringLib > libOf( RunSettings const & settings,
-                                 KernelNetInfo::HostEntities const & host,
+                                 Mirel::HostEntities const & host,
                                  DeclaringLib::Tell tell ) {
    if ( settings.application == Mrp::MSRP ) {
       return Korv::Ptr< DeclaringLib >( new StreamLib( std::move( tell ), settings.streams ) );
@@ -29,7 +29,7 @@ Korv::Ptr< Mrp::MrpConfig > configOf( RunSettings const & settings ) {
 
 } // namespace
 
-RunAgent::RunAgent( RunSettings const & settings, KernelNetInfo::HostEntities const & host,
+RunAgent::RunAgent( RunSettings const & settings, Mirel::HostEntities const & host,
                     std::ostream & out, std::function< void() > outputClosed )
    : lines_( settings.application, settings.json, out ), outputClosed_( std::move( outputClosed ) ),
      config_( configOf( settings ) ),

@@ -3,7 +3,7 @@
 
 #include "mrp/frame/MrpSm.h"
 #include "mrp/observability/AttrLogMounts.h"
-#include "mrp/platform/kernel/HostEntities.h"
+#include "mrp/platform/mirel/HostEntities.h"
 
 #include "command/run/DeclaringLib.h"
 #include "command/run/RunLines.h"
@@ -17,7 +17,7 @@ namespace Command {
 class RunAgent {
  public:
    // `outputClosed` is called, from within a notification, when nothing more can be printed.
-   RunAgent( RunSettings const & settings, KernelNetInfo::HostEntities const & host,
+   RunAgent( RunSettings const & settings, Mirel::HostEntities const & host,
              std::ostream & out, std::function< void() > outputClosed = {} );
    RunAgent( RunAgent const & ) = delete;
    RunAgent & operator=( RunAgent const & ) = delete;

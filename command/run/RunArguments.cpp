@@ -1,7 +1,10 @@
 #include "command/run/RunArguments.h"
 
+#include "mrp/platform/bridging/VlanId.h"
+
 #include "command/Arguments.h"
 #include "command/CommandError.h"
+#include "command/report/Words.h"
 
 #include <array>
 #include <limits>
@@ -9,10 +12,6 @@
 namespace Command {
 
 namespace {
-
-constexpr U64 firstVlan = 1;
-constexpr U64 lastVlan = 4094;
-constexpr U8 classA = 6; // and down to 0 for class G
 
 std::vector< std::string > splitAt( char separator, std::string const & text ) {
    std::vector< std::string > pieces( 1 );
@@ -27,7 +26,8 @@ std::vector< std::string > splitAt( char separator, std::string const & text ) {
 }
 
 U16 vlanArgument( std::string const & text ) {
-   return static_cast< U16 >( numberArgument( text, "VLAN", firstVlan, lastVlan ) );
+   using Bridging::VlanId;
+   return static_cast< U16 >( numberArgument( text, "VLAN", VlanId::first, VlanId::last ) );
 }
 
 template < class T >
@@ -37,7 +37,7 @@ T numberOf( std::string const & text, T lowest = 0, T highest = std::numeric_lim
 
 U8 srClassArgument( std::string const & text ) {
    if ( text.size() == 1 ) {
-      for ( U8 id = 0; id <= classA; ++id ) {
+      for ( U8 id = 0; id <= srClassA; ++id ) {
          if ( srClassWord( id ) == text ) {
             return id;
          }
@@ -46,7 +46,7 @@ U8 srClassArgument( std::string const & text ) {
    throw CommandError( "'" + text + "' is no SR class: A to G" );
 }
 
-// One part by name: how it is read into what the option is about.
+// A part of an option, and how its text is read into the option's value.
 template < class Target >
 struct Part {
    char const * name;
@@ -180,9 +180,5 @@ OptionParts partsOf( std::string const & text ) {
 TalkerOption talkerArgument( OptionParts const & parts ) { return readParts( parts, talkerParts ); }
 
 DomainOption domainArgument( OptionParts const & parts ) { return readParts( parts, domainParts ); }
-
-std::string srClassWord( U8 srClassId ) {
-   return std::string( 1, static_cast< char >( 'A' + classA - srClassId ) );
-}
 
 } // namespace Command

@@ -16,7 +16,4 @@ OptionParts partsOf( std::string const & text );
 TalkerOption talkerArgument( OptionParts const & parts );
 DomainOption domainArgument( OptionParts const & parts );
 
-// The letter of an SR class.
-std::string srClassWord( U8 srClassId );
-
 } // namespace Command

@@ -55,7 +55,7 @@ std::unique_ptr< MetricsServer > metricsServed( RunSettings const & settings,
    }
 }
 
-// As the command line and the file say, by now.
+// What the command line says, and for the rest the file as it stands now.
 RunOptions optionsOf( RunArguments const & arguments ) {
    RunOptions options = arguments.options;
    if ( !arguments.configFile.empty() ) {
@@ -88,8 +88,9 @@ int runOnLinux( RunArguments const & arguments, RunSettings const & settings, st
       host.interfaceIs( intfId );
    }
    std::optional< RunAgent > agent;
-   // None of these three calls before the loop runs. The signals are held until the stream has
-   // gone: a second Ctrl-C, or a first one early, must not leave its socket behind.
+   // The agent is made last: signals, stream and metrics refer to it, and call it from the loop
+   // only. The signals are held until the stream has gone: a second Ctrl-C, or a first one early,
+   // must not leave its socket behind.
    Linux::SignalWatch const signals( activity, { SIGTERM, SIGINT, SIGUSR1, SIGUSR2 },
                                      [&]( int signal ) {
                                         switch ( signal ) {

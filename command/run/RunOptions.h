@@ -24,7 +24,7 @@ struct TalkerOption {
    std::optional< U16 > vlan; // without it that of the class
    std::optional< U16 > frameSize;
    U16 intervalFrames = 1;
-   U8 srClassId = 6;
+   U8 srClassId = 6; // class A
    bool rank = true;
    U32 latency = 0; // in nanoseconds
 };
@@ -42,7 +42,7 @@ enum class LogTarget : U8 {
    none
 };
 
-// The socket that is none.
+// What --socket says for no mirror stream.
 inline constexpr char const * noSocket = "none";
 
 // As far as they were given.
@@ -69,8 +69,8 @@ struct RunOptions {
    void fillFrom( RunOptions const & others );
 };
 
-// An option that has parts, each of them NAME=TEXT. A `place` goes in front of an error and says
-// where in a file it is: "a.toml:7: ".
+// An option that has parts, each of them NAME=TEXT. A `place` goes in front of an error: in a file
+// it says where, "a.toml:7: ", and on the command line it is empty.
 struct OptionPart {
    std::string name;
    std::string text;
@@ -78,7 +78,7 @@ struct OptionPart {
 };
 struct OptionParts {
    std::vector< OptionPart > parts;
-   std::string place; // of it all
+   std::string place; // of the option as a whole
 };
 
 // --NAME TEXT on the command line, NAME = TEXT in a file.

@@ -5,7 +5,6 @@
 #include "command/CommandError.h"
 #include "command/report/WellKnown.h"
 #include "command/report/Words.h"
-#include "command/run/RunArguments.h"
 
 #include <algorithm>
 #include <map>

@@ -2,7 +2,7 @@
 
 namespace Command {
 
-// By ascending type, so that one frame holds it all; of what was declared already nothing is said.
+// By ascending type, so that one frame holds it all. What is declared already is not said again.
 void StreamLib::settle( Keys const & keys ) {
    for ( Pelk::IntfId const intfId : interfaces() ) {
       for ( auto const & talker : plan_.talkers ) {

@@ -34,7 +34,7 @@ class LastWords {
    }
 
  private:
-   // One that breaks within the last words ends the process in the usual way.
+   // An assertion that breaks within the last words ends the process in the usual way.
    static void handle( char const * assertion ) {
       if ( LastWords * const speaker = std::exchange( speaker_, nullptr ) ) {
          std::_Exit( speaker->words_( assertion ) );

@@ -36,7 +36,7 @@ Script::Setting entrySetting( Korv::MapAttribute< MrpConfig, C, Pelk::IntfId, V 
    };
 }
 
-// Calls f( attribute ) for the attribute that the node names.
+// Calls f( attribute ) for the attribute of that name; the node is where the name stands.
 template < class F >
 void withAttribute( ScriptNode const & node, std::string const & name, F && f ) {
    bool isFound = false;
@@ -60,7 +60,7 @@ std::vector< Script::Setting > readConfig( ScriptContext & context, ScriptNode c
    for ( auto const & member : config.members() ) {
       ScriptNode const & value = member.second;
       withAttribute( value, member.first, [&]( auto const & attribute ) {
-         if constexpr ( requires { attribute.remover; } ) {
+         if constexpr ( Korv::kindOf< decltype( attribute ) > == Korv::AttributeKind::map ) {
             for ( auto const & [interface, time] : value.members() ) {
                context.mention( time, interface );
                settings.push_back( entrySetting( attribute, interface, time ) );
@@ -78,7 +78,7 @@ Script::Setting readConfigStep( ScriptContext & context, ScriptNode const & step
    ScriptNode const value = step.at( "value" );
    Script::Setting setting;
    withAttribute( name, name.text(), [&]( auto const & attribute ) {
-      if constexpr ( requires { attribute.remover; } ) {
+      if constexpr ( Korv::kindOf< decltype( attribute ) > == Korv::AttributeKind::map ) {
          setting = entrySetting( attribute, context.interface( step.at( "intf" ) ), value );
       } else {
          if ( auto const interface = step.find( "intf" ) ) {

@@ -20,7 +20,8 @@ class ScriptContext {
       warnings_.push_back( node.place() + ": " + what );
    }
 
-   // An interface's name. One that the script does not have is nothing wrong, but is seldom meant.
+   // An interface's name. One that the script does not have is warned of: it is no error, but
+   // seldom what was meant.
    std::string interface( ScriptNode const & node );
    void mention( ScriptNode const & node, std::string const & interface );
    // The number of an attribute type, or its name in the application.

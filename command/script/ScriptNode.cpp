@@ -8,7 +8,6 @@
 
 #include <cctype>
 #include <charconv>
-#include <cmath>
 #include <set>
 
 namespace Command {

@@ -125,8 +125,9 @@ void setNativeVlans( Bridging::Config & config, NativeVlans const & vlans ) {
 
 // These are the VLANs that have a configuration.
 void setVlans( Bridging::Config & config, std::vector< bool > const & isConfigured ) {
-   for ( Korv::U16 number = 1; number < isConfigured.size(); ++number ) {
-      Bridging::VlanId const vlanId( number );
+   using Bridging::VlanId;
+   for ( Korv::U16 number = VlanId::first; number <= VlanId::last; ++number ) {
+      VlanId const vlanId( number );
       if ( isConfigured[number] ) {
          config.vlanConfigIs( vlanId );
       } else {
@@ -136,7 +137,7 @@ void setVlans( Bridging::Config & config, std::vector< bool > const & isConfigur
 }
 
 Action readStpMode( ScriptContext & context, ScriptNode const & step ) {
-   constexpr Korv::U16 lastVlan = 4094;
+   using Bridging::VlanId;
    step.checkKeys( { "at", "op", "mode", "native", "vlans" } );
    NativeVlans native;
    if ( auto const node = step.find( "native" ) ) {
@@ -147,10 +148,10 @@ Action readStpMode( ScriptContext & context, ScriptNode const & step ) {
    }
    auto const vlans = step.find( "vlans" );
    bool const areAll = !vlans || vlans->isNull();
-   std::vector< bool > isConfigured( lastVlan + 1u, areAll );
+   std::vector< bool > isConfigured( VlanId::last + 1u, areAll );
    if ( !areAll ) {
       for ( ScriptNode const & vlan : vlans->elements() ) {
-         isConfigured[vlan.whole< Korv::U16 >( 1, lastVlan )] = true;
+         isConfigured[vlan.whole< Korv::U16 >( VlanId::first, VlanId::last )] = true;
       }
    }
    return [native, isConfigured,

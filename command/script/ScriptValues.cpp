@@ -1,7 +1,8 @@
 #include "command/script/ScriptValues.h"
 
-#include "mrp/frame/AttributeKinds.h"
 #include "mrp/platform/korv/ByteQueue.h"
+
+#include "command/report/ValueRecord.h"
 
 namespace Command {
 
@@ -122,8 +123,7 @@ std::vector< Korv::U8 > readStoredValue( ScriptNode const & value, Mrp::MrpAppli
          if ( Kind::application != application || Kind::type != attributeType ) {
             value.fail( nameOf( kind ) + " is not the attribute's type" );
          }
-         auto const * const bytes = reinterpret_cast< Korv::U8 const * >( &record );
-         stored.assign( bytes, bytes + sizeof record );
+         stored = bytesOf( record );
       } );
    }
    if ( stored.size() > Korv::byteQueueSlots ) {

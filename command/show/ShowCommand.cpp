@@ -1,5 +1,7 @@
 #include "command/show/ShowCommand.h"
 
+#include "mrp/platform/korv/RangeException.h"
+
 #include "command/CommandError.h"
 #include "command/StreamPath.h"
 #include "command/report/Metrics.h"
@@ -156,7 +158,11 @@ int show( ShowOptions const & options, std::ostream & out, std::ostream & err ) 
       Linux::RealActivity activity;
       std::list< ShowSource > sources;
       for ( Linux::StreamAddress const & address : addresses ) {
-         sources.emplace_back( activity, address );
+         try {
+            sources.emplace_back( activity, address );
+         } catch ( Korv::RangeException const & error ) {
+            throw CommandError( address.text() + ": " + error.what() );
+         }
       }
       return options.watch ? watch( options, activity, sources, out )
                            : showOnce( options, activity, sources, out, err );

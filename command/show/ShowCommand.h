@@ -3,7 +3,6 @@
 
 #include "command/show/ShowFilter.h"
 
-#include <optional>
 #include <ostream>
 #include <string>
 

@@ -1,21 +1,18 @@
 #include "command/show/ShowJson.h"
 
+#include "command/report/Json.h"
 #include "command/report/ValueRecord.h"
 #include "command/report/Words.h"
-
-#include <nlohmann/json.hpp>
 
 namespace Command {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 // ---- Values, with numbers as numbers: the tables have words for them ----------------------------
 
-Json membersOf( Mrp::MvrpVlanAttribute const & vlan ) { return { { "vlan", vlan.vlanId() } }; }
+Json fieldsOf( Mrp::MvrpVlanAttribute const & vlan ) { return { { "vlan", vlan.vlanId() } }; }
 
-Json membersOf( Mrp::MsrpTalkerAdvertiseAttribute const & talker ) {
+Json fieldsOf( Mrp::MsrpTalkerAdvertiseAttribute const & talker ) {
    return { { "stream", streamIdWord( talker.streamId() ) },
             { "destination", talker.frame().dmac().stringValue() },
             { "vlan", talker.frame().vlanId() },
@@ -26,19 +23,19 @@ Json membersOf( Mrp::MsrpTalkerAdvertiseAttribute const & talker ) {
             { "accumulatedLatency", talker.accumulatedLatency() } };
 }
 
-Json membersOf( Mrp::MsrpTalkerFailedAttribute const & talker ) {
-   Json members = membersOf( talker.talkerAdvertiseAttribute() );
-   members["bridge"] = bridgeIdWord( talker.failureInformation().bridgeId() );
-   members["failureCode"] = talker.failureInformation().failureCode();
-   return members;
+Json fieldsOf( Mrp::MsrpTalkerFailedAttribute const & talker ) {
+   Json fields = fieldsOf( talker.talkerAdvertiseAttribute() );
+   fields["bridge"] = bridgeIdWord( talker.failureInformation().bridgeId() );
+   fields["failureCode"] = talker.failureInformation().failureCode();
+   return fields;
 }
 
-Json membersOf( Mrp::MsrpListenerAttribute const & listener ) {
+Json fieldsOf( Mrp::MsrpListenerAttribute const & listener ) {
    return { { "stream", streamIdWord( listener.streamId() ) },
             { "declaration", Mrp::stringValue( listener.listenerEvent() ) } };
 }
 
-Json membersOf( Mrp::MsrpDomainAttribute const & domain ) {
+Json fieldsOf( Mrp::MsrpDomainAttribute const & domain ) {
    return { { "srClass", domain.srClassId() },
             { "priority", domain.srClassPriority() },
             { "vlan", domain.srClassVID() } };
@@ -46,22 +43,19 @@ Json membersOf( Mrp::MsrpDomainAttribute const & domain ) {
 
 // ---- The document -------------------------------------------------------------------------------
 
-Json attributeOf( Mrp::MrpApplication application, Report::Attribute const & attribute ) {
-   Json members = Json::object();
+Json shownAttributeJson( Mrp::MrpApplication application, Report::Attribute const & attribute ) {
+   Json fields = Json::object();
    withValue( application, attribute.attributeType, attribute.value,
-              [&]( auto, auto const & value ) { members = membersOf( value ); } );
-   return { { "interface", attribute.interface },
-            { "attributeType", attribute.attributeType },
-            { "key", std::to_string( attribute.key ) },
-            { "applicantState", Mrp::stringValue( attribute.applicantState ) },
-            { "registrarState", Mrp::stringValue( attribute.registrarState ) },
-            { "applicant", stateWord( attribute.applicantState ) },
-            { "registrar", stateWord( attribute.registrarState ) },
-            { "value", hexText( attribute.value ) },
-            { "fields", std::move( members ) } };
+              [&]( auto, auto const & value ) { fields = fieldsOf( value ); } );
+   Json members = attributeJson( attribute );
+   members["applicant"] = stateWord( attribute.applicantState );
+   members["registrar"] = stateWord( attribute.registrarState );
+   members["value"] = hexText( attribute.value );
+   members["fields"] = std::move( fields );
+   return members;
 }
 
-Json interfaceOf( Mrp::MrpApplication application, ShowView::Interface const & interface ) {
+Json interfaceJson( Mrp::MrpApplication application, ShowView::Interface const & interface ) {
    Json types = Json::array();
    for ( auto const & type : interface.types ) {
       types.push_back(
@@ -80,18 +74,14 @@ Json interfaceOf( Mrp::MrpApplication application, ShowView::Interface const & i
             { "types", std::move( types ) } };
 }
 
-Json participantOf( ShowStream const & stream, ShowView const & view ) {
+Json participantJson( ShowStream const & stream, ShowView const & view ) {
    Json interfaces = Json::array();
    for ( auto const & interface : view.interfaces ) {
-      interfaces.push_back( interfaceOf( view.application, interface ) );
-   }
-   Json counters = Json::object();
-   for ( auto const & [name, value] : view.counters ) {
-      counters[name] = value;
+      interfaces.push_back( interfaceJson( view.application, interface ) );
    }
    Json attributes = Json::array();
    for ( auto const & attribute : view.attributes ) {
-      attributes.push_back( attributeOf( view.application, attribute ) );
+      attributes.push_back( shownAttributeJson( view.application, attribute ) );
    }
    return { { "socket", stream.address },
             { "connected", stream.connected },
@@ -104,7 +94,7 @@ Json participantOf( ShowStream const & stream, ShowView const & view ) {
                 { "txLeaveAllExpiryTime", view.txLeaveAllExpiryTime },
                 { "mrpFlooding", view.mrpFlooding } } },
             { "interfaces", std::move( interfaces ) },
-            { "counters", std::move( counters ) },
+            { "counters", countersJson( view.counters ) },
             { "attributes", std::move( attributes ) } };
 }
 
@@ -115,13 +105,11 @@ void writeShowJson( std::span< ShowStream const > streams, JsonForm form, std::o
    for ( ShowStream const & stream : streams ) {
       // One of which nothing is known yet has all members too, with nothing in them.
       for ( ShowView const & view : stream.isKnown ? stream.views : std::vector{ ShowView() } ) {
-         participants.push_back( participantOf( stream, view ) );
+         participants.push_back( participantJson( stream, view ) );
       }
    }
    Json const document = { { "participants", std::move( participants ) } };
-   out << document.dump( form == JsonForm::indented ? 2 : -1, ' ', false,
-                         Json::error_handler_t::replace )
-       << '\n';
+   out << jsonText( document, form == JsonForm::indented ? 2 : -1 ) << '\n';
 }
 
 } // namespace Command

@@ -5,6 +5,7 @@
 
 #include "command/show/ShowFrame.h"
 
+#include <optional>
 #include <ostream>
 #include <termios.h>
 

@@ -9,8 +9,8 @@
 #include "mrp/observability/MrpAttrLogSm.h"
 #include "mrp/observability/RingSites.h"
 #include "mrp/observability/Trace.h"
+#include "mrp/platform/attrlog/SocketOutSm.h"
 #include "mrp/platform/korv/Assert.h"
-#include "mrp/platform/korv/NboAttrLog.h"
 #include "mrp/topology/SpanningTreeMirrors.h"
 #include "mrp/vocabulary/VectorFormat.h"
 

@@ -9,7 +9,7 @@
 //  2. The descriptor follows the writer's: an observer may come, go and come again.
 #pragma once
 
-#include "mrp/platform/korv/NboAttrLog.h"
+#include "mrp/platform/attrlog/SocketOutSm.h"
 
 namespace Mrp {
 

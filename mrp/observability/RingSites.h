@@ -62,7 +62,7 @@ inline constexpr Site databaseDeleteInitialized{
 inline constexpr Site ioctlFailed{ 3, "ioctl failed with ", "i" };
 inline constexpr Site txBufferAboveThreshold{ 3, "Tx Buffer usage: % is above threshold: ", "ii" };
 
-// For a file that registers its messages ahead.
+// All of them, for whoever wants to look at each.
 inline constexpr auto all = Sornlog::siteTable(
    incorrectDmac, incorrectEtherType, futureVersion, applicationNotSupported,
    unidentifiedAttributeType, leaveAllEventIsTrue, joinDiscarded, packetAllocationFailed,

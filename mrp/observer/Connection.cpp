@@ -63,11 +63,11 @@ void Connection::handleReady( Korv::U32 ready ) {
       mirror_.handleBytes( std::span( bytes ).first( static_cast< std::size_t >( got ) ) );
    } catch ( StreamError const & error ) {
       return handleEnd( error.what() );
-   } catch ( ... ) { // the mirror's stream has ended, whatever it was
+   } catch ( ... ) { // thrown by a watcher: the mirror's stream has ended, and the loop hears of it
       handleEnd( "what has arrived could not be applied" );
       throw;
    }
-   // Sense has been made of it: the next attempt may come soon.
+   // A stream that has made sense once may be tried again soon.
    delay_ = mirror_.messages() > 0 ? firstDelay : delay_;
 }
 
@@ -78,7 +78,7 @@ void Connection::handleEnd( std::string const & error ) {
    watch_.reset();
    socket_ = Linux::Descriptor();
    mirror_.streamEnds();
-   retry_.timeMinIs( retry_.clock().now() + delay_ );
+   retry_.doRunIn( delay_ );
    delay_ = std::min( 2 * delay_, longestDelay );
 }
 

@@ -11,7 +11,6 @@
 #include "mrp/platform/linux/DescriptorWatch.h"
 #include "mrp/platform/linux/StreamSocket.h"
 
-#include <functional>
 #include <optional>
 #include <string>
 
@@ -22,6 +21,7 @@ class Connection {
    static constexpr Korv::Seconds firstDelay = 0.1;
    static constexpr Korv::Seconds longestDelay = 5;
 
+   // Throws Korv::RangeException for an address that cannot be one; for all else it tries again.
    Connection( Linux::RealActivity & activity, Linux::StreamAddress address, Mirror & mirror );
    Connection( Connection const & ) = delete;
    Connection & operator=( Connection const & ) = delete;
@@ -32,21 +32,10 @@ class Connection {
    // How many streams there have been, and why the last attempt or stream ended.
    Korv::U64 streams() const { return streams_; }
    std::string const & lastError() const { return lastError_; }
-   // Off, nothing is read: the server has to do with what its socket holds.
+   // Off, nothing is read: what the server sends stays in the sockets between, until they are full.
    void readingIs( bool reading );
 
  private:
-   class Retry : public Korv::Clock::Reactor {
-    public:
-      explicit Retry( Connection & connection )
-         : Reactor( connection.activity_.clock(), Korv::Clock::Rank::outside ),
-           connection_( connection ) {}
-      void onTime() override { connection_.connect(); }
-
-    private:
-      Connection & connection_;
-   };
-
    void connect();
    void handleReady( Korv::U32 ready );
    void handleEnd( std::string const & error );
@@ -56,7 +45,7 @@ class Connection {
    Mirror & mirror_;
    Linux::Descriptor socket_;
    std::optional< Linux::DescriptorWatch > watch_;
-   Retry retry_{ *this };
+   Korv::CallbackTimer retry_{ activity_.clock(), [this] { connect(); } };
    Korv::Seconds delay_ = firstDelay;
    Korv::U64 streams_ = 0;
    std::string lastError_;

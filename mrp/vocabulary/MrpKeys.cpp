@@ -2,8 +2,6 @@
 
 #include "mrp/platform/korv/RangeException.h"
 
-#include <limits>
-
 namespace Mrp {
 
 ValueIndex::ValueIndex( U64 value ) : value_( static_cast< U8 >( value ) ) {

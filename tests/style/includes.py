@@ -10,6 +10,11 @@ from pathlib import Path
 KORV = "mrp/platform/korv/"
 PELK = "mrp/platform/pelk/"
 
+# Each folder of the platform knows those before it. The two hosts stand on all of them.
+FOLDERS = ["korv", "pelk", "dovr", "sornlog", "attrlog", "kernel", "interface", "bridging", "stp",
+           "mirel"]
+ORDER = [f"mrp/platform/{name}/" for name in FOLDERS]
+
 # What all subcommands share.
 COMMAND = ["mrp/"] + [f"command/{name}.h"
                       for name in ("Arguments", "CommandError", "Nanoseconds", "StreamPath")]
@@ -18,8 +23,9 @@ REPLAY = "command/replay/"
 
 # The first room that a file stands in decides what it may include of this repository.
 ROOMS = [
-    (KORV, [KORV]),
-    ("mrp/platform/", ["mrp/platform/"]),
+    *((folder, ORDER[: i + 1]) for i, folder in enumerate(ORDER)),
+    ("mrp/platform/memory/", ORDER + ["mrp/platform/memory/"]),
+    ("mrp/platform/linux/", ORDER + ["mrp/platform/linux/"]),
     ("mrp/vocabulary/", ["mrp/vocabulary/", KORV, PELK]),
     ("mrp/observer/", ["mrp/"]),
     ("mrp/", ["mrp/"]),

@@ -2,8 +2,8 @@
 // if these are. Collections are sorted by key, since their order says nothing.
 #pragma once
 
-#include "mrp/platform/attrlog/AttributeKinds.h"
 #include "mrp/platform/attrlog/Bytes.h"
+#include "mrp/platform/korv/Attributes.h"
 
 #include "tests/support/Values.h"
 
@@ -21,15 +21,15 @@ std::string valueText( T const & value ) {
 
 template < class E >
 std::string treeText( E const & entity, std::string const & indent = "" ) {
-   using namespace Korv::NboAttrLog;
+   using Kind = Korv::AttributeKind;
    std::string all;
    E::attributes().forEach( [&]( auto const & attribute ) {
-      using T = Traits< std::remove_cvref_t< decltype( attribute ) > >;
+      constexpr Kind kind = Korv::kindOf< decltype( attribute ) >;
       auto const & value = ( entity.*attribute.reader )();
       all += indent + attribute.name + ":";
-      if constexpr ( T::kind == Kind::scalar ) {
+      if constexpr ( kind == Kind::scalar ) {
          all += ' ' + valueText( value ) + '\n';
-      } else if constexpr ( T::kind == Kind::queue ) {
+      } else if constexpr ( kind == Kind::queue ) {
          all += ' ' + std::to_string( value.head() ) + " +" + std::to_string( value.count() ) + ":";
          for ( U32 i = 0; i < value.count(); ++i ) {
             all += ' ' + valueText( value.at( value.position( i ) ) );
@@ -39,7 +39,7 @@ std::string treeText( E const & entity, std::string const & indent = "" ) {
          std::map< std::string, std::string > members;
          for ( auto member = value.walk(); member; ++member ) {
             auto & text = members[valueText( member.key() )];
-            if constexpr ( T::kind == Kind::map ) {
+            if constexpr ( kind == Kind::map ) {
                text = ' ' + valueText( member.value() ) + '\n';
             } else {
                text = '\n' + treeText( *member.value(), indent + "   " );

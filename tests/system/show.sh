@@ -43,6 +43,10 @@ status=0
 "$MRP" show 2> "$work/none.err" || status=$?
 [ $status = 2 ] || fail "exit status $status with nothing to show"
 grep -q 'no socket is in /run/mrp; .*mrp run --application' "$work/none.err" || fail "no word of it"
+status=0
+"$MRP" show tcp:nowhere:7000 2> "$work/none.err" || status=$?
+[ $status = 2 ] || fail "exit status $status for an address that cannot be one"
+grep -q "tcp:nowhere:7000: 'nowhere' is no IPv4 address" "$work/none.err" || fail "no word of it"
 
 # Watching begins before there is anything.
 watch lines --json /run/mrp/mvrp.sock

@@ -15,7 +15,6 @@
 #include "mrp/platform/attrlog/Output.h"
 
 #include <memory>
-#include <optional>
 #include <set>
 
 namespace Korv::NboAttrLog {
@@ -43,8 +42,8 @@ class Adapter {
    void handleAttached( Output * output, U64 parent, U16 parentAttrId ) {
       doStart( output, parent, parentAttrId );
    }
-   // Drops adapters below this one, at most so many; what is left of the limit says whether that
-   // was all.
+   // Drops adapters below this one, at most `limit`, which it counts down. If some of the limit is
+   // left, none are left below.
    virtual void doDropChildren( std::size_t & limit ) = 0;
    // Suspended, it hears nothing; afterwards everything is sent anew.
    bool suspended() const { return suspended_; }
@@ -82,9 +81,10 @@ class Adapter {
       bool queued = false;
       Output::Flows::iterator place;
    };
-   enum class Way : U8 { stop, write, mark };
 
-   // What becomes of a change of an attribute.
+   // What becomes of a change of an attribute: it is not sent; it is written now; it is marked, to
+   // be sent by the flow.
+   enum class Way : U8 { stop, write, mark };
    Way wayOut( U16 attrId, char const * name );
    // While something is pending: whether the attribute may go ahead of it.
    virtual bool prepareImmediateTransmission( U16 attrId, bool noBuffer ) const = 0;
@@ -121,6 +121,7 @@ class Adapter {
       }
    }
 
+   // While it lives, changes of the attribute are those that have been received.
    struct Handling {
       Handling( Adapter & of, U16 attrId ) : adapter( of ) { adapter.handling_ = attrId; }
       Handling( Handling const & ) = delete;
@@ -129,7 +130,8 @@ class Adapter {
       Adapter & adapter;
    };
 
-   // A collection has been brought as a whole, and what is not of it is being deleted. 0: none.
+   // The collection that has been received as a whole, while members that were not in it are being
+   // deleted; 0 for none.
    void handlingTransactionIs( U16 attrId ) { handlingTransaction_ = attrId; }
 
    // At the receiving end: where the adapter is known by its identifier.

@@ -1,5 +1,9 @@
-// The four kinds of attributes as the mirror stream sees them: key and value, what an adapter keeps
-// of each, what a flow keeps of what has still to be sent, and what one under way has brought.
+// What the mirror stream keeps for an attribute, by its kind. Traits< Attribute > names
+//
+//    Key, Value   what its messages carry
+//    Kept         what an adapter has of it for all its life
+//    FlowOut      what of it has still to be sent, while anything has
+//    FlowIn       what of it has been received of a collection that is under way
 #pragma once
 
 #include "mrp/platform/korv/Attributes.h"
@@ -13,7 +17,7 @@
 
 namespace Korv::NboAttrLog {
 
-enum class Kind : U8 { scalar, map, children, queue };
+using Kind = AttributeKind;
 
 // What of a collection has still to be sent.
 template < class Key, class Walk >
@@ -33,7 +37,6 @@ struct Traits;
 
 template < class E, class T, class V >
 struct Traits< ScalarAttribute< E, T, V > > {
-   static constexpr Kind kind = Kind::scalar;
    using Value = std::remove_cvref_t< T >;
    struct Kept {};
    struct FlowIn {};
@@ -44,7 +47,6 @@ struct Traits< ScalarAttribute< E, T, V > > {
 
 template < class E, class C, class K, class V >
 struct Traits< MapAttribute< E, C, K, V > > {
-   static constexpr Kind kind = Kind::map;
    using Key = std::remove_cvref_t< K >;
    using Value = std::remove_cvref_t< V >;
    struct Kept {};
@@ -56,7 +58,6 @@ struct Traits< MapAttribute< E, C, K, V > > {
 
 template < class E, class C, class K, class Child >
 struct Traits< ChildrenAttribute< E, C, K, Child > > {
-   static constexpr Kind kind = Kind::children;
    using Key = std::remove_cvref_t< K >;
    using Member = std::remove_pointer_t< Child >;
    using Adapter = typename Member::KorvNboAttrLogSa;
@@ -69,7 +70,6 @@ struct Traits< ChildrenAttribute< E, C, K, Child > > {
 
 template < class E, class Q, class M >
 struct Traits< QueueAttribute< E, Q, M > > {
-   static constexpr Kind kind = Kind::queue;
    using Key = U8; // the slot
    using Metadata = std::remove_cvref_t< M >;
    struct Kept {};
@@ -88,20 +88,20 @@ struct Traits< QueueAttribute< E, Q, M > > {
    };
 };
 
-// By number: that of a queue is the one of its bytes.
+// Whether the number is the attribute's. A queue has two: one of its span, one of its bytes.
 template < class Attribute >
 constexpr bool isNumber( Attribute const & attribute, U16 number ) {
-   if constexpr ( requires { attribute.metadataNumber; } ) {
+   if constexpr ( Attribute::kind == Kind::queue ) {
       return attribute.number == number || attribute.metadataNumber == number;
    } else {
       return attribute.number == number;
    }
 }
 
-// The number at which a flow comes to the attribute.
+// The number by which a flow, which goes through the attributes in order, comes to this one.
 template < class Attribute >
 constexpr U16 firstNumber( Attribute const & attribute ) {
-   if constexpr ( requires { attribute.metadataNumber; } ) {
+   if constexpr ( Attribute::kind == Kind::queue ) {
       return attribute.metadataNumber;
    } else {
       return attribute.number;
@@ -123,7 +123,7 @@ template < class E >
 std::size_t membersBelow( E const & entity ) {
    std::size_t members = 0;
    E::attributes().forEach( [&]( auto const & attribute ) {
-      constexpr Kind kind = Traits< std::remove_cvref_t< decltype( attribute ) > >::kind;
+      constexpr Kind kind = kindOf< decltype( attribute ) >;
       if constexpr ( kind == Kind::map || kind == Kind::children ) {
          auto const & collection = ( entity.*attribute.reader )();
          members += collection.size();

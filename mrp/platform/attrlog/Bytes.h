@@ -20,6 +20,7 @@
 #include "mrp/platform/pelk/IntfId.h"
 
 #include <bit>
+#include <cstring>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -34,8 +35,8 @@ class StreamError : public std::runtime_error {
    using runtime_error::runtime_error;
 };
 
-// The names of interfaces that streams have brought. The process keeps each for good, so there is
-// an end to how many it takes.
+// The names of interfaces that streams have brought, one after the other. The process keeps each of
+// them for good, so their number is limited.
 class NameGuard {
  public:
    static constexpr std::size_t maxNames = 16'384;
@@ -47,12 +48,12 @@ class NameGuard {
    std::unordered_set< std::string > names_;
 };
 
-// Into room that is there already, for as many bytes as `size` says.
+// Writes values into memory that the caller has made ready.
 class ByteWriter {
  public:
    explicit ByteWriter( U8 * to ) : to_( to ) {}
 
-   // Of what put() writes.
+   // The number of bytes that put() writes for the value.
    template < class T >
    static std::size_t size( T const & value ) {
       if constexpr ( std::is_same_v< T, bool > ) {
@@ -114,6 +115,7 @@ class ByteWriter {
    U8 * to_;
 };
 
+// Takes values off the front of some bytes.
 class ByteReader {
  public:
    ByteReader( std::span< U8 const > bytes, NameGuard & names )
@@ -164,6 +166,7 @@ class ByteReader {
    void expect( U8 byte, char const * what ) { checked( get< U8 >() == byte, what ); }
    void expectEnd() const { checked( bytes_.empty(), "bytes behind the end of a message" ); }
 
+   // Throws a StreamError of these words unless the condition holds.
    static void checked( bool holds, char const * otherwise ) {
       if ( !holds ) {
          throw StreamError( otherwise );

@@ -46,7 +46,11 @@ class EntityAdapter : public Adapter, public E::Reactor {
    using Table = decltype( E::attributes() );
    static constexpr Table table = E::attributes();
    template < std::size_t place >
-   using TraitsAt = Traits< std::tuple_element_t< place, decltype( Table::list ) > >;
+   using AttributeAt = std::tuple_element_t< place, decltype( Table::list ) >;
+   template < std::size_t place >
+   using TraitsAt = Traits< AttributeAt< place > >;
+   template < std::size_t place >
+   static constexpr Kind kindAt = AttributeAt< place >::kind;
    using FlowIns = typename PartsOf< Table, FlowInOf >::type;
 
    struct Pending : FlowOut {
@@ -67,19 +71,18 @@ class EntityAdapter : public Adapter, public E::Reactor {
    }
    // A child has a key, its first attribute; a root has a name.
    static constexpr bool hasKey() {
-      if constexpr ( TraitsAt< 0 >::kind == Kind::scalar ) {
+      if constexpr ( kindAt< 0 > == Kind::scalar ) {
          return std::get< 0 >( table.list ).isKey;
       }
       return false;
    }
    static constexpr bool hasOnly( auto... kinds ) {
       bool all = true;
-      forEachPlace( table, [&]( auto place ) {
-         all = all && ( ( TraitsAt< place >::kind == kinds ) || ... );
-      } );
+      forEachPlace( table,
+                    [&]( auto place ) { all = all && ( ( kindAt< place > == kinds ) || ... ); } );
       return all;
    }
-   // What it holds has a bound.
+   // It has no map and no children, so that a few messages tell all of it.
    static constexpr bool isSmall = hasOnly( Kind::scalar, Kind::queue );
    // A root of scalars, as the counters and the parse context, changes several times with each
    // attribute of each frame. It is told of once an event-loop turn: the first change leaves a flow
@@ -91,7 +94,7 @@ class EntityAdapter : public Adapter, public E::Reactor {
    template < class Attributes >
    struct Told< Attributes, true > {
       typename PartsOf< Attributes, ValueOf >::type values;
-      // While nobody would tell the adapter that the entity has gone.
+      // Keeps the entity alive while the adapter does not listen, and would not hear of its end.
       Ptr< E const > unheard;
    };
    void listensIs( bool listens ) {
@@ -132,6 +135,7 @@ class EntityAdapter : public Adapter, public E::Reactor {
    Pending & pending() { return static_cast< Pending & >( *flowOut() ); }
    Pending const & pending() const { return static_cast< Pending const & >( *flowOut() ); }
 
+   // Sending; each is told at its body.
    template < std::size_t place, class Write, class Mark >
    void handleChange( U16 attrId, Write && write, Mark && mark );
    template < std::size_t place >
@@ -161,6 +165,7 @@ class EntityAdapter : public Adapter, public E::Reactor {
    template < std::size_t place, class Key >
    bool nboAttrLogAdapterDel( Key const & key );
 
+   // Receiving; the same.
    template < std::size_t place >
    void deserialize( S16 attrId, ByteReader & in );
    template < std::size_t place >

@@ -32,7 +32,7 @@ void EntityAdapter< E >::deserialize( S16 attrId, ByteReader & in ) {
    using T = TraitsAt< place >;
    constexpr auto attribute = std::get< place >( table.list );
    bool const gone = attrId < 0;
-   if constexpr ( T::kind == Kind::scalar ) {
+   if constexpr ( kindAt< place > == Kind::scalar ) {
       in.checked( !gone && !attribute.isKey, "a value for what has none" );
       if constexpr ( !attribute.isKey ) {
          auto const value = in.template get< typename T::Value >();
@@ -42,7 +42,7 @@ void EntityAdapter< E >::deserialize( S16 attrId, ByteReader & in ) {
          apply( attribute.number, attribute.mutator, value );
       }
    } else {
-      if constexpr ( T::kind == Kind::queue ) {
+      if constexpr ( kindAt< place > == Kind::queue ) {
          if ( attrId == attribute.metadataNumber ) {
             return apply( attribute.metadataNumber, attribute.metadataMutator,
                           in.template get< typename T::Metadata >() );
@@ -53,10 +53,10 @@ void EntityAdapter< E >::deserialize( S16 attrId, ByteReader & in ) {
       if ( gone ) {
          return doDelMember< place >( key );
       }
-      if constexpr ( T::kind == Kind::queue ) {
+      if constexpr ( kindAt< place > == Kind::queue ) {
          apply( attribute.number, attribute.mutator, key, in.template get< U8 >() );
          doGrowSpan< place >( key );
-      } else if constexpr ( T::kind == Kind::map ) {
+      } else if constexpr ( kindAt< place > == Kind::map ) {
          auto const value = in.template get< typename T::Value >();
          doCountMember< place >( key );
          apply( attribute.number, attribute.mutator, key, value );
@@ -69,7 +69,8 @@ void EntityAdapter< E >::deserialize( S16 attrId, ByteReader & in ) {
    }
 }
 
-// A 0 next to a span that does not begin at slot 0: the entity takes it for what is there already.
+// Puts a slot that has just been written into the span, if it is not there yet. That is the case
+// for a 0: the entity ignores a byte that its slot has already, and slots outside the span read 0.
 template < class E >
 template < std::size_t place >
 void EntityAdapter< E >::doGrowSpan( U8 slot ) {
@@ -104,7 +105,7 @@ void EntityAdapter< E >::deserializeChild( Key const & key, ByteReader & in ) {
    std::get< place >( kept_ ).adapters.insertOrAssign( key, std::move( made ) );
 }
 
-// One that is not there yet, and is about to come.
+// Counts a member that is about to come, if the key is new.
 template < class E >
 template < std::size_t place, class Key >
 void EntityAdapter< E >::doCountMember( Key const & key ) {
@@ -116,14 +117,13 @@ void EntityAdapter< E >::doCountMember( Key const & key ) {
 template < class E >
 template < std::size_t place, class Key >
 void EntityAdapter< E >::doDelMember( Key const & key ) {
-   using T = TraitsAt< place >;
    constexpr auto attribute = std::get< place >( table.list );
-   if constexpr ( T::kind != Kind::queue ) {
+   if constexpr ( kindAt< place > != Kind::queue ) {
       auto const * const member = collection< place >().find( key );
       if ( !member ) {
          return;
       }
-      if constexpr ( T::kind == Kind::children ) {
+      if constexpr ( kindAt< place > == Kind::children ) {
          input()->membersDec( 1 + membersBelow( **member ) );
       } else {
          input()->membersDec( 1 );
@@ -151,7 +151,7 @@ void EntityAdapter< E >::handleAttrTransaction( U16 attrId, Marker marker ) {
          return;
       }
       brought_ &= ~( 1u << place );
-      if constexpr ( TraitsAt< place >::kind == Kind::children ) {
+      if constexpr ( kindAt< place > == Kind::children ) {
          if ( marker == Marker::begin ) {
             std::get< place >( kept_ ).adapters.clear();
          }
@@ -160,7 +160,7 @@ void EntityAdapter< E >::handleAttrTransaction( U16 attrId, Marker marker ) {
          handlingTransactionIs( attrId );
          doDelUnbrought< place >();
          handlingTransactionIs( 0 );
-         brought_ |= TraitsAt< place >::kind == Kind::scalar ? 0u : 1u << place;
+         brought_ |= kindAt< place > == Kind::scalar ? 0u : 1u << place;
       }
    } );
    if ( marker != Marker::begin ) {
@@ -173,16 +173,16 @@ template < class E >
 bool EntityAdapter< E >::isBrought() const {
    U32 collections = 0;
    forEachPlace( table, [&]( auto place ) {
-      collections |= TraitsAt< place >::kind == Kind::scalar ? 0u : 1u << place;
+      collections |= kindAt< place > == Kind::scalar ? 0u : 1u << place;
    } );
    return brought_ == collections;
 }
 
-// What the resync has not brought exists no more. Of a queue the span has said it.
+// What the resync has not brought exists no more. For a queue the message of its span has done it.
 template < class E >
 template < std::size_t place >
 void EntityAdapter< E >::doDelUnbrought() {
-   constexpr Kind kind = TraitsAt< place >::kind;
+   constexpr Kind kind = kindAt< place >;
    if constexpr ( kind == Kind::map || kind == Kind::children ) {
       auto const isBrought = [&]( auto const & key ) {
          if constexpr ( kind == Kind::children ) {

@@ -5,6 +5,7 @@
 
 namespace Korv::NboAttrLog {
 
+// What each reactor does with a change: writes it, or marks it for the flow, or neither.
 template < class E >
 template < std::size_t place, class Write, class Mark >
 void EntityAdapter< E >::handleChange( U16 attrId, Write && write, Mark && mark ) {
@@ -30,7 +31,7 @@ void EntityAdapter< E >::handleAttr() {
       [&]( auto & marks ) {
          if constexpr ( gathers ) {
             listensIs( false );
-         } else if constexpr ( TraitsAt< place >::kind == Kind::queue ) {
+         } else if constexpr ( kindAt< place > == Kind::queue ) {
             doMarkSpan( marks );
          } else {
             marks.dirty = true;
@@ -45,7 +46,7 @@ void EntityAdapter< E >::handleMember( Key const & memberKey ) {
    using T = TraitsAt< place >;
    auto const key = static_cast< typename T::Key >( memberKey );
    bool known = true;
-   if constexpr ( T::kind == Kind::children ) {
+   if constexpr ( kindAt< place > == Kind::children ) {
       // Whatever the mode, an adapter goes with its entity. What the stream has never heard of need
       // not be deleted there.
       known = nboAttrLogAdapterDel< place >( key );
@@ -60,11 +61,11 @@ void EntityAdapter< E >::handleMember( Key const & memberKey ) {
       [&]( auto & marks ) {
          bool & mark = marks.korvIsDirty[key];
          mark = mark || known;
-         if constexpr ( T::kind == Kind::children ) {
+         if constexpr ( kindAt< place > == Kind::children ) {
             if ( !mark && !collection< place >().isMember( key ) ) {
                marks.korvIsDirtyDel( key ); // come and gone
             }
-         } else if constexpr ( T::kind == Kind::queue ) {
+         } else if constexpr ( kindAt< place > == Kind::queue ) {
             doMarkSpan( marks );
          }
       } );
@@ -76,7 +77,7 @@ template < class E >
 bool EntityAdapter< E >::prepareImmediateTransmission( U16 attrId, bool noBuffer ) const {
    bool settled = true;
    forEachPlace( table, [&]( auto place ) {
-      if ( TraitsAt< place >::kind != Kind::scalar &&
+      if ( kindAt< place > != Kind::scalar &&
            isNumber( std::get< place >( table.list ), attrId ) ) {
          settled = !flowOut() || !isPending< place >();
       }
@@ -84,6 +85,7 @@ bool EntityAdapter< E >::prepareImmediateTransmission( U16 attrId, bool noBuffer
    return settled && !noBuffer;
 }
 
+// Whether something of the attribute has still to be sent.
 template < class E >
 template < std::size_t place >
 bool EntityAdapter< E >::isPending() const {
@@ -101,7 +103,8 @@ bool EntityAdapter< E >::isPending() const {
    return pends;
 }
 
-// Unless it stands there already. It says itself what there is to say.
+// The member's adapter, made and attached if there is none yet. From then on it sends all that is
+// to be said of the member.
 template < class E >
 template < std::size_t place, class Key, class Member >
 void EntityAdapter< E >::nboAttrLogAdapterIs( Key const & key, Member & member ) {
@@ -134,6 +137,7 @@ bool EntityAdapter< E >::nboAttrLogAdapterDel( Key const & key ) {
    return adapters.erase( key );
 }
 
+// One plain message.
 template < class E >
 template < class... Part >
 void EntityAdapter< E >::doWrite( U64 about, S16 attrId, Part const &... part ) {
@@ -153,7 +157,7 @@ void EntityAdapter< E >::korvHandleSerialize() {
       std::get< place >( pending().marks ).dirty = false;
    }
    constexpr auto number = static_cast< S16 >( firstNumber( std::get< place >( table.list ) ) );
-   if constexpr ( TraitsAt< place >::kind == Kind::queue ) {
+   if constexpr ( kindAt< place > == Kind::queue ) {
       doWrite( identifier(), number, collection< place >().metadata() );
    } else {
       if constexpr ( gathers ) {
@@ -167,27 +171,26 @@ void EntityAdapter< E >::korvHandleSerialize() {
 template < class E >
 template < std::size_t place, class Key >
 void EntityAdapter< E >::korvHandleSerializeSing( Key const & key ) {
-   using T = TraitsAt< place >;
    constexpr auto number = static_cast< S16 >( std::get< place >( table.list ).number );
    auto const & members = collection< place >();
    if ( !isMember( members, key ) ) {
       doWrite( identifier(), static_cast< S16 >( -number ), key );
-   } else if constexpr ( T::kind == Kind::queue ) {
+   } else if constexpr ( kindAt< place > == Kind::queue ) {
       doWrite( identifier(), number, key, members.at( key ) );
-   } else if constexpr ( T::kind == Kind::map ) {
+   } else if constexpr ( kindAt< place > == Kind::map ) {
       doWrite( identifier(), number, key, *members.find( key ) );
    } else {
       nboAttrLogAdapterIs< place >( key, **members.find( key ) );
    }
 }
 
-// Of the hundreds of thousands of attributes that a stream begins with, each is told in one step.
+// A stream begins with hundreds of thousands of attributes: each is sent in one step, with no flow.
 template < class E >
 bool EntityAdapter< E >::doSerializeAll() {
    if constexpr ( isSmall ) {
       forEachPlace( table, [&]( auto place ) {
          constexpr auto attribute = std::get< place >( table.list );
-         if constexpr ( TraitsAt< place >::kind == Kind::queue ) {
+         if constexpr ( kindAt< place > == Kind::queue ) {
             auto const & bytes = collection< place >();
             korvHandleSerialize< place >();
             output()->doSendMarker( identifier(), attribute.number, Marker::begin );
@@ -217,7 +220,7 @@ bool EntityAdapter< E >::korvHandleSerializeColl() {
    if ( !marks.korvHasSynced ) {
       if ( !marks.bookmark ) {
          output()->doSendMarker( identifier(), number, Marker::begin );
-         if constexpr ( T::kind == Kind::queue ) {
+         if constexpr ( kindAt< place > == Kind::queue ) {
             marks.bookmarkIs( typename T::Walk{ &members } );
          } else {
             marks.bookmarkIs( members.walk() );
@@ -249,7 +252,7 @@ bool EntityAdapter< E >::korvHandleSerializeColl() {
    return false;
 }
 
-// 0 when done, else the number to come back to.
+// One attribute's turn in a flow. 0 when it is done, else the number to come back to.
 template < class E >
 template < std::size_t place >
 U16 EntityAdapter< E >::flowAttr() {
@@ -263,9 +266,9 @@ U16 EntityAdapter< E >::flowAttr() {
       return number;
    }
    auto & marks = std::get< place >( pending().marks );
-   if constexpr ( TraitsAt< place >::kind == Kind::scalar ) {
+   if constexpr ( kindAt< place > == Kind::scalar ) {
       korvHandleSerialize< place >();
-   } else if constexpr ( TraitsAt< place >::kind == Kind::queue ) {
+   } else if constexpr ( kindAt< place > == Kind::queue ) {
       if ( marks.dirty ) {
          korvHandleSerialize< place >();
       }
@@ -305,7 +308,7 @@ template < std::size_t place >
 void EntityAdapter< E >::doMark( Pending & pending ) {
    constexpr auto attribute = std::get< place >( table.list );
    auto & marks = std::get< place >( pending.marks );
-   if constexpr ( TraitsAt< place >::kind == Kind::scalar ) {
+   if constexpr ( kindAt< place > == Kind::scalar ) {
       marks.dirty = !attribute.isKey; // a key stands in the orphan record
    } else {
       if ( marks.bookmark ) {
@@ -314,7 +317,7 @@ void EntityAdapter< E >::doMark( Pending & pending ) {
       }
       marks.korvIsDirty.clear();
       marks.korvHasSynced = false;
-      if constexpr ( TraitsAt< place >::kind == Kind::queue ) {
+      if constexpr ( kindAt< place > == Kind::queue ) {
          marks.dirty = true;
       }
    }
@@ -330,7 +333,7 @@ void EntityAdapter< E >::doMarkAll() {
 template < class E >
 void EntityAdapter< E >::doDropChildren( std::size_t & limit ) {
    forEachPlace( table, [&]( auto place ) {
-      if constexpr ( TraitsAt< place >::kind == Kind::children ) {
+      if constexpr ( kindAt< place > == Kind::children ) {
          auto & adapters = std::get< place >( kept_ ).adapters;
          for ( auto adapter = adapters.walk(); adapter && limit > 0; ++adapter ) {
             adapter.value()->doDropChildren( limit );

@@ -25,15 +25,15 @@ class Input {
    // Makes the adapter of a root that the stream has told of.
    using Root = std::function< std::unique_ptr< Adapter >( Input & input, U64 identifier ) >;
 
-   // The names outlive it: what one stream has used up is used up for the next.
+   // `names` outlives it, and counts for the streams that come after it too.
    explicit Input( NameGuard & names ) : names_( names ) {}
    Input( Input const & ) = delete;
    Input & operator=( Input const & ) = delete;
    ~Input();
 
-   // Roots are known by their type; those that are not are passed over, with all that is in them.
+   // Enters a type of root. Roots of other types are passed over, with all that is below them.
    void rootIs( char const * typeName, Root root );
-   // The root has one of these: Input::rootOf< MrpStatus::KorvNboAttrLogSa >( status ).
+   // The same for an entity with its adapter: rootOf< MrpStatus::KorvNboAttrLogSa >( status ).
    template < class RootAdapter, class E >
    void rootOf( E & entity ) {
       rootIs( RootAdapter::typeName(), [&entity]( Input & input, U64 identifier ) {
@@ -47,8 +47,8 @@ class Input {
    // The stream's next bytes, in pieces of any size. Whole messages are applied at once.
    void handleBytes( std::span< U8 const > bytes );
    U64 messages() const { return messages_; }
-   // What has been made known so far has been brought as a whole: no collection is under way, and
-   // no message. Looks at every entity.
+   // Whether all that has been made known so far has also been brought: no collection is under way,
+   // and no message. It looks at every entity.
    bool isBrought() const;
 
    // For adapters.
@@ -73,8 +73,8 @@ class Input {
    NameGuard & names_;
    std::unordered_map< std::string, Root > roots_;
    std::unordered_map< U64, Adapter * > adapters_;
-   // Made known, and without a place: also those of types that only a later version knows, for
-   // good. What is said about them is passed over.
+   // Entities that have been made known and have no place yet. Those of types that only a later
+   // version knows never get one. What is said about them is passed over.
    std::unordered_map< U64, Orphan > orphans_;
    std::size_t orphanBytes_ = 0;
    std::size_t members_ = 0; // of collections, all over the trees

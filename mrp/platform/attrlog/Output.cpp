@@ -3,6 +3,7 @@
 #include "mrp/platform/attrlog/Adapter.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace Korv::NboAttrLog {
 

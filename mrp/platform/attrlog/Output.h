@@ -30,9 +30,9 @@ class Output {
    Output & operator=( Output const & ) = delete;
    virtual ~Output() = default;
 
-   // For adapters. The bound may be passed by the messages of one step, of which there are few.
+   // For adapters, which ask before each step. The few messages of one step may pass the bound.
    bool hasSufficientBuffer() const { return bytes() < bound_; }
-   // Of a turn's worth no more, however much the transport takes: the engine is waiting.
+   // For flows. A turn writes only so much, however much the transport takes: the engine waits.
    bool continueFlowOut() const { return hasSufficientBuffer() && written_ < turnEnd_; }
    // Counted up from 1, never used twice.
    U64 newIdentifier() { return ++lastIdentifier_; }
@@ -60,8 +60,8 @@ class Output {
    void readOnlyIs( bool readOnly ) { readOnly_ = readOnly; }
    virtual bool convertedToWritable() { return false; }
 
-   // What was thrown while an adapter worked off a notification. The engine never hears of it: the
-   // stream has lost something and has to end.
+   // Something was thrown while an adapter worked off a notification. The engine never hears of it:
+   // the stream has lost a change and has to end.
    void onNotificationException() {
       failed_ = true;
       handleFailed();

@@ -5,7 +5,7 @@
 namespace Bridging {
 
 VlanId::VlanId( Korv::U16 value ) : value_( value ) {
-   if ( value < 1 || value > 4094 ) {
+   if ( value < first || value > last ) {
       Korv::throwRangeException( "VlanId::value < 1 or > 4094 not allowed" );
    }
 }

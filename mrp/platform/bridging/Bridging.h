@@ -26,8 +26,8 @@ class SwitchIntfConfig : public Korv::Entity {
 
    Pelk::IntfId const & intfId() const { return intfId_; }
 
-   // As configured: 0 for none, and numbers that are no VLAN's pass here. Whoever makes a VlanId
-   // of it meets the range.
+   // As configured, 0 for none. Numbers that are no VLAN's are taken too: making a VlanId of one
+   // throws.
    Korv::U16 nativeVlan() const { return nativeVlan_; }
    void nativeVlanIs( Korv::U16 nativeVlan ) { nativeVlan_ = nativeVlan; }
 

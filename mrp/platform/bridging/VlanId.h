@@ -10,9 +10,13 @@
 
 namespace Bridging {
 
-// 1 to 4094, or 0 for none, which only a VlanId made of nothing is.
+// From `first` to `last`, or 0 for none, which only a VlanId made of nothing is. Throws a
+// Korv::RangeException for any other number.
 class VlanId {
  public:
+   static constexpr Korv::U16 first = 1;
+   static constexpr Korv::U16 last = 4094;
+
    constexpr VlanId() = default;
    explicit VlanId( Korv::U16 value );
 

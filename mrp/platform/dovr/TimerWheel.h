@@ -55,7 +55,7 @@ class TimerWheel : public Korv::PtrInterface {
       Reactor * next_ = nullptr;
    };
 
-   // What stands for an activity of the framework: there is none here.
+   // Stands for the framework's activity, of which there is none here.
    using Activity = std::nullptr_t;
 
    // `defaultBucketSize` is the number of different ticks for which there is room from the start.

@@ -29,8 +29,9 @@ class AllEthPhyIntfStatusDir : public IntfDir< EthPhyIntfStatus > {
    using IntfDir::IntfDir;
 
    EthPhyIntfStatus * intfStatusIs( Pelk::IntfId const & intfId, Pelk::EthAddr const & addr ) {
-      auto const entry = findOrMake( intfId, addr );
-      entry->addrIs( addr );
+      if ( auto * const entry = IntfDir::intfStatusIs( intfId, addr ) ) {
+         entry->addrIs( addr );
+      }
       return intfStatus( intfId );
    }
 };

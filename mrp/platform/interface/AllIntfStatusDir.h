@@ -38,9 +38,11 @@ class AllIntfStatusDir : public IntfDir< IntfStatus > {
    // An interface is up unless something else has been said.
    IntfStatus * intfStatusIs( Pelk::IntfId const & intfId, Korv::U32 mtu,
                               std::optional< bool > up = {} ) {
-      auto const entry = findOrMake( intfId, mtu, up.value_or( true ) );
-      entry->mtuIs( mtu );
-      entry->upIs( up.value_or( entry->up() ) );
+      Korv::Ptr const entry( IntfDir::intfStatusIs( intfId, mtu, up.value_or( true ) ) );
+      if ( entry ) {
+         entry->mtuIs( mtu );
+         entry->upIs( up.value_or( entry->up() ) );
+      }
       return intfStatus( intfId );
    }
 };

@@ -28,7 +28,7 @@ class DeviceIntfStatusDir : public IntfDir< DeviceIntfStatus > {
 
    void intfStatusIs( Pelk::IntfId const & intfId,
                       Korv::Ptr< KernelNetInfo::Status > const & kernelStatus ) {
-      findOrMake( intfId, kernelStatus );
+      IntfDir::intfStatusIs( intfId, kernelStatus );
    }
 };
 

@@ -3,10 +3,7 @@
 
 #include "mrp/platform/korv/Entity.h"
 #include "mrp/platform/korv/HashMap.h"
-#include "mrp/platform/korv/Members.h"
 #include "mrp/platform/pelk/IntfId.h"
-
-#include <utility>
 
 namespace Interface {
 
@@ -29,11 +26,7 @@ template < class Entry >
 class IntfDir : public Korv::NamedEntity {
  public:
    using NamedEntity::NamedEntity;
-   ~IntfDir() override {
-      for ( auto walk = intfStatus_.walk(); walk; ++walk ) {
-         walk.value()->parentIs( nullptr );
-      }
-   }
+   ~IntfDir() override { childrenLeave( intfStatus_ ); }
 
    class Reactor : public Korv::ReactorOn< IntfDir > {
     public:
@@ -46,32 +39,19 @@ class IntfDir : public Korv::NamedEntity {
    }
    // The entry, or null. Good until it is deleted.
    Entry * intfStatus( Pelk::IntfId const & intfId ) const {
-      return Korv::memberAt( intfStatus_, intfId );
+      return childAt( intfStatus_, intfId );
    }
 
    void intfStatusDel( Pelk::IntfId const & intfId ) {
-      Korv::Ptr< Entry > const leaving = intfStatus( intfId );
-      if ( intfStatus_.erase( intfId ) ) {
-         leaving->parentIs( nullptr );
-         this->notify( &Reactor::onIntfStatus, intfId );
-      }
+      childDel( intfStatus_, intfId, &Reactor::onIntfStatus );
    }
 
  protected:
    // The entry, made of the interface and the other arguments if it is missing: watchers find it
    // complete, and may take it out again at once.
-   template < class... A >
-   Korv::Ptr< Entry > findOrMake( Pelk::IntfId const & intfId, A const &... values ) {
-      bool made = false;
-      Korv::Ptr< Entry > const entry = intfStatus_.findOrMake( intfId, [&] {
-         made = true;
-         return Korv::Ptr< Entry >( new Entry( intfId, values... ) );
-      } );
-      if ( made ) {
-         entry->parentIs( this );
-         this->notify( &Reactor::onIntfStatus, intfId );
-      }
-      return entry;
+   template < class... V >
+   Entry * intfStatusIs( Pelk::IntfId const & intfId, V const &... values ) {
+      return childIs( intfStatus_, intfId, &Reactor::onIntfStatus, values... );
    }
 
  private:

@@ -29,13 +29,7 @@ NetNsIntfStatusManagerRoot::NetNsIntfStatusManagerRoot(
 IntfStatusManager * NetNsIntfStatusManagerRoot::intfStatusManagerIs(
    Activity /* activity */, Korv::Ptr< DeviceIntfStatusDir > dir,
    Korv::Ptr< KernelNetInfo::Status > kernelStatus, Korv::Name const & namespaceName ) {
-   return intfStatusManager_
-      .findOrMake( namespaceName,
-                   [&] {
-                      return Korv::Ptr< IntfStatusManager >(
-                         new IntfStatusManager( namespaceName, dir, kernelStatus ) );
-                   } )
-      .ptr();
+   return Korv::memberIs( intfStatusManager_, namespaceName, namespaceName, dir, kernelStatus );
 }
 
 } // namespace Interface

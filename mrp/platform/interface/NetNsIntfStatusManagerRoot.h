@@ -35,7 +35,7 @@ class IntfStatusManager : public Korv::NamedEntity {
 // namespace are taken as they are given: one participant has one namespace here.
 class NetNsIntfStatusManagerRoot : public Korv::PtrInterface {
  public:
-   // What stands for an activity of the framework: there is none here.
+   // Stands for the framework's activity, of which there is none here.
    using Activity = std::nullptr_t;
 
    NetNsIntfStatusManagerRoot( Activity activity, Korv::Ptr< AllIntfStatusDir const > all,

@@ -9,8 +9,8 @@
 //    }
 //
 // Copying an entity, its JSON form and the adapters of the mirror stream are generic code over
-// that table. Numbers are those of the mirror stream: 258 is the first that an entity adds to the
-// generic ones.
+// that table; what differs by kind asks `kindOf`. Numbers are those of the mirror stream: 258 is
+// the first that an entity adds to the generic ones.
 #pragma once
 
 #include "mrp/platform/korv/Types.h"
@@ -20,10 +20,14 @@
 
 namespace Korv {
 
+enum class AttributeKind : U8 { scalar, map, children, queue };
+
 // Reader: value. Mutator: takes a value, or is null for an attribute that is fixed at
 // construction (the entity's key).
 template < class E, class T, class V >
 struct ScalarAttribute {
+   static constexpr AttributeKind kind = AttributeKind::scalar;
+
    U16 number;
    char const * name;
    T ( E::*reader )() const;
@@ -34,6 +38,8 @@ struct ScalarAttribute {
 // A keyed collection of values. Reader: the collection.
 template < class E, class C, class K, class V >
 struct MapAttribute {
+   static constexpr AttributeKind kind = AttributeKind::map;
+
    U16 number;
    char const * name;
    C const & ( E::*reader )() const;
@@ -44,6 +50,8 @@ struct MapAttribute {
 // A keyed collection of owned entities. `make` finds or makes the child.
 template < class E, class C, class K, class Child >
 struct ChildrenAttribute {
+   static constexpr AttributeKind kind = AttributeKind::children;
+
    U16 number;
    char const * name;
    C const & ( E::*reader )() const;
@@ -54,6 +62,8 @@ struct ChildrenAttribute {
 // A queue of bytes by position, with (head, count) as its metadata under a number of its own.
 template < class E, class Q, class M >
 struct QueueAttribute {
+   static constexpr AttributeKind kind = AttributeKind::queue;
+
    U16 metadataNumber;
    U16 number;
    char const * name;
@@ -93,6 +103,10 @@ queue( U16 metadataNumber, U16 number, char const * name, Q const & ( E::*reader
    return { metadataNumber, number, name, reader, metadataMutator, mutator, remover };
 }
 
+// Of an attribute, by the type of whatever names it: `kindOf< decltype( attribute ) >`.
+template < class Attribute >
+inline constexpr AttributeKind kindOf = std::remove_cvref_t< Attribute >::kind;
+
 template < class... A >
 struct AttributeTable {
    char const * typeName;
@@ -112,12 +126,7 @@ constexpr AttributeTable< A... > attributeTable( char const * typeName, A... att
 template < class E, class F >
 void forEachScalar( E const & entity, F && f ) {
    E::attributes().forEach( [&]( auto const & attribute ) {
-      if constexpr (
-         requires {
-            ( entity.*( attribute.reader ) )();
-            attribute.mutator;
-         } &&
-         !requires { attribute.remover; } && !requires { attribute.metadataNumber; } ) {
+      if constexpr ( kindOf< decltype( attribute ) > == AttributeKind::scalar ) {
          f( attribute.name, ( entity.*( attribute.reader ) )() );
       }
    } );

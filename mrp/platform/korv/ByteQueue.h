@@ -1,9 +1,9 @@
-// The byte queue of an attribute's value: at most 65 bytes in slots 0 to 64 of a ring, a span that
-// runs from a head position for a count of slots.
+// The bytes of an attribute's value, in a ring of 65 slots numbered 0 to 64. The slots in use are
+// the span: `count` of them from the head on.
 //
 // Values are short (a VLAN has 2 bytes, a failed talker 34) and there are hundreds of thousands of
-// them, so the span is kept without its empty slots: up to `inlineBytes` in the object, more in a
-// block of 65. An empty slot reads as 0.
+// them, so only the span is kept: up to `inlineBytes` of it in the object, a longer one in a block
+// of 65. A slot outside the span reads as 0.
 #pragma once
 
 #include "mrp/platform/korv/RangeException.h"

@@ -4,6 +4,7 @@
 #include "mrp/platform/korv/Ptr.h"
 #include "mrp/platform/korv/Types.h"
 
+#include <functional>
 #include <set>
 
 namespace Korv {
@@ -63,6 +64,27 @@ class Clock : public PtrInterface {
    U64 armings_ = 0;
    Armed armed_;
    Armed::node_type spare_; // of the timer disarmed last: re-arming allocates nothing
+};
+
+// A timer that calls a function back, for what an owner does later or again. It ranks with input
+// from outside.
+class CallbackTimer : public Clock::Reactor {
+ public:
+   using Callback = std::function< void() >;
+   CallbackTimer( Ptr< Clock > clock, Callback callback )
+      : Reactor( std::move( clock ), Clock::Rank::outside ), callback_( std::move( callback ) ) {}
+
+   void onTime() override { callback_(); }
+   void doRunIn( Seconds delay ) { timeMinIs( clock().now() + delay ); }
+   // The same, unless it is to run already.
+   void doRunWithin( Seconds delay ) {
+      if ( timeMin() == never ) {
+         doRunIn( delay );
+      }
+   }
+
+ private:
+   Callback callback_;
 };
 
 // The process object: it owns the clock and runs the loop. There is one at a time; making one

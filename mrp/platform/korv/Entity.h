@@ -9,10 +9,12 @@
 
 namespace Korv {
 
-// Raised by each change of membership among the children of a level of a tree, anywhere in the
-// process: whoever remembers a place in a tree of entities compares. A class of children that
-// wants a count of its own names itself as its MembershipLevel.
-// One for the process also where a library and its user hide their symbols from each other.
+// Counts the changes of membership among children, anywhere in the process. Whoever remembers a
+// place in a tree of entities compares the count, and so knows when the place may have gone. A
+// class of children that wants a count of its own names itself as its MembershipLevel.
+//
+// The visibility keeps it one count for the process where a library and its user hide their symbols
+// from each other.
 template < class Level >
 [[gnu::visibility( "default" )]] inline U64 membershipChanges = 0;
 
@@ -40,31 +42,34 @@ class Entity : public Notifier {
    virtual String8 keyText() const { return {}; }
 
    // The family of operations on a keyed collection of owned children, a map from the key to
-   // Ptr< Child >. A child is made from its key, and may outlive its place here in a reader's hand.
+   // Ptr< Child >. A child is made from its key and, where it takes them, further values; it may
+   // outlive its place here in a reader's hand.
    template < class Map, class K >
    static auto * childAt( Map const & children, K const & key ) {
       return memberAt( children, key );
    }
    // Finds or makes and attaches, without announcing.
-   template < class Map, class K >
-   auto * newChild( Map & children, K const & key ) {
+   template < class Map, class K, class... V >
+   auto * newChild( Map & children, K const & key, V const &... values ) {
       using Child = std::remove_reference_t< decltype( **children.find( key ) ) >;
       return children
          .findOrMake( key,
                       [&] {
                          ++membershipChanges< typename Child::MembershipLevel >;
-                         Ptr< Child > child = newValidPtr< Child >( key );
+                         Ptr< Child > child = newValidPtr< Child >( key, values... );
                          child->parentIs( this );
                          return child;
                       } )
          .ptr();
    }
-   template < class Map, class K, class On >
-   auto * childIs( Map & children, K const & key, On on ) {
+   // Finds it, or makes it and announces it; null if who hears of it takes it away again. A child
+   // that is found keeps the values it has.
+   template < class Map, class K, class On, class... V >
+   auto * childIs( Map & children, K const & key, On on, V const &... values ) {
       if ( auto * const found = childAt( children, key ) ) {
          return found;
       }
-      auto * const made = newChild( children, key );
+      auto * const made = newChild( children, key, values... );
       Ptr const held( made ); // the announcement may end it
       notify( on, key );
       return childAt( children, key );

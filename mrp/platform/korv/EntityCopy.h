@@ -11,26 +11,23 @@ namespace Cli::Session {
 
 class EntityCopy : public Korv::PtrInterface {
  public:
-   // An empty name and no filter mean all attributes; nothing else is offered. Keys stay as they
-   // are; children are not descended into.
+   // The name is empty, which stands for all attributes; nothing else is offered. The key stays as
+   // it is.
    template < class E >
    void doCopyEntityAttrs( E & destination, E const & source, std::string const & /* name */ ) {
       E::attributes().forEach( [&]( auto const & attribute ) {
-         if constexpr ( requires { attribute.metadataMutator; } ) {
-            auto const & bytes = ( source.*( attribute.reader ) )();
-            ( destination.*( attribute.metadataMutator ) )( bytes.metadata() );
-            for ( Korv::U32 i = 0; i < bytes.count(); ++i ) {
-               auto const position = bytes.position( i );
-               ( destination.*( attribute.mutator ) )( position, bytes.at( position ) );
+         constexpr auto kind = Korv::kindOf< decltype( attribute ) >;
+         static_assert( kind == Korv::AttributeKind::scalar || kind == Korv::AttributeKind::queue,
+                        "a leaf entity is copied, not a tree" );
+         auto const & value = ( source.*( attribute.reader ) )();
+         if constexpr ( kind == Korv::AttributeKind::queue ) {
+            ( destination.*( attribute.metadataMutator ) )( value.metadata() );
+            for ( Korv::U32 i = 0; i < value.count(); ++i ) {
+               auto const position = value.position( i );
+               ( destination.*( attribute.mutator ) )( position, value.at( position ) );
             }
-         } else if constexpr ( requires { attribute.make; } ) {
-            static_assert(
-               !requires { attribute.make; }, "a leaf entity is copied, not a tree" );
-         } else if constexpr ( requires { attribute.remover; } ) {
-            static_assert(
-               !requires { attribute.remover; }, "no copied entity has a map" );
-         } else if ( attribute.mutator ) {
-            ( destination.*( attribute.mutator ) )( ( source.*( attribute.reader ) )() );
+         } else if ( !attribute.isKey ) {
+            ( destination.*( attribute.mutator ) )( value );
          }
       } );
    }

@@ -1,5 +1,5 @@
 // A hashed map that keeps the order of insertion: whoever walks it sees the same order in each
-// run. Members stand in one row; a row of numbers on top of it, by the key's spread, finds them.
+// run. Members stand in one row in that order; an index, hashed by key, says where in it.
 //
 // A walk survives any change of the map: it remembers the member it stands on by the number that
 // the member got when it came, and finds the next one from there. A pointer to a value is good

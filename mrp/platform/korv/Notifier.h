@@ -45,7 +45,7 @@ class Notifier : public PtrInterface {
          notify( on );
       }
    }
-   // A member of a keyed collection of values; one that is not there reads as a value of nothing.
+   // The value under a key of a keyed collection; one that is not there reads as an empty value.
    template < class Map, class K >
    static auto valueAt( Map const & map, K const & key ) {
       auto const * const found = map.find( key );
@@ -94,7 +94,7 @@ class Notifier : public PtrInterface {
       Run( Run const & ) = delete;
       Run & operator=( Run const & ) = delete;
       ~Run() {
-         // Held here alone, the list has outlived the notifier, of which nothing may be touched.
+         // If the list is held here alone, the notifier has gone, and must not be touched.
          if ( --watchers->running == 0 && watchers->references() > 1 ) {
             notifier.compact();
          }
@@ -135,7 +135,8 @@ class Notifier : public PtrInterface {
       watching_ = reinterpret_cast< std::uintptr_t >( watcher );
    }
 
-   // A ReactorBase, or with the mark a list that is referred to from here.
+   // The address of the only watcher; or, with the mark added, of a list that this owns a reference
+   // to; or 0.
    static constexpr std::uintptr_t listMark = 1;
    mutable std::uintptr_t watching_ = 0;
 };

@@ -1,12 +1,12 @@
 // A first-in first-out queue whose entries have a U32 position, one past the last entry's for each
-// newcomer, so that an entry can be named. It keeps its room: a queue that is filled and emptied
-// again and again allocates nothing.
+// newcomer, so that an entry can be named.
 #pragma once
 
 #include "mrp/platform/korv/Types.h"
 
 #include <algorithm>
-#include <vector>
+#include <deque>
+#include <utility>
 
 namespace Korv {
 
@@ -18,14 +18,14 @@ class Queue {
    };
 
  public:
-   std::size_t size() const { return entries_.size() - head_; }
-   bool empty() const { return head_ == entries_.size(); }
-   T const & front() const { return entries_[head_].value; }
-   U32 frontPosition() const { return entries_[head_].position; }
+   std::size_t size() const { return entries_.size(); }
+   bool empty() const { return entries_.empty(); }
+   T const & front() const { return entries_.front().value; }
+   U32 frontPosition() const { return entries_.front().position; }
 
    T const * find( U32 position ) const {
       auto const found = lowerBound( position );
-      return found != entries_.end() && found->position == position ? &found->value : nullptr;
+      return isAt( found, position ) ? &found->value : nullptr;
    }
 
    // Walk, from the oldest: `for ( auto w = queue.walk(); w; ++w ) use( w.position(), w.value() );`
@@ -57,11 +57,6 @@ class Queue {
       if ( !empty() ) {
          next_ = std::max( next_, entries_.back().position + 1 );
       }
-      if ( entries_.size() == entries_.capacity() && head_ > entries_.size() / 2 ) {
-         entries_.erase( entries_.begin(),
-                         entries_.begin() + static_cast< std::ptrdiff_t >( head_ ) );
-         head_ = 0;
-      }
       entries_.push_back( { next_, value } );
       return next_++;
    }
@@ -71,8 +66,8 @@ class Queue {
       if ( empty() ) {
          return T{};
       }
-      T const value = entries_[head_++].value;
-      tidy();
+      T const value = front();
+      entries_.pop_front();
       return value;
    }
 
@@ -80,47 +75,35 @@ class Queue {
    // something.
    bool put( U32 position, T const & value ) {
       auto const found = lowerBound( position );
-      if ( found != entries_.end() && found->position == position ) {
-         auto & held = entries_[static_cast< std::size_t >( found - entries_.begin() )].value;
-         if ( held == value ) {
-            return false;
-         }
-         held = value;
-      } else {
+      if ( !isAt( found, position ) ) {
          entries_.insert( found, { position, value } );
+         return true;
       }
-      return true;
+      T & held = entries_[static_cast< std::size_t >( found - entries_.begin() )].value;
+      return std::exchange( held, value ) != value;
    }
 
    bool del( U32 position ) {
       auto const found = lowerBound( position );
-      if ( found == entries_.end() || found->position != position ) {
-         return false;
-      }
-      if ( found - entries_.begin() == static_cast< std::ptrdiff_t >( head_ ) ) {
-         ++head_;
-      } else {
+      bool const isThere = isAt( found, position );
+      if ( isThere ) {
          entries_.erase( found );
       }
-      tidy();
-      return true;
+      return isThere;
    }
 
  private:
-   typename std::vector< Entry >::const_iterator lowerBound( U32 position ) const {
-      return std::lower_bound( entries_.begin() + static_cast< std::ptrdiff_t >( head_ ),
-                               entries_.end(), position,
+   using Entries = std::deque< Entry >;
+
+   typename Entries::const_iterator lowerBound( U32 position ) const {
+      return std::lower_bound( entries_.begin(), entries_.end(), position,
                                []( Entry const & e, U32 p ) { return e.position < p; } );
    }
-   void tidy() {
-      if ( head_ == entries_.size() ) {
-         entries_.clear();
-         head_ = 0;
-      }
+   bool isAt( typename Entries::const_iterator entry, U32 position ) const {
+      return entry != entries_.end() && entry->position == position;
    }
 
-   std::vector< Entry > entries_;
-   std::size_t head_ = 0;
+   Entries entries_;
    U32 next_ = 0;
 };
 

@@ -14,7 +14,6 @@
 #include "mrp/platform/korv/Types.h"
 
 #include <cstddef>
-#include <cstring>
 #include <tuple>
 #include <type_traits>
 

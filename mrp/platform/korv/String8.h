@@ -6,7 +6,6 @@
 #include <compare>
 #include <ostream>
 #include <string>
-#include <string_view>
 
 namespace Korv {
 

@@ -11,7 +11,6 @@
 #include "mrp/platform/korv/Record.h"
 #include "mrp/platform/korv/Types.h"
 
-#include <concepts>
 #include <limits>
 #include <string>
 #include <string_view>
@@ -28,8 +27,8 @@ class TextReader {
 
    void expect( std::string_view words );
    U64 number( U64 max );
-   // Up to what may follow a field of a record, or the end. A comma or a brace alone is part of
-   // the word: interfaces may have such names.
+   // Up to the end of a record's field or of the text. A comma or a brace alone does not end it:
+   // interfaces may have such names.
    std::string_view word();
    void expectEnd() const;
 
@@ -47,7 +46,7 @@ void textWrite( std::string & out, T const & value );
 template < class T >
 T textRead( TextReader & in );
 
-// Used for each field, behind the words that lead up to it: a failure gets the field's name added.
+// A field of a record, and ahead of it the words that lead up to it. A failure names the field.
 template < class T >
 T textReadField( TextReader & in, char const * field, std::string_view words = {} ) {
    try {

@@ -76,7 +76,7 @@ class AttrLogServer::Observer : public Korv::NboAttrLog::Output {
       bool const more = !idle() || broken();
       watch_->eventsIs( DescriptorWatch::reading | ( more ? DescriptorWatch::writing : 0u ) );
       if ( isWaitedFor() ) {
-         server_.check_.doRun( checkDelay );
+         server_.check_.doRunWithin( checkDelay );
       }
    }
 
@@ -175,7 +175,7 @@ void AttrLogServer::handleAccept() {
    if ( !socket ) {
       if ( errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM ) {
          listenWatch_->eventsIs( 0 );
-         retry_.doRun( retryDelay );
+         retry_.doRunWithin( retryDelay );
       }
       return;
    }
@@ -228,7 +228,7 @@ void AttrLogServer::handleCheck() {
    }
    doOfferSocket();
    if ( waiting ) {
-      check_.doRun( checkDelay );
+      check_.doRunWithin( checkDelay );
    }
 }
 
@@ -237,7 +237,7 @@ void AttrLogServer::observerDel( Observer & observer, bool stalled ) {
    auto const at = std::find_if( observers_.begin(), observers_.end(),
                                  [&]( auto const & o ) { return o.get() == &observer; } );
    leaving_.splice( leaving_.end(), observers_, at );
-   teardown_.doRun( teardownDelay );
+   teardown_.doRunWithin( teardownDelay );
    if ( offered_ == &observer ) {
       offered_ = nullptr;
       doOfferSocket();
@@ -249,7 +249,7 @@ void AttrLogServer::handleTeardown() {
       leaving_.pop_front();
    }
    if ( !leaving_.empty() ) {
-      teardown_.doRun( teardownDelay );
+      teardown_.doRunWithin( teardownDelay );
    }
 }
 

@@ -5,20 +5,20 @@
 // are marks instead of messages. An observer that reads no more costs its marks; one that goes
 // takes all of it along; one that comes gets everything from the start.
 //
-// One that has taken nothing for too long, while something waits for it, is sent away: it may come
-// again and gets everything.
+// An observer that has taken nothing for too long, while something waits for it, is disconnected.
+// It may come again and gets everything.
 //
-// Entered as the connection's output, the server says whose send buffer the commits of the engine
-// look at. Who is slow must hold up nobody but himself as long as another keeps up: it is that of
-// one observer for as long as no more than half of it is unsent, at first the one that has been
-// there longest, and then that of whoever has the least unsent.
+// The engine holds its commits off while the send buffer of one socket is more than half full. The
+// server says which socket that is (socketOutSm). It is one observer's, at first that of the one
+// that came first, until more than half of it is unsent; then it is that of whoever has the least
+// unsent. So a slow observer holds nothing up as long as another keeps up.
 //
 // Owned by the agent, made after the activity and gone before it.
 #pragma once
 
 #include "mrp/platform/attrlog/Adapter.h"
+#include "mrp/platform/attrlog/SocketOutSm.h"
 #include "mrp/platform/korv/Clock.h"
-#include "mrp/platform/korv/NboAttrLog.h"
 #include "mrp/platform/linux/DescriptorWatch.h"
 #include "mrp/platform/linux/StreamSocket.h"
 
@@ -41,7 +41,7 @@ class AttrLogServer {
       Seconds stallLimit = 10; // without taking anything; 0: none
    };
 
-   // Throws std::system_error if the address cannot be had.
+   // Throws std::system_error or Korv::RangeException if the address cannot be had.
    AttrLogServer( RealActivity & activity, StreamAddress const & address, Mount mount )
       : AttrLogServer( activity, address, std::move( mount ), Options() ) {}
    AttrLogServer( RealActivity & activity, StreamAddress const & address, Mount mount,
@@ -72,23 +72,6 @@ class AttrLogServer {
       Korv::S32 fd_ = -1;
    };
    using Observers = std::list< std::unique_ptr< Observer > >;
-   class Timer : public Korv::Clock::Reactor {
-    public:
-      Timer( AttrLogServer & server, void ( AttrLogServer::*on )() )
-         : Reactor( server.activity_.clock(), Korv::Clock::Rank::outside ), server_( server ),
-           on_( on ) {}
-      void onTime() override { ( server_.*on_ )(); }
-      // Unless it runs already.
-      void doRun( Seconds delay ) {
-         if ( timeMin() == Korv::never ) {
-            timeMinIs( clock().now() + delay );
-         }
-      }
-
-    private:
-      AttrLogServer & server_;
-      void ( AttrLogServer::*on_ )();
-   };
 
    void handleAccept();
    void handleRetry() { listenWatch_->eventsIs( DescriptorWatch::reading ); }
@@ -106,9 +89,11 @@ class AttrLogServer {
    Korv::Ptr< SocketOut > socketOut_{ new SocketOut };
    Descriptor listening_;
    std::unique_ptr< DescriptorWatch > listenWatch_;
-   Timer retry_{ *this, &AttrLogServer::handleRetry }; // after the process was out of descriptors
-   Timer check_{ *this, &AttrLogServer::handleCheck }; // while something waits for somebody
-   Timer teardown_{ *this, &AttrLogServer::handleTeardown };
+   // After the process was out of descriptors; while something waits for somebody; while adapters
+   // are left of observers that have gone.
+   Korv::CallbackTimer retry_{ activity_.clock(), [this] { handleRetry(); } };
+   Korv::CallbackTimer check_{ activity_.clock(), [this] { handleCheck(); } };
+   Korv::CallbackTimer teardown_{ activity_.clock(), [this] { handleTeardown(); } };
    Observers observers_;
    Observers leaving_; // gone, short of their adapters
    Observer * offered_ = nullptr;

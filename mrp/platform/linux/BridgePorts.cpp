@@ -7,7 +7,7 @@ namespace Linux {
 
 BridgePorts::BridgePorts( Korv::Ptr< Korv::Clock > clock, Korv::Ptr< Stp::Status > stpStatus )
    : tree_( stpStatus->stpiStatusIs( "Stp" )->mstiStatusIs( "Cist" ) ),
-     announce_( std::move( clock ), *this ) {}
+     announce_( std::move( clock ), [this] { handleAnnounce(); } ) {}
 
 Stp::MstiPortStatus::Role BridgePorts::role( Korv::U8 state ) {
    using Role = Stp::MstiPortStatus::Role;
@@ -24,7 +24,7 @@ void BridgePorts::portStateIs( Pelk::IntfId const & intfId, std::optional< Korv:
 
 void BridgePorts::doAnnounce( Pelk::IntfId const & intfId ) {
    toAnnounce_.push_back( intfId );
-   announce_.timeMinIs( announce_.clock().now() );
+   announce_.doRunIn( 0 );
 }
 
 void BridgePorts::handleAnnounce() {

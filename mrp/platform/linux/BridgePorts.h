@@ -31,21 +31,11 @@ class BridgePorts {
    static Stp::MstiPortStatus::Role role( Korv::U8 state );
 
  private:
-   class Announce : public Korv::Clock::Reactor {
-    public:
-      Announce( Korv::Ptr< Korv::Clock > clock, BridgePorts & ports )
-         : Reactor( std::move( clock ), Korv::Clock::Rank::outside ), ports_( ports ) {}
-      void onTime() override { ports_.handleAnnounce(); }
-
-    private:
-      BridgePorts & ports_;
-   };
-
    void handleAnnounce();
 
    Korv::Ptr< Stp::MstiStatus > tree_;
    std::vector< Pelk::IntfId > toAnnounce_;
-   Announce announce_;
+   Korv::CallbackTimer announce_;
 };
 
 } // namespace Linux

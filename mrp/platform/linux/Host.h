@@ -1,7 +1,7 @@
 // The agent's side on Linux: all that a participant is given, kept in step with the kernel.
 #pragma once
 
-#include "mrp/platform/kernel/HostEntities.h"
+#include "mrp/platform/mirel/HostEntities.h"
 #include "mrp/platform/linux/BridgePorts.h"
 #include "mrp/platform/linux/LinkMonitor.h"
 #include "mrp/platform/linux/Network.h"
@@ -18,7 +18,7 @@ namespace Linux {
 //
 // Made once the activity is there, and ended before it. What participants that outlive the host
 // find in the entities is what it last said.
-class Host : public KernelNetInfo::HostEntities {
+class Host : public Mirel::HostEntities {
  public:
    // Reads the kernel's links. Throws std::system_error if it has no access to them.
    explicit Host( RealActivity & activity, Korv::Name const & name = "host" );

@@ -16,7 +16,7 @@ constexpr int receiveBufferBytes = 1 << 20;
 // Dumps come in datagrams of this size at most, unless a single message is longer.
 constexpr std::size_t datagramBytes = 32'768;
 constexpr int patienceMsecs = 2'000;
-// Of announcements read at one time: more of them are a storm, and may wait for their turns.
+// The most announcements that one call reads: in a storm of them the others wait for their turns.
 constexpr int readsAtOnce = 1'000;
 
 constexpr char const * cannotFollow = "cannot follow the kernel's network interfaces";
@@ -104,7 +104,7 @@ bool LinkMonitor::readOne() {
    }
    std::size_t const length = static_cast< std::size_t >( bytes );
    if ( length > buffer_.size() ) {
-      buffer_.resize( length ); // enough the next time, for what is lost now
+      buffer_.resize( length ); // this one is lost, and the next one of its size is not
       table_.doDump();
    } else if ( from.nl_pid == 0 ) { // from the kernel: other processes have nothing to say
       table_.handleDatagram( NetlinkBytes( buffer_ ).first( length ) );

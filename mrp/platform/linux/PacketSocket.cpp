@@ -1,10 +1,9 @@
 #include "mrp/platform/linux/PacketSocket.h"
 
-#include <climits>
-
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 #include <linux/filter.h>
 #include <linux/if_arp.h>
@@ -76,7 +75,7 @@ tpacket_auxdata auxdataOf( msghdr & message ) {
 
 PacketSocket PacketSocket::open( int index, KernelNetInfo::PamSettings const & settings,
                                  InterfaceProblem & problem ) {
-   // Of protocol 0 it receives nothing yet.
+   // With protocol 0 it receives nothing until it is bound.
    PacketSocket opened(
       Descriptor( ::socket( AF_PACKET, SOCK_RAW | SOCK_NONBLOCK | SOCK_CLOEXEC, 0 ) ) );
    problem = opened ? opened.setUp( index, settings ) : problemOf( errno, "open a packet socket" );

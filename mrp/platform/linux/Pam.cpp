@@ -3,13 +3,14 @@
 #include "mrp/platform/linux/Network.h"
 #include "mrp/platform/pelk/ReceivePool.h"
 
+#include <array>
 #include <cerrno>
 
 namespace Linux {
 
 namespace {
 
-// Of frames in a row that are not the reader's: the rest may wait for the next turn.
+// How many frames that are not for the reader one read passes over; the rest waits for the next.
 constexpr int discardsARead = 64;
 
 } // namespace

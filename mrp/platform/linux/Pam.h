@@ -6,8 +6,6 @@
 #include "mrp/platform/pelk/IntfId.h"
 #include "mrp/platform/pelk/Pam.h"
 
-#include <array>
-
 namespace Linux {
 
 class Network;

@@ -21,7 +21,7 @@ constexpr int timersARound = 1024;
 // the wheel, which asks for its next tick from the time that it is told, must not miss that tick.
 constexpr Seconds punctual = 0.05;
 
-// Whoever waits longer will be woken in between.
+// The furthest that the kernel's timer is set. A longer wait is woken in between, for nothing.
 constexpr Seconds farAway = 1e9;
 
 } // namespace

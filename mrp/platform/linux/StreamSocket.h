@@ -11,19 +11,20 @@
 namespace Linux {
 
 struct StreamAddress {
-   // "unix:PATH", "tcp:PORT" (loopback) or "tcp:HOST:PORT" with an address in digits. Throws
-   // Korv::RangeException for anything else.
+   // "unix:PATH", "tcp:PORT" (loopback) or "tcp:HOST:PORT". Throws Korv::RangeException for
+   // anything else. Path and host are looked at when a socket is made.
    static StreamAddress fromText( std::string_view text );
    std::string text() const;
 
    bool isUnix = true;
    std::string path;
-   std::string host = "127.0.0.1";
-   Korv::U16 port = 0; // 0: any that is free
+   std::string host = "127.0.0.1"; // in digits
+   Korv::U16 port = 0;             // 0: any that is free
 };
 
-// These throw std::system_error. A path belongs to its user alone (0600); one that a dead process
-// has left behind is taken over.
+// These throw std::system_error, and Korv::RangeException for a path that is too long or a host
+// that is no IPv4 address. A path belongs to its user alone (0600); one that a dead process has
+// left behind is taken over.
 Descriptor listeningSocket( StreamAddress const & address );
 // Still connecting, possibly: it is writable when that has been decided.
 Descriptor connectingSocket( StreamAddress const & address );

@@ -2,7 +2,7 @@
 // given, and a network to stand on.
 #pragma once
 
-#include "mrp/platform/kernel/HostEntities.h"
+#include "mrp/platform/mirel/HostEntities.h"
 #include "mrp/platform/memory/Network.h"
 
 #include <optional>
@@ -10,7 +10,7 @@
 namespace Memory {
 
 // What participants send after the host has gone, nobody sees.
-class Host : public KernelNetInfo::HostEntities {
+class Host : public Mirel::HostEntities {
  public:
    explicit Host( Korv::Name const & name = "host" );
    ~Host();

@@ -13,7 +13,7 @@ Device * Network::device( Pelk::IntfId const & intfId ) const {
 }
 
 Device * Network::deviceIs( Pelk::IntfId const & intfId ) {
-   device_.findOrMake( intfId, [&] { return Korv::Ptr< Device >( new Device( *this, intfId ) ); } );
+   Korv::memberIs( device_, intfId, *this, intfId );
    Status::deviceIs( intfId );
    return device( intfId );
 }

@@ -10,7 +10,7 @@ namespace Memory {
 
 namespace {
 
-// The receive pool has no packets for these.
+// A frame without room for a header, which the receive pool refuses.
 Korv::Ptr< Pelk::Pkt > runt( FrameBytes frame ) {
    Korv::Ptr< Pelk::Pkt > const pkt = Pelk::globalPktManager().newPkt();
    if ( pkt ) {

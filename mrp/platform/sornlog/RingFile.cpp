@@ -52,7 +52,8 @@ void lock( std::string const & path, int descriptor ) {
    }
 }
 
-// What stands there under the name is of ours, or empty, and nobody writes it any more.
+// Makes way for a new file: a ring file that is there gets ".old" behind its name. Refuses where
+// there is something else, or where another process writes it.
 void keepOld( std::string const & path ) {
    Opened const old( path, O_RDONLY | O_NONBLOCK );
    if ( old.number < 0 ) {
@@ -172,7 +173,7 @@ RingFile::RingFile( std::string const & path, U32 recordsPerRing )
       throwRangeException( "a ring has 1 to 1048576 records" );
    }
    keepOld( path );
-   // It gets its name when it is what it is to be.
+   // It gets its name when it is complete.
    std::string const making = path + ".new";
    std::size_t const bytes = Layout::fileBytes( recordsPerRing );
    descriptor_ = makeFile( making, bytes );

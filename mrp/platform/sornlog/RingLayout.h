@@ -74,7 +74,7 @@ constexpr std::size_t fileBytes( U32 recordsPerRing ) {
    return recordsAt + std::size_t{ rings } * recordsPerRing * sizeof( Record );
 }
 
-// Of a file that nobody has written to: all but the process, the time and what has been counted.
+// The header of an empty file, but for the process and the time.
 constexpr Header newHeader( U32 recordsPerRing ) {
    Header header{};
    for ( std::size_t i = 0; i < sizeof magic; ++i ) {

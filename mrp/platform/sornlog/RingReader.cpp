@@ -50,7 +50,7 @@ Numbers numbersOf( Layout::Header const & header ) {
    return Numbers( swapped );
 }
 
-// Calls `each` with the arguments' codes and bytes taken apart; false if they do not agree.
+// Takes the bytes of a record's arguments apart.
 class ArgumentReader {
  public:
    ArgumentReader( Numbers numbers, std::span< U8 const > bytes )
@@ -58,6 +58,7 @@ class ArgumentReader {
 
    bool atEnd() const { return bytes_.empty(); }
 
+   // The next argument, of that code; none if the bytes do not hold one.
    std::optional< RingArgument > next( char code ) {
       RingArgument argument{ code, 0, {}, false };
       bool isThere = false;

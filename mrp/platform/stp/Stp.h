@@ -6,44 +6,14 @@
 #include "mrp/platform/korv/Entity.h"
 #include "mrp/platform/korv/Enum.h"
 #include "mrp/platform/korv/HashMap.h"
-#include "mrp/platform/korv/Members.h"
 
 namespace Stp {
 
 using Korv::Name;
 
-// The records of one level under one parent, by name.
-template < class Child >
-class Children {
- public:
-   Korv::HashMap< Name, Korv::Ptr< Child > > const & byName() const { return byName_; }
-   Child * find( Name const & name ) const { return Korv::memberAt( byName_, name ); }
-   // Puts a record in that is not there yet.
-   void put( Korv::Entity * parent, Korv::Ptr< Child > const & child ) {
-      child->parentIs( parent );
-      byName_.insertOrAssign( child->name(), child );
-   }
-   // The record, out of the map, or null.
-   Korv::Ptr< Child > take( Name const & name ) {
-      Korv::Ptr< Child > const child = find( name );
-      if ( child ) {
-         child->parentIs( nullptr );
-         byName_.erase( name );
-      }
-      return child;
-   }
-   Children() = default;
-   Children( Children const & ) = delete;
-   Children & operator=( Children const & ) = delete;
-   ~Children() {
-      for ( auto walk = byName_.walk(); walk; ++walk ) {
-         walk.value()->parentIs( nullptr );
-      }
-   }
-
- private:
-   Korv::HashMap< Name, Korv::Ptr< Child > > byName_;
-};
+// The records of one level under one parent.
+template < class Record >
+using Records = Korv::HashMap< Name, Korv::Ptr< Record > >;
 
 // A record is named by its key.
 class NamedRecord : public Korv::NamedEntity {
@@ -76,6 +46,7 @@ class MstiPortStatus : public NamedRecord {
 class MstiStatus : public NamedRecord {
  public:
    using NamedRecord::NamedRecord;
+   ~MstiStatus() override { childrenLeave( mstiPortStatus_ ); }
 
    class Reactor : public Korv::ReactorOn< MstiStatus > {
     public:
@@ -83,24 +54,25 @@ class MstiStatus : public NamedRecord {
       virtual void onMstiPortStatus( Name const & /* name */ ) {}
    };
 
-   Korv::HashMap< Name, Korv::Ptr< MstiPortStatus > > const & mstiPortStatus() const {
-      return mstiPortStatus_.byName();
-   }
+   Records< MstiPortStatus > const & mstiPortStatus() const { return mstiPortStatus_; }
    MstiPortStatus * mstiPortStatus( Name const & name ) const {
-      return mstiPortStatus_.find( name );
+      return childAt( mstiPortStatus_, name );
    }
    // A port appears together with its role, as one change.
    MstiPortStatus * mstiPortStatusIs( Name const & name, MstiPortStatus::Role role );
-   void mstiPortStatusDel( Name const & name );
+   void mstiPortStatusDel( Name const & name ) {
+      childDel( mstiPortStatus_, name, &Reactor::onMstiPortStatus );
+   }
    Korv::String8 parentAttrName() const override { return "mstiStatus"; }
 
  private:
-   Children< MstiPortStatus > mstiPortStatus_;
+   Records< MstiPortStatus > mstiPortStatus_;
 };
 
 class StpiStatus : public NamedRecord {
  public:
    using NamedRecord::NamedRecord;
+   ~StpiStatus() override { childrenLeave( mstiStatus_ ); }
 
    class Reactor : public Korv::ReactorOn< StpiStatus > {
     public:
@@ -108,21 +80,22 @@ class StpiStatus : public NamedRecord {
       virtual void onMstiStatus( Name const & /* name */ ) {}
    };
 
-   Korv::HashMap< Name, Korv::Ptr< MstiStatus > > const & mstiStatus() const {
-      return mstiStatus_.byName();
-   }
-   MstiStatus * mstiStatus( Name const & name ) const { return mstiStatus_.find( name ); }
+   Records< MstiStatus > const & mstiStatus() const { return mstiStatus_; }
+   MstiStatus * mstiStatus( Name const & name ) const { return childAt( mstiStatus_, name ); }
    MstiStatus * mstiStatusIs( Name const & name );
-   void mstiStatusDel( Name const & name );
+   void mstiStatusDel( Name const & name ) {
+      childDel( mstiStatus_, name, &Reactor::onMstiStatus );
+   }
    Korv::String8 parentAttrName() const override { return "stpiStatus"; }
 
  private:
-   Children< MstiStatus > mstiStatus_;
+   Records< MstiStatus > mstiStatus_;
 };
 
 class Status : public Korv::NamedEntity {
  public:
    using NamedEntity::NamedEntity;
+   ~Status() override { childrenLeave( stpiStatus_ ); }
 
    class Reactor : public Korv::ReactorOn< Status > {
     public:
@@ -136,16 +109,16 @@ class Status : public Korv::NamedEntity {
    Korv::S32 stpMode() const { return stpMode_; }
    void stpModeIs( Korv::S32 mode ) { set( stpMode_, mode, &Reactor::onStpMode ); }
 
-   Korv::HashMap< Name, Korv::Ptr< StpiStatus > > const & stpiStatus() const {
-      return stpiStatus_.byName();
-   }
-   StpiStatus * stpiStatus( Name const & name ) const { return stpiStatus_.find( name ); }
+   Records< StpiStatus > const & stpiStatus() const { return stpiStatus_; }
+   StpiStatus * stpiStatus( Name const & name ) const { return childAt( stpiStatus_, name ); }
    StpiStatus * stpiStatusIs( Name const & name );
-   void stpiStatusDel( Name const & name );
+   void stpiStatusDel( Name const & name ) {
+      childDel( stpiStatus_, name, &Reactor::onStpiStatus );
+   }
 
  private:
    Korv::S32 stpMode_ = 0;
-   Children< StpiStatus > stpiStatus_;
+   Records< StpiStatus > stpiStatus_;
 };
 
 // The name of the tree instance of a VLAN that has a tree of its own: "Vl7".

@@ -1,12 +1,13 @@
-#include "mrp/platform/kernel/HostEntities.h"
+#include "mrp/platform/mirel/HostEntities.h"
 
 #include "mrp/platform/korv/Format.h"
 #include "mrp/platform/pelk/NetNs.h"
 
-namespace KernelNetInfo {
+namespace Mirel {
 
-HostEntities::HostEntities( Korv::Name const & name, Korv::Ptr< Status > const & network )
-   : em_( new Mirel::EntityManager( name ) ), brConfig_( new Bridging::Config( "brConfig" ) ),
+HostEntities::HostEntities( Korv::Name const & name,
+                            Korv::Ptr< KernelNetInfo::Status > const & network )
+   : em_( new EntityManager( name ) ), brConfig_( new Bridging::Config( "brConfig" ) ),
      brTopoConfig_( new Bridging::Topology::Config( "brTopoConfig" ) ),
      stpStatus_( new Stp::Status( "stpStatus" ) ),
      ethPhyIntfStatusDir_( new Interface::AllEthPhyIntfStatusDir( "ethPhyIntfStatusDir" ) ),
@@ -17,4 +18,4 @@ HostEntities::HostEntities( Korv::Name const & name, Korv::Ptr< Status > const &
    em_->entityIs( Korv::format( "kni/ns/%s/status", Pelk::DEFAULT_NS ), network );
 }
 
-} // namespace KernelNetInfo
+} // namespace Mirel

@@ -1,4 +1,4 @@
-#include "mrp/platform/korv/NboAttrLog.h"
+#include "mrp/platform/attrlog/SocketOutSm.h"
 
 namespace Korv::NboAttrLog {
 

@@ -8,7 +8,7 @@
 #include "mrp/platform/mirel/EntityManager.h"
 #include "mrp/platform/stp/Stp.h"
 
-namespace KernelNetInfo {
+namespace Mirel {
 
 // Makes the entities and publishes those that a participant looks up. It shares them with its
 // participants, which may outlive it. Base of the hosts, which fill the entities: in memory by
@@ -18,7 +18,7 @@ class HostEntities {
    HostEntities( HostEntities const & ) = delete;
    HostEntities & operator=( HostEntities const & ) = delete;
 
-   Korv::Ptr< Mirel::EntityManager > const & em() const { return em_; }
+   Korv::Ptr< EntityManager > const & em() const { return em_; }
    Korv::Ptr< Bridging::Config > const & brConfig() const { return brConfig_; }
    Korv::Ptr< Bridging::Topology::Config > const & brTopoConfig() const { return brTopoConfig_; }
    Korv::Ptr< Stp::Status > const & stpStatus() const { return stpStatus_; }
@@ -30,11 +30,11 @@ class HostEntities {
    }
 
  protected:
-   HostEntities( Korv::Name const & name, Korv::Ptr< Status > const & network );
+   HostEntities( Korv::Name const & name, Korv::Ptr< KernelNetInfo::Status > const & network );
    ~HostEntities() = default;
 
  private:
-   Korv::Ptr< Mirel::EntityManager > em_;
+   Korv::Ptr< EntityManager > em_;
    Korv::Ptr< Bridging::Config > brConfig_;
    Korv::Ptr< Bridging::Topology::Config > brTopoConfig_;
    Korv::Ptr< Stp::Status > stpStatus_;
@@ -42,4 +42,4 @@ class HostEntities {
    Korv::Ptr< Interface::AllIntfStatusDir > allIntfStatusDir_;
 };
 
-} // namespace KernelNetInfo
+} // namespace Mirel
