@@ -27,6 +27,8 @@ for mtu in 100 9000; do
    if [ -e "$work/decoded" ]; then
       longest=$(grep -oP '^Frame \d+: \K\d+' "$work/decoded" | sort -n | tail -n 1)
       [ "$longest" -le $(( (mtu < 1500 ? mtu : 1500) + 14 )) ] || fail "a frame of $longest bytes"
+      read=$(grep -oP ' VLAN ID: \K\d+' "$work/decoded" | sort -nu | paste -s -d , | sed "s,^0.,,")
+      [ "$read" = "$odd" ] || fail "tshark reads other VLANs: $read"
    fi
 done
 ip -n left link set eth0 mtu 1500

@@ -79,8 +79,6 @@ run left left --application mvrp --declare 77 "${long[@]}" eth0
 heard text '^eth0 +77 +QA +MT$'
 [ "$(tail -n 1 "$work/text.out" | tr -s ' ')" = "eth0 77 QA MT" ] || fail "old rows have stayed"
 heard lines '"connected":false' '"key":"77"'
-python3 -c 'import json, sys
-for line in open( sys.argv[1] ): json.loads( line )' "$work/lines.out" || fail "a line is no document"
 stop text || fail "SIGTERM does not end a watch with 0"
 stop lines INT || fail "SIGINT does not end a watch with 0"
 
