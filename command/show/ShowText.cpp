@@ -223,11 +223,18 @@ void addAttributes( ShowLines & lines, ShowView const & view, std::size_t width 
 } // namespace
 
 ShowLines showLines( ShowStream const & stream, std::size_t width ) {
-   std::string const state =
-      stream.connected ? "" : ": not connected, trying again (" + stream.problem + ")";
+   std::string const address =
+      stream.address + ( stream.connected ? "" : ": not connected, trying again" );
+   // On a line of its own, as lines are cut where the screen ends.
+   auto const addProblem = [&]( ShowLines & lines ) {
+      if ( !stream.connected && !stream.problem.empty() ) {
+         addLabelled( lines, "problem", stream.problem );
+      }
+   };
    ShowLines lines;
    if ( !stream.isKnown ) {
-      lines.push_back( { stream.address + ( state.empty() ? ": waiting" : state ), heading } );
+      lines.push_back( { address + ( stream.connected ? ": waiting" : "" ), heading } );
+      addProblem( lines );
       return lines;
    }
    for ( ShowView const & view : stream.views ) {
@@ -237,8 +244,9 @@ ShowLines showLines( ShowStream const & stream, std::size_t width ) {
       bool const isThere = view.application != Mrp::InvalidApplication;
       lines.push_back(
          { ( isThere ? Mrp::stringValue( view.application ) + " at " : "no application at " ) +
-              stream.address + state,
+              address,
            heading } );
+      addProblem( lines );
       addParticipant( lines, view );
       addInterfaces( lines, view );
       addAttributes( lines, view, width );

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <sstream>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -14,21 +13,12 @@ namespace {
 
 std::string contents( std::string const & path ) {
    std::ifstream in( path, std::ios::binary );
-   std::ostringstream text;
-   text << in.rdbuf();
-   return text.str();
-}
-
-// Least significant byte first.
-void putLittle( Bytes & to, std::uint64_t number, unsigned size ) {
-   for ( unsigned i = 0; i < size; ++i ) {
-      to.push_back( static_cast< std::uint8_t >( number >> ( 8 * i ) ) );
-   }
+   return std::string( std::istreambuf_iterator< char >( in ), {} );
 }
 
 } // namespace
 
-Outcome mrp( std::vector< std::string > const & arguments ) {
+Outcome mrp( Lines const & arguments ) {
    std::string const base =
       std::filesystem::temp_directory_path() / ( "mrp-run-" + std::to_string( getpid() ) );
    pid_t const child = fork();
@@ -62,24 +52,6 @@ void expectRefused( Outcome const & outcome, std::string const & words ) {
    EXPECT_EQ( std::count( outcome.err.begin(), outcome.err.end(), '\n' ), 1 ) << outcome.err;
 }
 
-Bytes pcap( std::vector< Stamped > const & frames, std::uint32_t linkType ) {
-   Bytes bytes;
-   putLittle( bytes, 0xA1B2C3D4, 4 );
-   putLittle( bytes, 2, 2 );
-   putLittle( bytes, 4, 2 );
-   putLittle( bytes, 0, 8 );
-   putLittle( bytes, 65535, 4 );
-   putLittle( bytes, linkType, 4 );
-   for ( Stamped const & stamped : frames ) {
-      putLittle( bytes, static_cast< std::uint64_t >( stamped.time / 1'000'000'000 ), 4 );
-      putLittle( bytes, static_cast< std::uint64_t >( stamped.time % 1'000'000'000 / 1000 ), 4 );
-      putLittle( bytes, stamped.frame.size(), 4 );
-      putLittle( bytes, stamped.frame.size(), 4 );
-      TestSupport::put( bytes, stamped.frame );
-   }
-   return bytes;
-}
-
 CommandTest::CommandTest() {
    auto const * const test = ::testing::UnitTest::GetInstance()->current_test_info();
    directory_ = std::filesystem::temp_directory_path() /
@@ -89,10 +61,14 @@ CommandTest::CommandTest() {
 
 CommandTest::~CommandTest() { std::filesystem::remove_all( directory_ ); }
 
-std::string CommandTest::file( std::string const & name, Bytes const & bytes ) const {
-   std::ofstream out( path( name ), std::ios::binary );
-   out.write( reinterpret_cast< char const * >( bytes.data() ),
-              static_cast< std::streamsize >( bytes.size() ) );
+std::string CommandTest::file( std::string const & name, std::string const & text ) const {
+   std::ofstream( path( name ), std::ios::binary ) << text;
+   return path( name );
+}
+
+std::string CommandTest::capture( std::string const & name,
+                                  std::vector< Command::CapturedFrame > const & frames ) const {
+   Command::writeCapture( path( name ), frames );
    return path( name );
 }
 

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -14,6 +15,8 @@
 namespace CommandTest {
 
 using TestSupport::Bytes;
+
+using Lines = std::vector< std::string >;
 
 struct Outcome {
    int status; // -1: it did not exit by itself
@@ -24,21 +27,26 @@ struct Outcome {
 };
 
 // In a process of its own: rand() starts anew, and the filter is that of this run's application.
-Outcome mrp( std::vector< std::string > const & arguments );
+Outcome mrp( Lines const & arguments );
 
 // It ended with status 2, and all it said was one line of error with these words.
 void expectRefused( Outcome const & outcome, std::string const & words );
 
-// A time in nanoseconds and a frame.
-struct Stamped {
-   std::int64_t time;
-   Bytes frame;
+// A variable of the environment, for the lifetime of the object.
+class Variable {
+ public:
+   Variable( char const * name, char const * value ) : name_( name ) { ::setenv( name, value, 1 ); }
+   Variable( Variable const & ) = delete;
+   Variable & operator=( Variable const & ) = delete;
+   ~Variable() { ::unsetenv( name_ ); }
+
+ private:
+   char const * name_;
 };
+constexpr char const * noRandomization = "DISABLE_LEAVE_ALL_RANDOMIZATION";
+
 constexpr std::int64_t start = 1'700'000'000'123'456'000;
 constexpr std::int64_t ms = 1'000'000;
-
-// The bytes of a file, put together here.
-Bytes pcap( std::vector< Stamped > const & frames, std::uint32_t linkType = 1 );
 
 // A directory that goes with the test.
 class CommandTest : public ::testing::Test {
@@ -47,8 +55,10 @@ class CommandTest : public ::testing::Test {
    ~CommandTest() override;
 
    std::string path( std::string const & name ) const { return ( directory_ / name ).string(); }
-   // Writes the file, and gives its path.
-   std::string file( std::string const & name, Bytes const & bytes ) const;
+   // These write the file, and give its path.
+   std::string file( std::string const & name, std::string const & text ) const;
+   std::string capture( std::string const & name,
+                        std::vector< Command::CapturedFrame > const & frames ) const;
 
  private:
    std::filesystem::path directory_;

@@ -1,9 +1,7 @@
 // What `mrp ring` prints, and how logs, traces and the ring are switched by the user.
 #include "mrp/observability/Logs.h"
 #include "mrp/observability/RingSites.h"
-#include "mrp/platform/pelk/IntfId.h"
 
-#include "command/CommandError.h"
 #include "command/run/Observation.h"
 #include "tests/command/CommandRun.h"
 
@@ -16,9 +14,7 @@ namespace CommandTest {
 
 namespace {
 
-using ::testing::EndsWith;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
 
 class RingTest : public CommandTest {
  protected:
@@ -45,59 +41,46 @@ TEST_F( RingTest, PrintsMessagesInOrderOfTime ) {
    std::string const file = ringFile();
    Outcome const all = mrp( { "ring", file } );
    EXPECT_EQ( all.status, 0 );
-   EXPECT_THAT( all.err, IsEmpty() );
+   EXPECT_EQ( all.err, "" );
    EXPECT_THAT( all.out, ::testing::MatchesRegex(
                             "process [0-9]+, started .*\n\n"
                             ".*  8  leaveAllEvent is True for eth0\n"
                             ".*  4  Join was discarded by MSRP, interface: eth0, attrType: 3, "
                             "attrEvent: 1\n"
                             ".*  8  Flush! event occurred\n" ) );
-   Outcome const errors = mrp( { "ring", "--level", "2-4", file } );
-   EXPECT_EQ( std::count( errors.out.begin(), errors.out.end(), '\n' ), 3 );
-
-   auto const records = mrp( { "ring", "--json", file } ).json().at( "records" );
-   ASSERT_EQ( records.size(), 3u );
-   EXPECT_EQ( records[1].at( "level" ), 4 );
-   EXPECT_EQ( records[1].at( "message" ), Mrp::Ring::joinDiscarded.message );
-   EXPECT_EQ( records[1].at( "arguments" ), nlohmann::json::parse( R"(["eth0", 3, 1])" ) );
-   EXPECT_THAT( records[1].at( "text" ).get< std::string >(), EndsWith( "attrEvent: 1" ) );
-   EXPECT_EQ( mrp( { "ring", "--json", "--level", "5", file } ).json().at( "records" ).size(), 0u );
+   auto const records = mrp( { "ring", "--json", "--level", "2-4", file } ).json().at( "records" );
+   ASSERT_EQ( records.size(), 1u );
+   EXPECT_EQ( records[0].at( "level" ), 4 );
+   EXPECT_EQ( records[0].at( "message" ), Mrp::Ring::joinDiscarded.message );
+   EXPECT_EQ( records[0].at( "arguments" ), nlohmann::json::parse( R"(["eth0", 3, 1])" ) );
 }
 
 TEST_F( RingTest, SaysWhatIsWrong ) {
-   std::string const bad = file( "bad", Bytes( 20000, 'x' ) );
-   struct {
-      std::vector< std::string > arguments;
-      std::string words;
-   } const cases[] = {
+   std::string const bad = file( "bad", std::string( 20000, 'x' ) );
+   std::pair< Lines, std::string > const cases[] = {
       { { "ring" }, "FILE" },
       { { "ring", path( "none" ) }, path( "none" ) + ": No such file or directory\n" },
       { { "ring", path( "" ) }, path( "" ) + ": Is a directory\n" },
       { { "ring", bad }, bad + ": it is no ring file\n" },
       { { "ring", "/dev/zero" }, "/dev/zero: it is no ring file\n" },
       { { "ring", "--level", "12", bad }, "--level: '12' is no level: 0 to 9" },
-      { { "run", "--application", "mvrp", "--log", "file", "lo" },
-        "--log: 'file' is no place for logs: errors, stderr, syslog or none\n" },
       { { "run", "--application", "mvrp", "--trace", "Mrp/99", "lo" },
         "trace: '99' is no level: 0 to 9" },
-      { { "run", "--application", "mvrp", "--trace", "Mvrp/4", "lo" },
-        "trace: 'Mvrp/4' names no trace handle: Mrp\n" },
       { { "run", "--application", "mvrp", "--ring", bad, "lo" },
         "ring: " + bad + ": it is no ring file, and is left alone\n" },
    };
-   for ( auto const & each : cases ) {
-      expectRefused( mrp( each.arguments ), each.words );
+   for ( auto const & [arguments, words] : cases ) {
+      expectRefused( mrp( arguments ), words );
    }
 }
 
 TEST_F( RingTest, ADamagedFileIsReadAsFarAsItGoes ) {
    std::string const file = ringFile();
-   std::fstream in( file, std::ios::in | std::ios::out | std::ios::binary );
    using namespace Sornlog::Layout;
    std::size_t const record = recordsAt + std::size_t{ 4 } * 4096 * sizeof( Record );
-   in.seekp( static_cast< std::streamoff >( record + offsetof( Record, argumentBytes ) ) );
-   in.put( 1 );
-   in.close();
+   std::fstream( file, std::ios::in | std::ios::out | std::ios::binary )
+      .seekp( static_cast< std::streamoff >( record + offsetof( Record, argumentBytes ) ) )
+      .put( 1 );
    Outcome const outcome = mrp( { "ring", file } );
    EXPECT_EQ( outcome.status, 1 );
    EXPECT_THAT( outcome.out, HasSubstr( "Flush! event occurred" ) );
@@ -105,36 +88,33 @@ TEST_F( RingTest, ADamagedFileIsReadAsFarAsItGoes ) {
 }
 
 TEST_F( RingTest, TracesAreSwitchedByTheEnvironment ) {
-   setenv( "MRP_TRACE", "Mrp/8", 1 );
-   testing::internal::CaptureStderr();
-   Outcome const outcome = mrp( { "script", "tests/scenarios/first-join-is-registered.json" } );
-   EXPECT_EQ( outcome.status, 0 ) << outcome.err;
-   EXPECT_THAT( testing::internal::GetCapturedStderr(),
-                ::testing::ContainsRegex( "Mrp/8 [A-Za-z]+.cpp:[0-9]+ " ) );
-   setenv( "MRP_TRACE", "8", 1 );
+   {
+      Variable const trace( "MRP_TRACE", "Mrp/8" );
+      testing::internal::CaptureStderr();
+      mrp( { "script", "tests/scenarios/first-join-is-registered.json" } );
+      EXPECT_THAT( testing::internal::GetCapturedStderr(),
+                   ::testing::ContainsRegex( "Mrp/8 [A-Za-z]+.cpp:[0-9]+ " ) );
+   }
+   Variable const wrong( "MRP_TRACE", "8" );
    EXPECT_THAT( mrp( { "ring", ringFile() } ).err,
                 HasSubstr( "mrp: MRP_TRACE: '8' is no HANDLE/LEVELS, such as Mrp/4-8\n" ) );
-   unsetenv( "MRP_TRACE" );
 }
 
 TEST_F( RingTest, LogsGoWhereTheyAreTold ) {
    using Target = Command::LogTarget;
-   struct {
-      Target target;
-      bool joins, errors;
-   } const cases[] = { { Target::errors, false, true },
-                       { Target::standardError, true, true },
-                       { Target::none, false, false } };
-   for ( auto const & each : cases ) {
+   std::pair< Target, char const * > const cases[] = {
+      { Target::errors, "[^\n]* MRP_ERROR: an error\n" },
+      { Target::standardError, "[^\n]* MRP_JOIN: a join\n[^\n]* MRP_ERROR: an error\n" },
+      { Target::none, "" },
+   };
+   for ( auto const & [target, lines] : cases ) {
       Command::RunSettings with = settings();
-      with.log = each.target;
+      with.log = target;
       Command::Observation const observation( with );
       testing::internal::CaptureStderr();
       Mrp::MRP_JOIN.log( "a join" );
       Mrp::MRP_ERROR.log( "an error" );
-      std::string const lines = testing::internal::GetCapturedStderr();
-      EXPECT_EQ( lines.find( "MRP_JOIN: a join\n" ) != std::string::npos, each.joins ) << lines;
-      EXPECT_EQ( lines.find( "MRP_ERROR: an error\n" ) != std::string::npos, each.errors ) << lines;
+      EXPECT_THAT( testing::internal::GetCapturedStderr(), ::testing::MatchesRegex( lines ) );
    }
 }
 

@@ -10,8 +10,8 @@
 #include "tests/command/CommandRun.h"
 #include "tests/support/Decode.h"
 
-#include <cstdlib>
 #include <fstream>
+#include <regex>
 
 namespace CommandTest {
 
@@ -58,9 +58,8 @@ class Scenarios : public CommandTest, public ::testing::WithParamInterface< std:
 TEST_P( Scenarios, HaveTheResultExpected ) {
    std::ifstream in( folder / ( GetParam() + expectation ) );
    json const expected = json::parse( in );
-   setenv( "DISABLE_LEAVE_ALL_RANDOMIZATION", "1", 1 );
+   Variable const regular( noRandomization, "1" );
    auto const outcome = mrp( { "script", "--json", folder / ( GetParam() + ".json" ) } );
-   unsetenv( "DISABLE_LEAVE_ALL_RANDOMIZATION" );
 
    EXPECT_EQ( outcome.err, "" );
    EXPECT_EQ( outcome.status, expected.contains( "aborted" ) ? 1 : 0 );
@@ -76,11 +75,7 @@ TEST_P( Scenarios, HaveTheResultExpected ) {
 }
 
 std::string testName( ::testing::TestParamInfo< std::string > const & info ) {
-   std::string name = info.param;
-   for ( char & c : name ) {
-      c = std::isalnum( static_cast< unsigned char >( c ) ) != 0 ? c : '_';
-   }
-   return name;
+   return std::regex_replace( info.param, std::regex( "[^A-Za-z0-9]" ), "_" );
 }
 
 INSTANTIATE_TEST_SUITE_P( All, Scenarios, ::testing::ValuesIn( scenarios() ), testName );

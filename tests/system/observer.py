@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Follows a mirror stream, with docs/mirror-stream.md for all that it knows, and prints the
-attributes that come (+) and go (-), a changed one as both:
+attributes that come (+) and go (-), a changed one as both; their values are passed over:
 
-    + eth0 type 1 key 10 VO IN 000a
+    + eth0 type 1 key 10 VO IN
 """
 import socket
 import struct
@@ -14,31 +14,12 @@ REGISTRAR = "IN LV MT".split()
 ENUMERATION, INTERFACE, TEXT, U8, U64 = ">I", "", "", ">B", ">Q"
 CHILDREN = {"Mrp::MrpStatus": (258, ENUMERATION), "Mrp::MrpApplicationDatabase": (259, INTERFACE),
             "Mrp::MrpIntfApplicant": (259, U8), "Mrp::MrpIntfTypeApplicant": (259, U64)}
-SLOTS = 65
 
 
 class Entity:
     def __init__(self, type_):
         self.type, self.children, self.states = type_, {}, {}
-        self.head, self.count, self.slots = 0, 0, {}
         self.brought = set()  # since marker 0
-
-    def value(self):
-        return bytes(self.slots.get((self.head + i) % SLOTS, 0) for i in range(self.count)).hex()
-
-    def put(self, slot, byte):
-        if self.count == 0:
-            self.head = slot
-        elif (slot + 1) % SLOTS == self.head:
-            self.head, self.count = slot, self.count + 1
-        self.count = max(self.count, (slot - self.head) % SLOTS + 1)
-        self.slots[slot] = byte
-
-    def drop(self, slot):
-        if self.count and slot == self.head:
-            self.head, self.count = (slot + 1) % SLOTS, self.count - 1
-        elif self.count and slot == (self.head + self.count - 1) % SLOTS:
-            self.count -= 1
 
 
 def key_and_rest(form, data):
@@ -55,8 +36,7 @@ class Mirror:
             assert payload[1] == 1, "the first section is the type"
             type_, _ = key_and_rest(TEXT, payload[6:])
             self.entities[number] = Entity(type_)
-            if self.entities[number].type == "Mrp::MrpStatus":
-                self.status = number
+            self.status = number if type_ == "Mrp::MrpStatus" else self.status
             return
         entity = self.entities[number]
         collection, form = CHILDREN.get(entity.type, (None, None))
@@ -73,17 +53,8 @@ class Mirror:
                     entity.children[key], = struct.unpack(">Q", rest)
                 else:
                     entity.children.pop(key, None)
-        elif entity.type == "Mrp::MrpAttrDatabase":
-            if attribute in (259, 260):
-                entity.states[attribute], = struct.unpack(">I", value)
-            elif attribute == 261:
-                entity.slots = {s: b for s, b in entity.slots.items()
-                                if (s - entity.head) % SLOTS < entity.count}
-                entity.head, entity.count = value
-            elif attribute == 262 and flags == 0:
-                entity.put(*value)
-            elif attribute == -262:
-                entity.drop(*value)
+        elif entity.type == "Mrp::MrpAttrDatabase" and attribute in (259, 260):
+            entity.states[attribute], = struct.unpack(">I", value)
 
     def lines(self, number, path=()):
         entity = self.entities[number]
@@ -91,7 +62,7 @@ class Mirror:
             _, interface, type_, key = path
             if len(entity.states) == 2:
                 yield (f"{interface} type {type_} key {key} {APPLICANT[entity.states[259]]} "
-                       f"{REGISTRAR[entity.states[260]]} {entity.value()}")
+                       f"{REGISTRAR[entity.states[260]]}")
         for key, child in entity.children.items():
             yield from self.lines(child, path + (key,))
 

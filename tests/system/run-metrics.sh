@@ -31,10 +31,7 @@ heard right 'VLAN 10 ' 'VLAN 20 ' 'VLAN 21 '
 scraped right '
 status, headers, text = get( "/metrics" )
 assert status == 200 and headers[ "Content-Type" ].startswith( "text/plain; version=0.0.4" )
-lines = text.splitlines()
-assert "mrp_registrar_attributes{application=\"mvrp\",interface=\"eth0\",type=\"VLAN\",state=\"IN\"} 3" in lines, text
-received, = ( int( line.split()[ 1 ] ) for line in lines if line.startswith( "mrp_frames_received_total{" ) )
-assert received > 0
+assert "interface=\"eth0\",type=\"VLAN\",state=\"IN\"} 3\n" in text, text
 assert get( "/metrics", "HEAD" )[ 2 ] == ""
 assert get( "/" )[ 0 ] == 404
 status, headers, text = get( "/metrics", "DELETE" )
@@ -43,11 +40,8 @@ assert status == 405 and headers[ "Allow" ] == "GET, HEAD"
 
 # Nobody else gets at it, and nobody else gets its port.
 ! scraped left 'get( "/metrics", host = "10.0.0.2:9100" )' || fail "other hosts get at the metrics"
-status=0
-on right "$MRP" run --application msrp --metrics 127.0.0.1:9100 --socket none eth0 \
-   2> "$work/taken.err" || status=$?
-[ $status = 2 ] || fail "exit status $status where the port is taken"
-grep -q '^mrp: metrics: tcp:127.0.0.1:9100: .*in use' "$work/taken.err" || fail "no word of the port"
+refused right '^mrp: metrics: tcp:127.0.0.1:9100: .*in use' --application msrp \
+   --metrics 127.0.0.1:9100 --socket none eth0
 
 # More of those that never end what they have to say than there is room for: each gets its few
 # seconds, and the scrape its turn. Meanwhile the protocol goes on.
@@ -55,23 +49,13 @@ scraped right '
 descriptors = lambda: len( os.listdir( f"/proc/{pid}/fd" ) )
 before = descriptors()
 noise = b"GET /metrics HTTP/1.1\r\nHost: a\r\nX: " + b"x" * 100000
-for text in ( b"", b"GET /met", noise, b"\0" * 5000, b"POST /metrics HTTP/1.1\r\nContent-Length: 9\r\n\r\n" ) * 2:
-   held = socket.create_connection( ( "127.0.0.1", 9100 ) )
-   held.setblocking( False )
-   try:
-      held.send( text )
-   except OSError:
-      pass
-   globals().setdefault( "all", [] ).append( held )
+held = [ socket.create_connection( ( "127.0.0.1", 9100 ) ) for n in range( 10 ) ]
+for client, text in zip( held, ( b"", b"GET /met", noise, b"\0" * 5000, b"POST /" ) * 2 ):
+   client.setblocking( False )
+   client.send( text )
 print( "held", flush = True )
 assert get( "/metrics" )[ 0 ] == 200
-for held in all:
-   held.settimeout( 15 )
-   try:
-      while held.recv( 65536 ):
-         pass
-   except ConnectionError:
-      pass
+del held, client
 # All that it has room for end at one and the same time.
 many = [ socket.create_connection( ( "127.0.0.1", 9100 ) ) for n in range( 20 ) ]
 deadline = time.monotonic() + 10
@@ -79,8 +63,8 @@ while descriptors() < before + 8:
    assert time.monotonic() < deadline, descriptors() - before
    time.sleep( 0.01 )
 os.kill( pid, signal.SIGSTOP )
-for held in many:
-   held.close()
+for client in many:
+   client.close()
 os.kill( pid, signal.SIGCONT )
 assert get( "/metrics" )[ 0 ] == 200
 ' > "$work/hostile.out" &
@@ -90,8 +74,6 @@ run more left --application mvrp --declare 30 --socket none "${long[@]}" eth0
 heard right 'VLAN 30 '
 wait "${pids[hostile]}" || fail "a scrape behind silent clients is not served"
 unset 'pids[hostile]'
-stop more
-stop left
 stop right || fail "SIGTERM does not end the command with 0"
 
 # Told to, it serves others.

@@ -35,18 +35,10 @@ stop talker
 decode talker eth0 'Multiple Stream Reservation Protocol'
 [ ! -e "$work/decoded" ] || grep -q 'Asking Failed' "$work/decoded" || fail "no Asking Failed"
 
-# What is wrong is said in a line, with exit status 2.
-refused() {
-   local words=$1 status=0
-   shift
-   on talker timeout 10 "$MRP" run "$@" > "$work/refused.out" 2> "$work/refused.err" || status=$?
-   [ $status = 2 ] || fail "exit status $status: $*"
-   [ "$(wc -l < "$work/refused.err")" = 1 ] || fail "not one line: $*"
-   grep -q -- "$words" "$work/refused.err" || fail "not '$words': $(cat "$work/refused.err")"
-}
-refused 'mrp: eth7: no such interface' --application mvrp eth7
+# What keeps it from an interface.
+refused talker 'mrp: eth7: no such interface' --application mvrp eth7
 if ip -n talker tuntap add tun0 mode tun 2> /dev/null; then
-   refused 'mrp: tun0: not an Ethernet interface' --application mvrp tun0
+   refused talker 'mrp: tun0: not an Ethernet interface' --application mvrp tun0
 fi
 unprivileged=( setpriv --bounding-set -net_raw --inh-caps -net_raw )
 if "${unprivileged[@]}" true 2> /dev/null; then
@@ -54,7 +46,7 @@ if "${unprivileged[@]}" true 2> /dev/null; then
    MRP=$work/unprivileged
    printf '#!/bin/sh\nexec %s %s "$@"\n' "${unprivileged[*]}" "$plain" > "$MRP"
    chmod +x "$MRP"
-   refused 'mrp: eth0: .*CAP_NET_RAW' --application mvrp eth0
+   refused talker 'mrp: eth0: .*CAP_NET_RAW' --application mvrp eth0
    MRP=$plain
 fi
 

@@ -94,6 +94,16 @@ stop() {
    unset "pids[$1]"
    return $status
 }
+# refused HOST PATTERN OPTION...: `mrp run` does not start, and says why in one line.
+refused() {
+   local host=$1 pattern=$2 status=0
+   shift 2
+   on "$host" timeout "$patience" "$MRP" run "$@" > "$work/refused.out" 2> "$work/refused.err" ||
+      status=$?
+   [ $status = 2 ] || fail "exit status $status with: $*"
+   [ "$(wc -l < "$work/refused.err")" = 1 ] || fail "not one line with: $*"
+   grep -q -- "$pattern" "$work/refused.err" || fail "not '$pattern' with: $*"
+}
 # What NAME has printed since the last `heard` of it.
 since() {
    tail -n "+$(( marks[$1] + 1 ))" "$work/$1.out"

@@ -24,41 +24,51 @@ import time
 PATIENCE = 20
 
 
-def size(fd, lines, columns):
-    fcntl.ioctl(fd, termios.TIOCSWINSZ, struct.pack("HHHH", int(lines), int(columns), 0, 0))
-
-
 class Terminal:
     def __init__(self, command):
         self.fd, self.inner = pty.openpty()
-        size(self.fd, 24, 80)
+        self.size("24 80")
         self.before = termios.tcgetattr(self.inner)
         self.child = subprocess.Popen(command, stdin=self.inner, stdout=self.inner,
                                       stderr=self.inner, start_new_session=True,
                                       preexec_fn=lambda: fcntl.ioctl(0, termios.TIOCSCTTY, 0))
         self.text, self.all = "", ""
 
-    def read(self, seconds):
-        if select.select([self.fd], [], [], seconds)[0]:
-            read = os.read(self.fd, 65536).decode()
-            self.text += read
-            self.all += read
+    def can_read(self, seconds):
+        return bool(select.select([self.fd], [], [], seconds)[0])
+
+    def wait(self, condition, otherwise):
+        end = time.monotonic() + PATIENCE
+        while not (result := condition()):
+            if time.monotonic() > end:
+                sys.exit(f"{otherwise}\nbut: {self.text[-3000:]!r}")
+            if self.can_read(0.1):
+                read = os.read(self.fd, 65536).decode()
+                self.text += read
+                self.all += read
+        return result
 
     def expect(self, pattern):
-        end = time.monotonic() + PATIENCE
-        while not (found := re.search(pattern, self.text, re.DOTALL)):
-            if time.monotonic() > end:
-                sys.exit(f"not written: {pattern}\nbut: {self.text[-3000:]!r}")
-            self.read(0.1)
+        found = self.wait(lambda: re.search(pattern, self.text, re.DOTALL),
+                          f"not written: {pattern}")
         self.text = self.text[found.end():]
 
-    def ends(self):
-        end = time.monotonic() + PATIENCE
-        while self.child.poll() is None:
-            self.read(0.1)
-            if time.monotonic() > end:
-                sys.exit("it does not end")
-        self.read(0.1)
+    def size(self, text):
+        lines, columns = map(int, text.split())
+        fcntl.ioctl(self.fd, termios.TIOCSWINSZ, struct.pack("HHHH", lines, columns, 0, 0))
+
+    def type(self, text):
+        os.write(self.fd, text.encode().decode("unicode_escape").encode())
+
+    def signal(self, name):
+        self.child.send_signal(getattr(signal, name))
+
+    def run(self, command):
+        subprocess.run(command, shell=True, check=True)
+
+    def ends(self, _):
+        self.wait(lambda: self.child.poll() is not None and not self.can_read(0),
+                  "it does not end")
         if self.child.returncode != 0:
             sys.exit(f"exit status {self.child.returncode}: {self.text!r}")
         if termios.tcgetattr(self.inner) != self.before:
@@ -68,29 +78,11 @@ class Terminal:
                 sys.exit(f"no {off!r} at the end: {self.all[-300:]!r}")
 
 
-def main():
+terminal = Terminal(sys.argv[2:])
+try:
     with open(sys.argv[1], encoding="utf-8") as script:
-        lines = script.read().splitlines()
-    terminal = Terminal(sys.argv[2:])
-    try:
-        for line in lines:
+        for line in script:
             word, _, rest = line.strip().partition(" ")
-            if word == "expect":
-                terminal.expect(rest)
-            elif word == "size":
-                size(terminal.fd, *rest.split())
-            elif word == "type":
-                os.write(terminal.fd, rest.encode().decode("unicode_escape").encode())
-            elif word == "signal":
-                terminal.child.send_signal(getattr(signal, rest))
-            elif word == "run":
-                subprocess.run(rest, shell=True, check=True)
-            elif word == "ends":
-                terminal.ends()
-            else:
-                sys.exit(f"what is '{line}'?")
-    finally:
-        terminal.child.kill()
-
-
-main()
+            getattr(terminal, word)(rest)
+finally:
+    terminal.child.kill()
