@@ -29,7 +29,6 @@ TEST( IntfId, nameStaysWhereItIsAsTheTableGrows ) {
 TEST( EthAddr, readsAndPrintsItsTextForm ) {
    EthAddr const addr( 0x01, 0x80, 0xC2, 0x00, 0x00, 0x0E );
    EXPECT_EQ( addr.stringValue(), "01:80:c2:00:00:0e" );
-   EXPECT_EQ( EthAddr( "01:80:c2:00:00:0e" ), addr );
    EXPECT_EQ( EthAddr( "01:80:C2:00:00:0E" ), addr );
    EXPECT_EQ( Korv::fromText< EthAddr >( "01:80:c2:00:00:0e" ), addr );
    EXPECT_THROW( Korv::fromText< EthAddr >( "01:80:C2:00:00:0e" ), Korv::RangeException );
@@ -46,7 +45,6 @@ TEST( EthAddr, isA48BitNumberFirstByteHighest ) {
    EXPECT_EQ( EthAddr::fromNumber( addr.number() + 1 ),
               EthAddr( 0x12, 0x34, 0x56, 0x78, 0x9B, 0x00 ) );
    EXPECT_TRUE( EthAddr::fromNumber( EthAddr( "ff:ff:ff:ff:ff:ff" ).number() + 1 ).isZero() );
-   EXPECT_EQ( EthAddr::fromNumber( 0xABCD000000000001 ), EthAddr( 0, 0, 0, 0, 0, 1 ) );
 }
 
 } // namespace
