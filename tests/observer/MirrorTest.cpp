@@ -17,22 +17,15 @@ MrpIntfTypeApplicant & vlansOf( MrpStatus & status ) {
               ->intfTypeApplicantIs( 1 );
 }
 
-struct Original {
+// The same entities as at the other end.
+struct Original : MrpObserver::Mirror {
    Original() {
-      mounts.statusIs( status );
-      mounts.configIs( config );
-      mounts.countersIs( counters );
-      mounts.parseContextIs( context );
+      mounts.statusIs( &status() );
+      mounts.configIs( &config() );
+      mounts.countersIs( &counters() );
+      mounts.parseContextIs( &parseContext() );
    }
-   MrpIntfTypeApplicant & vlans() const { return vlansOf( *status ); }
-   std::string text() const {
-      return treeText( *status ) + treeText( *config ) + treeText( *counters ) +
-             treeText( *context );
-   }
-   Korv::Ptr< MrpStatus > status{ new MrpStatus( "status" ) };
-   Korv::Ptr< MrpConfig > config{ new MrpConfig( "config" ) };
-   Korv::Ptr< MrpCounters > counters{ new MrpCounters( "counters" ) };
-   Korv::Ptr< MrpParseContext > context{ new MrpParseContext( "context" ) };
+   MrpIntfTypeApplicant & vlans() const { return vlansOf( status() ); }
    AttrLogMounts mounts;
 };
 
@@ -46,22 +39,22 @@ void change( Original & original, Random & random ) {
    Pelk::IntfId const intf( "e" + std::to_string( random.below( 4 ) ) );
    auto const type = static_cast< U8 >( 1 + random.below( 3 ) );
    U64 const key = random.below( 12 );
-   auto * const database = original.status->applicationIs( random.below( 2 ) ? MSRP : MVRP );
+   auto * const database = original.status().applicationIs( random.below( 2 ) ? MSRP : MVRP );
    auto * const types = database->attrDatabaseIs( intf );
    auto * const attributes = types->intfTypeApplicantIs( type );
    auto const byte = static_cast< U8 >( random.below( 5 ) );
    switch ( random.below( 24 ) ) {
-   case 0: return original.status->applicationDel( MSRP );
+   case 0: return original.status().applicationDel( MSRP );
    case 1: return database->attrDatabaseDel( intf );
    case 2: return types->intfTypeApplicantDel( type );
    case 3: return attributes->mrpAttributeDelAll();
    case 4: return database->leaveAllTimeDel( { intf, type } );
-   case 5: return original.config->intfLeaveTimeIs( intf, random.below( 5 ) );
-   case 6: return original.config->intfLeaveTimeDel( intf );
-   case 7: return original.config->mrpFloodingIs( random.below( 2 ) == 0 );
-   case 8: return original.counters->numOfPktsProcessedInc( 1 );
-   case 9: return original.context->attributeKeyIs( random.next() );
-   case 10: return original.context->intfIdIs( intf );
+   case 5: return original.config().intfLeaveTimeIs( intf, random.below( 5 ) );
+   case 6: return original.config().intfLeaveTimeDel( intf );
+   case 7: return original.config().mrpFloodingIs( random.below( 2 ) == 0 );
+   case 8: return original.counters().numOfPktsProcessedInc( 1 );
+   case 9: return original.parseContext().attributeKeyIs( random.next() );
+   case 10: return original.parseContext().intfIdIs( intf );
    case 11:
    case 12: return database->leaveAllTimeIs( { intf, type }, random.below( 9 ) );
    case 13:
@@ -116,7 +109,7 @@ TEST( Mirror, equalsTheOriginalWheneverTheStreamIsIdle ) {
       }
       line.output().doFlowOut();
       line.moveAll();
-      ASSERT_EQ( textOf( line.mirror() ), original.text() ) << "seed " << seed;
+      ASSERT_EQ( textOf( line.mirror() ), textOf( original ) ) << "seed " << seed;
    }
 }
 

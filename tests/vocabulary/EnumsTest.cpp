@@ -27,18 +27,16 @@ void expectNamesOfCompiler( std::index_sequence< number... > ) {
    };
    ( check( static_cast< E >( number ), compilerName< static_cast< E >( number ) >() ), ... );
 }
+template < class... E >
+void expectNamesOfCompiler() {
+   ( expectNamesOfCompiler< E >( std::make_index_sequence< Korv::EnumNames< E >::names.size() >() ),
+     ... );
+}
 
-template < class E >
-class EnumTest : public testing::Test {};
-using AllEnums =
-   testing::Types< MrpApplication, MrpApplicantState, MrpApplicantEvent, MrpRegistrarState,
-                   MrpRegistrarEvent, MrpThreePackedEvent, MrpLeaveAllEvent, MrpParseStatus,
-                   MsrpAttrType, MvrpAttrType, MsrpListenerEvent >;
-TYPED_TEST_SUITE( EnumTest, AllEnums );
-
-TYPED_TEST( EnumTest, textIsTheNameOfTheEnumerator ) {
-   constexpr std::size_t count = Korv::EnumNames< TypeParam >::names.size();
-   expectNamesOfCompiler< TypeParam >( std::make_index_sequence< count >() );
+TEST( Enums, textIsTheNameOfTheEnumerator ) {
+   expectNamesOfCompiler< MrpApplication, MrpApplicantState, MrpApplicantEvent, MrpRegistrarState,
+                          MrpRegistrarEvent, MrpThreePackedEvent, MrpLeaveAllEvent, MrpParseStatus,
+                          MsrpAttrType, MvrpAttrType, MsrpListenerEvent >();
 }
 
 TEST( Enums, refuseNumbersAndNamesThatAreNone ) {

@@ -77,9 +77,6 @@ TEST( TextForms, failuresNameTheField ) {
    expectFailure< MrpLeaveAllKey >(
       "Value('Mrp::MrpLeaveAllKey', ** {'intfId': et1, 'attributeType': 256})",
       "in field 'attributeType'" );
-   expectFailure< MsrpListenerAttribute >(
-      "Value('Mrp::MsrpListenerAttribute', ** {'streamId': 1, 'listenerEvent': 2})",
-      "in field 'listenerEvent'" );
    expectFailure< MvrpVlanAttribute >( "65536", "in field 'vlanId'" );
    std::string inner = talkerForm;
    inner.replace( inner.find( "0a," ), 2, "0A" );

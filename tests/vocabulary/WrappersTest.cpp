@@ -21,18 +21,11 @@ Korv::Ptr< Pelk::Pkt > packetWithMessage() {
 
 TEST( Wrappers, showTheRecordAtTheirOffset ) {
    auto const pkt = packetWithMessage();
-   auto const message = msrpMessageHeaderWrapperFactory( pkt, 3 );
-   EXPECT_EQ( message->attributeType(), listenerVector );
-   EXPECT_EQ( message->attributeLength(), 8 );
-   EXPECT_EQ( message->attributeListLength(), 13 );
-
+   EXPECT_EQ( msrpMessageHeaderWrapperFactory( pkt, 3 )->attributeListLength(), 13 );
    auto const vector = msrpListenerVectorWrapperFactory( pkt, 7 );
    EXPECT_EQ( vector->vectorHeader(), 0x2001 );
    EXPECT_EQ( vector->firstValue().streamId(), 9u );
    EXPECT_EQ( vector->vector(), 36 );
-   EXPECT_EQ( vector->pkt(), pkt );
-   EXPECT_EQ( vector->offset(), 7u );
-
    EXPECT_THROW( msrpTalkerVectorWrapperFactory( nullptr, 0 ), Korv::RangeException );
 }
 
