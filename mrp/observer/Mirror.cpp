@@ -4,15 +4,15 @@
 
 namespace MrpObserver {
 
-Mirror::Mirror()
+Mirror::Mirror( std::size_t maxBytes )
    : status_( new Mrp::MrpStatus( "MrpStatus" ) ), config_( new Mrp::MrpConfig( "MrpConfig" ) ),
      counters_( new Mrp::MrpCounters( "MrpCounters" ) ),
-     parseContext_( new Mrp::MrpParseContext( "MrpParseContext" ) ) {}
+     parseContext_( new Mrp::MrpParseContext( "MrpParseContext" ) ), maxBytes_( maxBytes ) {}
 
 Mirror::~Mirror() = default;
 
 void Mirror::streamBegins() {
-   input_ = std::make_unique< Korv::NboAttrLog::Input >( names_ );
+   input_ = std::make_unique< Korv::NboAttrLog::Input >( names_, maxBytes_ );
    input_->rootOf< Mrp::MrpStatus::KorvNboAttrLogSa >( *status_ );
    input_->rootOf< Mrp::MrpConfig::KorvNboAttrLogSa >( *config_ );
    input_->rootOf< Mrp::MrpCounters::KorvNboAttrLogSa >( *counters_ );

@@ -29,7 +29,8 @@ using Korv::NboAttrLog::StreamError;
 
 class Mirror {
  public:
-   Mirror();
+   // How much streams may make it hold: Input.h.
+   explicit Mirror( std::size_t maxBytes = Korv::NboAttrLog::Input::usualMaxBytes );
    Mirror( Mirror const & ) = delete;
    Mirror & operator=( Mirror const & ) = delete;
    ~Mirror();
@@ -57,6 +58,7 @@ class Mirror {
    Korv::Ptr< Mrp::MrpCounters > counters_;
    Korv::Ptr< Mrp::MrpParseContext > parseContext_;
    Korv::NboAttrLog::NameGuard names_;
+   std::size_t maxBytes_;
    std::unique_ptr< Korv::NboAttrLog::Input > input_;
 };
 

@@ -1,20 +1,22 @@
 // A participant and its observers, over real sockets: whatever they do, it answers as fast as ever;
 // while nobody takes anything its tree stands still; and whenever the streams are idle all trees
-// are equal.
+// are equal. What ends a stream, and how it comes again.
 #include "mrp/observability/AttrLogMounts.h"
 #include "mrp/observability/MrpAttrLogSm.h"
 #include "mrp/observer/Connection.h"
 #include "mrp/platform/linux/AttrLogServer.h"
 #include "mrp/platform/linux/RealActivity.h"
 
-#include "tests/observer/SocketForms.h"
 #include "tests/support/Participant.h"
 #include "tests/support/Random.h"
 #include "tests/support/TreeText.h"
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <memory>
+#include <sys/socket.h>
+#include <unistd.h>
 
 namespace TestSupport {
 namespace {
@@ -24,17 +26,20 @@ std::string const et2 = "Ethernet2";
 
 // Sockets are real; the participant's time is not, so that nothing depends on how fast we are.
 struct Scene {
-   Scene( std::string const & address, double stallLimit )
-      : server( sockets, Linux::StreamAddress::fromText( address ),
-                [this]( auto & output ) { return mounts.mount( output ); },
-                { .bound = 4000, .sendBuffer = 4000, .stallLimit = stallLimit } ) {
-      Korv::NboAttrLog::top().socketOutSmIs( "host", server.socketOutSm() );
+   explicit Scene( std::string const & address,
+                   Linux::AttrLogServer::Options const & options = {} ) {
+      serverIs( Linux::StreamAddress::fromText( address ), options );
+      Korv::NboAttrLog::top().socketOutSmIs( "host", server->socketOutSm() );
       mvrp.emplace( Mrp::MVRP, std::vector{ et1, et2 } );
       Korv::NboAttrLog::top().socketOutSmDel( "host" );
       mounts.statusIs( &mvrp->status() );
       mounts.configIs( &mvrp->config() );
       mounts.countersIs( mvrp->sm().mrpCounters() );
       mounts.parseContextIs( mvrp->sm().parseContext() );
+   }
+   void serverIs( Linux::StreamAddress const & at, Linux::AttrLogServer::Options const & options ) {
+      server.emplace(
+         sockets, at, [this]( auto & output ) { return mounts.mount( output ); }, options );
    }
    bool clogged() { return mvrp->sm().mrpAttrLogSm()->isAttrLogOutClogged(); }
    bool committed( U64 vlan ) { return mvrp->attribute( et1, vlan )->committed; }
@@ -50,13 +55,13 @@ struct Scene {
 
    Linux::RealActivity sockets;
    Mrp::AttrLogMounts mounts;
-   Linux::AttrLogServer server;
+   std::optional< Linux::AttrLogServer > server;
    std::optional< Participant > mvrp;
 };
 
 struct Observer {
    explicit Observer( Scene & of )
-      : scene( of ), connection( of.sockets, of.server.address(), mirror ) {}
+      : scene( of ), connection( of.sockets, of.server->address(), mirror ) {}
    bool equal() const {
       Participant & mvrp = *scene.mvrp;
       return treeText( mirror.status() ) == treeText( mvrp.status() ) &&
@@ -69,8 +74,13 @@ struct Observer {
    MrpObserver::Connection connection;
 };
 
-class Engine : public SocketForms {
+// Each form of socket; nothing is left behind.
+class Engine : public testing::TestWithParam< char const * > {
  protected:
+   ~Engine() override { std::filesystem::remove( path_ ); }
+   std::string address() const {
+      return GetParam() == std::string( "unix" ) ? "unix:" + path_ : "tcp:0";
+   }
    // One that reads no more, and whose socket has become full of states that came and went.
    static void stall( Scene & scene, Observer & observer ) {
       Participant & mvrp = *scene.mvrp;
@@ -92,10 +102,15 @@ class Engine : public SocketForms {
       ASSERT_EQ( clogged, 50 );
       mvrp.receive( et1, join );
    }
+
+ private:
+   std::string path_ = testing::TempDir() + "mrp-mirror-" + std::to_string( ::getpid() );
 };
 
+Linux::AttrLogServer::Options const soonFull{ .bound = 4000, .sendBuffer = 4000, .stallLimit = 0 };
+
 TEST_P( Engine, commitsNothingWhileItsObserverReadsNothing ) {
-   Scene scene( address(), 0 );
+   Scene scene( address(), soonFull );
    Observer observer( scene );
    stall( scene, observer );
    Participant & mvrp = *scene.mvrp;
@@ -117,32 +132,34 @@ TEST_P( Engine, commitsNothingWhileItsObserverReadsNothing ) {
 }
 
 TEST_P( Engine, waitsForNobodyWhileAnotherKeepsUp ) {
-   Scene scene( address(), 0 );
+   Scene scene( address(), soonFull );
    Observer stalled( scene );
    stall( scene, stalled );
    Observer other( scene );
    scene.mvrp->receive( et1, mvrpFrame( vlans( 20, { JoinIn } ) ) );
    EXPECT_TRUE( scene.run( [&] { return scene.committed( 20 ) && other.equal(); } ) );
-   EXPECT_EQ( scene.server.observers(), 2u );
+   EXPECT_EQ( scene.server->observers(), 2u );
 }
 
 // Who has nothing to take is not to blame, and time counts from when there is something. The
 // participant's time stands still, or it would always find something to say.
 TEST_P( Engine, sendsAwayWhoTakesNothingForTooLong ) {
-   Scene scene( address(), 0.8 );
+   Linux::AttrLogServer::Options options = soonFull;
+   options.stallLimit = 0.8;
+   Scene scene( address(), options );
    Observer one( scene );
    ASSERT_TRUE( scene.run( [&] { return one.equal(); } ) );
    one.connection.readingIs( false );
    scene.sockets.runFor( 0.9 );
    scene.mvrp->receive( et1, mvrpFrame( vlans( 9, { JoinIn } ) ) );
    scene.sockets.runFor( 0.15 );
-   EXPECT_EQ( scene.server.stalled(), 0u );
+   EXPECT_EQ( scene.server->stalled(), 0u );
    one.connection.readingIs( true );
 
    stall( scene, one );
    Observer other( scene );
    scene.mvrp->receive( et1, mvrpFrame( vlans( 20, { JoinIn } ) ) );
-   ASSERT_TRUE( scene.run( [&] { return scene.server.stalled() > 0; }, 0 ) );
+   ASSERT_TRUE( scene.run( [&] { return scene.server->stalled() > 0; }, 0 ) );
    EXPECT_TRUE( scene.run( [&] { return scene.committed( 20 ); } ) );
    one.connection.readingIs( true );
    EXPECT_TRUE( scene.run( [&] { return one.equal() && other.equal(); } ) );
@@ -151,33 +168,24 @@ TEST_P( Engine, sendsAwayWhoTakesNothingForTooLong ) {
 }
 
 void step( Participant & mvrp, Random & random ) {
-   std::string const & intf = random.below( 2 ) ? et1 : et2;
-   Pelk::IntfId const intfId( intf );
+   std::string const & intf = random.oneOf( { et1, et2 } );
    auto const vlan = static_cast< U16 >( 1 + random.below( 40 ) );
-   switch ( random.below( 14 ) ) {
-   case 0: mvrp.receive( intf, mvrpFrame( vlanLeaveAll() ) ); break;
-   case 1: mvrp.lib().mrpInterfaceDisable( intfId ); break;
-   case 2: mvrp.lib().mrpInterfaceEnable( intfId ); break;
-   case 3: mvrp.config().leaveTimeIs( random.between( 0.2, 1 ) ); break;
-   case 4: mvrp.config().intfLeaveTimeIs( intfId, random.between( 0.2, 1 ) ); break;
-   case 5: mvrp.config().intfLeaveTimeDel( intfId ); break;
-   case 6: mvrp.config().mrpFloodingIs( random.below( 2 ) == 0 ); break;
-   case 7:
-   case 8: mvrp.declare( intf, Vlan{ vlan }, random.below( 6 ) ); break;
-   case 9: mvrp.receive( intf, mvrpFrame( vlans( vlan, { Lv, Lv, Lv, Lv } ) ) ); break;
-   default:
-      mvrp.receive( intf, mvrpFrame( vlans( vlan, { JoinIn, New, JoinMt, random.oneOf( { Lv, In } ),
-                                                    JoinIn } ) ) );
+   switch ( random.below( 8 ) ) {
+   case 0: mvrp.lib().mrpInterfaceDisable( Pelk::IntfId( intf ) ); break;
+   case 1: mvrp.lib().mrpInterfaceEnable( Pelk::IntfId( intf ) ); break;
+   case 2: mvrp.declare( intf, Vlan{ vlan }, random.below( 6 ) ); break;
+   case 3: mvrp.receive( intf, mvrpFrame( vlans( vlan, { Lv, Lv, Lv, Lv } ) ) ); break;
+   default: mvrp.receive( intf, mvrpFrame( vlans( vlan, { JoinIn, New, JoinMt, In, JoinIn } ) ) );
    }
    mvrp.advanceBy( random.below( 3 ) * 0.2 );
 }
 
 TEST_P( Engine, equalsEachObserversTreeWhateverHappens ) {
-   for ( U64 seed = 1; seed <= 10; ++seed ) {
+   for ( U64 seed = 1; seed <= 40; ++seed ) {
       Random random( seed );
-      Scene scene( address(), 0 );
+      Scene scene( address(), soonFull );
       std::vector< std::unique_ptr< Observer > > observers( 3 );
-      for ( int i = 0; i < 400; ++i ) {
+      for ( int i = 0; i < 100; ++i ) {
          step( *scene.mvrp, random );
          auto & observer = observers[random.below( observers.size() )];
          if ( !observer ) {
@@ -188,22 +196,82 @@ TEST_P( Engine, equalsEachObserversTreeWhateverHappens ) {
             observer->connection.readingIs( random.below( 3 ) == 0 );
          }
          scene.sockets.runFor( 0 );
-         if ( i % 100 < 99 ) {
-            continue;
-         }
-         for ( auto & reader : observers ) {
-            if ( reader ) {
-               reader->connection.readingIs( true );
-               ASSERT_TRUE( scene.run( [&] { return reader->equal(); }, 0 ) )
-                  << "seed " << seed << " step " << i;
-               EXPECT_LE( reader->connection.streams(), 1u ) << reader->connection.lastError();
-            }
+      }
+      for ( auto & reader : observers ) {
+         if ( reader ) {
+            reader->connection.readingIs( true );
+            ASSERT_TRUE( scene.run( [&] { return reader->equal(); }, 0 ) ) << "seed " << seed;
+            EXPECT_LE( reader->connection.streams(), 1u ) << reader->connection.lastError();
          }
       }
    }
 }
 
-INSTANTIATE_TEST_SUITE_P(, Engine, socketForms(), socketFormName );
+TEST_P( Engine, isFoundAgain ) {
+   Scene scene( address() );
+   Observer observer( scene );
+   ASSERT_TRUE( scene.run( [&] { return observer.equal(); } ) );
+   auto const at = scene.server->address();
+   scene.server.reset();
+   scene.mvrp->receive( et1, mvrpFrame( vlans( 20, { JoinIn } ) ) );
+   ASSERT_TRUE( scene.run( [&] { return !observer.connection.connected(); } ) );
+   scene.serverIs( at, {} );
+   EXPECT_TRUE( scene.run( [&] { return observer.equal(); } ) );
+   EXPECT_EQ( observer.connection.streams(), 2u );
+}
+
+INSTANTIATE_TEST_SUITE_P(, Engine, testing::Values( "unix", "tcp" ),
+                         []( auto const & of ) { return std::string( of.param ); } );
+
+// What it throws leaves the loop, and ends the stream and nothing more.
+TEST( Observers, surviveAWatcherThatThrows ) {
+   struct Watcher : Mrp::MrpConfig::Reactor {
+      void onLeaveTime() override { throw std::runtime_error( "watcher" ); }
+   };
+   Scene scene( "tcp:0" );
+   Observer observer( scene );
+   ASSERT_TRUE( scene.run( [&] { return observer.equal(); } ) );
+   {
+      Watcher watcher;
+      watcher.notifierIs( &observer.mirror.config() );
+      scene.mvrp->config().leaveTimeIs( 3 );
+      EXPECT_THROW( scene.sockets.runFor( 5 ), std::runtime_error );
+   }
+   EXPECT_FALSE( observer.connection.connected() );
+   EXPECT_TRUE( scene.run( [&] { return observer.equal(); } ) );
+}
+
+// Tens of thousands of adapters go with an observer, but the engine must not wait for that.
+TEST( Observers, goInPieces ) {
+   Scene scene( "tcp:0" );
+   auto & attributes = *scene.mvrp->status()
+                           .applicationIs( Mrp::MVRP )
+                           ->attrDatabaseIs( Pelk::IntfId( et1 ) )
+                           ->intfTypeApplicantIs( vlanType );
+   for ( U64 key = 1; key <= 12'000; ++key ) {
+      attributes.mrpAttributeIs( key );
+   }
+   auto const * const last = attributes.mrpAttribute( 12'000 );
+   auto observer = std::make_unique< Observer >( scene );
+   ASSERT_TRUE( scene.run( [&] { return last->isWatched() && scene.server->idle(); }, 0 ) );
+   observer = nullptr;
+   while ( scene.server->observers() > 0 ) {
+      scene.sockets.runFor( 0 );
+   }
+   EXPECT_TRUE( last->isWatched() );
+   attributes.mrpAttributeDel( 1 ); // nobody is told, and nothing is amiss
+   attributes.mrpAttributeIs( 20'000 );
+   EXPECT_TRUE( scene.run( [&] { return !last->isWatched(); }, 0 ) );
+   EXPECT_FALSE( attributes.mrpAttribute( 20'000 )->isWatched() );
+}
+
+TEST( Observers, mustNotSpeak ) {
+   Scene scene( "tcp:0" );
+   auto const peer = Linux::connectingSocket( scene.server->address() );
+   ASSERT_TRUE( scene.run( [&] { return scene.server->observers() == 1; } ) );
+   ASSERT_EQ( ::send( peer.number(), "hello", 5, MSG_NOSIGNAL ), 5 );
+   EXPECT_TRUE( scene.run( [&] { return scene.server->observers() == 0; } ) );
+}
 
 } // namespace
 } // namespace TestSupport

@@ -9,63 +9,40 @@
 namespace Mrp {
 namespace {
 
-struct Vector {
-   explicit Vector( unsigned header )
-      : bytes{ static_cast< U8 >( header >> 8 ), static_cast< U8 >( header ) } {}
-   U8 bytes[2];
-};
-
-TEST( VectorFormat, valuesAreTheLow13Bits ) {
-   EXPECT_EQ( mrpGetNumOfValues( Vector( 0x0000 ).bytes ), 0 );
-   EXPECT_EQ( mrpGetNumOfValues( Vector( 0x2001 ).bytes ), 1 );
-   EXPECT_EQ( mrpGetNumOfValues( Vector( 0xE001 ).bytes ), 1 );
-   EXPECT_EQ( mrpGetNumOfValues( Vector( 0xFFFF ).bytes ), 8191 );
-   EXPECT_EQ( mrpGetNumOfValues( Vector( 0x0100 ).bytes ), 256 );
-}
-
-TEST( VectorFormat, sizeOfAVlanVector ) {
-   struct {
+TEST( VectorFormat, headerGivesNumberAndSize ) {
+   struct Row {
       unsigned header;
-      U16 size;
-   } const cases[] = {
-      { 0x0000, 0 }, // an EndMark and no vector
-      { 0xC000, 0 }, // bits 15 and 14 are no LeaveAll
-      { 0x2000, 4 }, // a lone LeaveAll has no events
-      { 1, 5 },      { 3, 5 }, { 4, 6 }, { 0x2004, 6 }, { 6, 6 }, { 7, 7 }, { 0x1FFF, 2735 },
+      U16 values;
+      U16 size; // of a vector of VLANs
    };
-   for ( auto const & c : cases ) {
-      EXPECT_EQ( mvrpGetSizeOfVector( Vector( c.header ).bytes ), c.size ) << c.header;
+   for ( Row const & row : {
+            Row{ 0x0000, 0, 0 }, // an EndMark and no vector
+            { 0xC000, 0, 0 },    // bits 15 and 14 are no LeaveAll
+            { 0x2000, 0, 4 },    // a lone LeaveAll has no events
+            { 1, 1, 5 },
+            { 3, 3, 5 },
+            { 0x2004, 4, 6 },
+            { 0xE100, 256, 90 },
+            { 0x1FFF, 8191, 2735 },
+         } ) {
+      U8 const bytes[] = { static_cast< U8 >( row.header >> 8 ), static_cast< U8 >( row.header ) };
+      EXPECT_EQ( mrpGetNumOfValues( bytes ), row.values ) << row.header;
+      EXPECT_EQ( mvrpGetSizeOfVector( bytes ), row.size ) << row.header;
    }
 }
 
-// What is told to trace and ring buffer during one test.
-class SizeTest : public testing::Test {
- protected:
-   using Lines = std::vector< std::string >;
-   TestSupport::TraceCapture const traces{ 1u << 8 };
+TEST( VectorFormat, unknownTypesAndApplicationsHaveNoSize ) {
+   TestSupport::TraceCapture const traces( 1u << 8 );
    TestSupport::RingCapture ring;
-};
-
-TEST_F( SizeTest, isThatOfTheRecordAndSilent ) {
-   EXPECT_EQ( mrpSizeOfAttribute( talkerAdvertise, MSRP ), 25 );
-   EXPECT_EQ( mrpSizeOfAttribute( talkerFailed, MSRP ), 34 );
-   EXPECT_EQ( mrpSizeOfAttribute( listenerVector, MSRP ), 8 );
-   EXPECT_EQ( mrpSizeOfAttribute( domainVector, MSRP ), 4 );
-   EXPECT_EQ( mrpSizeOfAttribute( vlanVector, MVRP ), 2 );
-   EXPECT_EQ( ring.taken(), Lines() );
-   EXPECT_EQ( traces.lines(), Lines() );
-}
-
-TEST_F( SizeTest, unknownTypesAndApplicationsHaveNone ) {
-   EXPECT_EQ( mrpSizeOfMsrpAttribute( 0 ), 0 );
+   EXPECT_EQ( mrpSizeOfAttribute( domainVector, MSRP ), 4 ); // and nothing is said
+   EXPECT_EQ( mrpSizeOfAttribute( 0, MSRP ), 0 );
    EXPECT_EQ( mrpSizeOfAttribute( 5, MSRP ), 0 );
-   EXPECT_EQ( mrpSizeOfMvrpAttribute( 0 ), 0 );
    EXPECT_EQ( mrpSizeOfAttribute( 2, MVRP ), 0 );
    EXPECT_EQ( mrpSizeOfAttribute( 1, MMRP ), 0 );
    EXPECT_EQ( mrpSizeOfAttribute( 1, 258 ), 0 ); // whose low byte is that of MVRP
-   Lines const said{ " Invalid attribute type: 0",   " Invalid attribute type: 5",
-                     " Invalid attribute type: 0",   " Invalid attribute type: 2",
-                     " Invalid application type: 3", " Invalid application type: 258" };
+   std::vector< std::string > const said{
+      " Invalid attribute type: 0", " Invalid attribute type: 5", " Invalid attribute type: 2",
+      " Invalid application type: 3", " Invalid application type: 258" };
    EXPECT_EQ( ring.taken(), said );
    EXPECT_EQ( traces.lines(), said );
 }

@@ -10,9 +10,9 @@ Input::~Input() { rootAdapters_.clear(); }
 
 void Input::rootIs( char const * typeName, Root root ) { roots_[typeName] = std::move( root ); }
 
-void Input::membersInc( std::size_t count ) {
-   members_ += count;
-   ByteReader::checked( members_ <= maxMembers, "collections too large" );
+void Input::bytesInc( std::size_t count ) {
+   bytes_ += count;
+   ByteReader::checked( bytes_ <= maxBytes_, "more than an observer may hold" );
 }
 
 void Input::handleBytes( std::span< U8 const > bytes ) {
@@ -101,13 +101,11 @@ void Input::handleOrphan( U64 identifier, ByteReader & in ) {
    in.expectEnd();
    ByteReader::checked( !adapters_.contains( identifier ) && !orphans_.contains( identifier ),
                         "an identifier used twice" );
-   ByteReader::checked( adapters_.size() + orphans_.size() < maxEntities, "too many entities" );
    if ( auto const root = roots_.find( orphan.typeName ); root != roots_.end() ) {
       ByteReader::checked( rootsSeen_.insert( orphan.typeName ).second, "a second root of a type" );
       rootAdapters_.push_back( root->second( *this, identifier ) );
    } else {
-      orphanBytes_ += orphan.bytes();
-      ByteReader::checked( orphanBytes_ <= maxOrphanBytes, "too many entities without a place" );
+      bytesInc( orphan.bytes() );
       orphans_[identifier] = std::move( orphan );
    }
 }
@@ -116,7 +114,7 @@ ByteReader Input::takeOrphan( U64 identifier, char const * typeName ) {
    auto const found = orphans_.find( identifier );
    ByteReader::checked( found != orphans_.end(), "a child that was not made known" );
    ByteReader::checked( found->second.typeName == typeName, "a child of another type" );
-   orphanBytes_ -= found->second.bytes();
+   bytes_ -= found->second.bytes();
    taken_ = std::move( found->second );
    orphans_.erase( found );
    return { taken_.key, names_ };

@@ -1,7 +1,9 @@
 // One connection's incoming stream, short of the transport: bytes in, changes of entities out.
 //
 // Trusts nothing: whatever bytes arrive, they are applied, passed over, or end in a StreamError,
-// after which the object is good for nothing but its end. What a stream can make grow has a limit.
+// after which the object is good for nothing but its end. What a stream can make us hold has a
+// limit in bytes, which are reckoned rather than measured: so many for each member of a collection,
+// and for each entity that has no place yet.
 //
 // Owned by whoever runs the connection, as are the entities at the roots, which outlive it: the
 // next stream brings them up to date and deletes what it does not bring.
@@ -19,14 +21,15 @@ namespace Korv::NboAttrLog {
 
 class Input {
  public:
-   static constexpr std::size_t maxEntities = 4'000'000;
-   static constexpr std::size_t maxMembers = 4'000'000; // of all collections together
-   static constexpr std::size_t maxOrphanBytes = 64 * 1024 * 1024;
+   static constexpr std::size_t usualMaxBytes = 512 * 1024 * 1024;
+   // No member takes more, its adapter and the longest value counted.
+   static constexpr std::size_t memberBytes = 640;
    // Makes the adapter of a root that the stream has told of.
    using Root = std::function< std::unique_ptr< Adapter >( Input & input, U64 identifier ) >;
 
    // `names` outlives it, and counts for the streams that come after it too.
-   explicit Input( NameGuard & names ) : names_( names ) {}
+   explicit Input( NameGuard & names, std::size_t maxBytes = usualMaxBytes )
+      : names_( names ), maxBytes_( maxBytes ) {}
    Input( Input const & ) = delete;
    Input & operator=( Input const & ) = delete;
    ~Input();
@@ -54,30 +57,31 @@ class Input {
    // For adapters.
    void adapterIs( U64 identifier, Adapter & adapter ) { adapters_[identifier] = &adapter; }
    void adapterDel( U64 identifier ) { adapters_.erase( identifier ); }
-   void membersInc( std::size_t count );
-   void membersDec( std::size_t count ) { members_ -= count; }
+   void membersInc( std::size_t count ) { bytesInc( count * memberBytes ); }
+   void membersDec( std::size_t count ) { bytes_ -= count * memberBytes; }
    // The key of an entity that has been made known and has found no place yet. Good until the next
    // call.
    ByteReader takeOrphan( U64 identifier, char const * typeName );
 
  private:
    struct Orphan {
-      std::size_t bytes() const { return typeName.size() + key.size(); }
+      std::size_t bytes() const { return memberBytes + typeName.size() + key.size(); }
       std::string typeName;
       std::vector< U8 > key;
    };
+   void bytesInc( std::size_t count );
    void handleGreeting( ByteReader greeting );
    void handleMessage( ByteReader message, std::size_t bytes );
    void handleOrphan( U64 identifier, ByteReader & in );
 
    NameGuard & names_;
+   std::size_t maxBytes_;
+   std::size_t bytes_ = 0;
    std::unordered_map< std::string, Root > roots_;
    std::unordered_map< U64, Adapter * > adapters_;
    // Entities that have been made known and have no place yet. Those of types that only a later
    // version knows never get one. What is said about them is passed over.
    std::unordered_map< U64, Orphan > orphans_;
-   std::size_t orphanBytes_ = 0;
-   std::size_t members_ = 0; // of collections, all over the trees
    std::vector< std::unique_ptr< Adapter > > rootAdapters_;
    std::unordered_set< std::string > rootsSeen_;
    std::vector< U8 > rest_; // of a message that has not arrived as a whole
