@@ -148,7 +148,7 @@ TEST( Pending, waitsForACloggedStreamAndGoesOn ) {
    }
    del( mvrp, 10 );
    mvrp.receive( et1, join( 11 ) );
-   for ( double const time : { 1.15, 1.5, 8.0 } ) {
+   for ( double const time : { 1.15, 1.5, 8.5 } ) {
       mvrp.advanceTo( time );
       EXPECT_EQ( where( mvrp, 10 ), " tree index" ) << time;
       EXPECT_EQ( where( mvrp, 11 ), "seen index" ) << time;
@@ -157,7 +157,7 @@ TEST( Pending, waitsForACloggedStreamAndGoesOn ) {
    EXPECT_EQ( mvrp.states( et1, 11 ), "mrpQuietObserver mrpIn" );
    while ( read( stream->ends[1], block.data(), block.size() ) > 0 ) {
    }
-   mvrp.advanceTo( 8.11 );
+   mvrp.advanceTo( 8.61 );
    EXPECT_EQ( where( mvrp, 10 ), "" );
    EXPECT_EQ( where( mvrp, 11 ), "seen tree index" );
    EXPECT_EQ( mvrp.states( et1, 11 ), "mrpQuietObserver mrpIn" );

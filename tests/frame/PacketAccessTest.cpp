@@ -1,8 +1,7 @@
-// How a participant comes to its interfaces: the steps of its start, the frames that the filter
-// lets through, and when they are read.
+// How a participant comes to its interfaces, which frames the filter lets through, and when they
+// are read.
 #include "mrp/frame/MrpPamSm.h"
 
-#include "tests/support/Capture.h"
 #include "tests/support/Participant.h"
 
 #include <gmock/gmock.h>
@@ -15,27 +14,18 @@ using testing::ElementsAre;
 std::string const et1 = "Ethernet1";
 Pelk::IntfId const ethernet1( et1 );
 
-TEST( PacketAccess, comesFirstAtTheStartAndFollowsTheWish ) {
-   RingCapture steps; // what the always-on ring is told
-   Participant mvrp( Mrp::MVRP, { et1 }, { .enabled = false, .standby = true } );
-   EXPECT_THAT( steps.taken(), ElementsAre( "void Mrp::MrpSm::handleInitialized()",
-                                            "void Mrp::MrpSm::doInitializePamMan()",
-                                            "void Mrp::MrpPamSm::handleInitialized()",
-                                            "void Mrp::MrpSm::handleStandbyMode()" ) );
-   mvrp.lib().mrpInterfaceEnable( ethernet1 );
-   EXPECT_THAT( steps.taken(), ElementsAre( "MrpPamSm::handlePam() Ethernet1",
-                                            "MrpIntfPamSm::handleInitialized() Ethernet1",
-                                            "MrpIntfPamSm::handleStandbyMode() Ethernet1" ) );
-   mvrp.sm().standbyModeIs( false );
-   mvrp.sm().handleStandbyMode();
-   EXPECT_THAT( steps.taken(), ElementsAre( "void Mrp::MrpSm::handleStandbyMode()",
-                                            "void Mrp::MrpDatabaseDeleteSm::handleInitialized()",
-                                            "void Mrp::MrpDatabaseAddSm::handleInitialized()",
-                                            "void Mrp::MrpPamSm::handleStandbyMode()",
-                                            "MrpIntfPamSm::handleStandbyMode() Ethernet1" ) );
-   mvrp.lib().mrpInterfaceDisable( ethernet1 );
-   EXPECT_THAT( steps.taken(), ElementsAre( "MrpPamSm::handlePam() Ethernet1",
-                                            "MrpIntfPamSm::doClose() Ethernet1" ) );
+TEST( PacketAccess, takesUpTheInterfacesThatWereThereFirst ) {
+   Participant mvrp( Mrp::MVRP, { et1 }, { .standby = true } );
+   auto const another =
+      Korv::newValidPtr< Mrp::MrpPamSm >( mvrp.sm().pamCollection(), true, &mvrp.sm() );
+   EXPECT_TRUE( another->mrpIntfPamSm( ethernet1 ) );
+}
+
+TEST( PacketAccess, hasItsFramesTriedAgainAndItsQueueLong ) {
+   Participant mvrp( Mrp::MVRP, { et1 } );
+   auto const & settings = mvrp.host().pam( ethernet1 )->settings();
+   EXPECT_EQ( settings.txRetries, 3u );
+   EXPECT_EQ( settings.rxQueueFrames, 10000u );
 }
 
 // The first participant of the process has filled in the program, whichever that was.

@@ -65,7 +65,9 @@ class Flooding : public testing::Test {
 
 TEST_F( Flooding, floodsMalformedFramesToo ) {
    msrp.receive( et1, msrpFrame( Message( 9, 7, {} ) ) );
-   EXPECT_EQ( msrp.sent().size(), 2u );
+   ASSERT_EQ( msrp.sent().size(), 2u );
+   EXPECT_EQ( decode( msrp.sent()[0].bytes ).from,
+              0x0200'0000'0001u ); // the port's that it came by
    EXPECT_EQ( msrp.moved(), "numOfMalformedPkts=1 numOfPktsProcessed=1" );
    msrp.clear();
    msrp.receive( et1, msrpFrame( talkers( 1, { New } ) ).to( 1 ) ); // not of the application
