@@ -1,7 +1,6 @@
-// How a participant comes to its interfaces: the steps of its start, the frames that the filter
-// lets through, and when they are read.
+// How a participant comes to its interfaces, which frames the filter lets through, and when they
+// are read.
 #include "mrp/frame/MrpPamSm.h"
-#include "mrp/platform/sornlog/Sornlog.h"
 
 #include "tests/support/Participant.h"
 
@@ -15,66 +14,28 @@ using testing::ElementsAre;
 std::string const et1 = "Ethernet1";
 Pelk::IntfId const ethernet1( et1 );
 
-// What the always-on ring is told.
-class Steps : public Sornlog::File {
- public:
-   Steps() { Sornlog::fileIs( this ); }
-   ~Steps() override { Sornlog::fileIs( nullptr ); }
-   void write( Sornlog::Site const & site, std::span< Sornlog::Argument const > with ) override {
-      steps_.push_back( Sornlog::text( site, with ) );
-   }
-   std::vector< std::string > taken() { return std::exchange( steps_, {} ); }
-
- private:
-   std::vector< std::string > steps_;
-};
-
-TEST( PacketAccess, comesFirstAtTheStartAndFollowsTheWish ) {
-   Steps steps;
-   Participant::Options options;
-   options.enabled = false;
-   options.standby = true;
-   Participant mvrp( Mrp::MVRP, { et1 }, options );
-   EXPECT_THAT( steps.taken(), ElementsAre( "void Mrp::MrpSm::handleInitialized()",
-                                            "void Mrp::MrpSm::doInitializePamMan()",
-                                            "void Mrp::MrpPamSm::handleInitialized()",
-                                            "void Mrp::MrpSm::handleStandbyMode()" ) );
-   mvrp.lib().mrpInterfaceEnable( ethernet1 );
-   EXPECT_THAT( steps.taken(), ElementsAre( "MrpPamSm::handlePam() Ethernet1",
-                                            "MrpIntfPamSm::handleInitialized() Ethernet1",
-                                            "MrpIntfPamSm::handleStandbyMode() Ethernet1" ) );
-   mvrp.sm().standbyModeIs( false );
-   mvrp.sm().handleStandbyMode();
-   EXPECT_THAT( steps.taken(), ElementsAre( "void Mrp::MrpSm::handleStandbyMode()",
-                                            "void Mrp::MrpDatabaseDeleteSm::handleInitialized()",
-                                            "void Mrp::MrpDatabaseAddSm::handleInitialized()",
-                                            "void Mrp::MrpPamSm::handleStandbyMode()",
-                                            "MrpIntfPamSm::handleStandbyMode() Ethernet1" ) );
-   mvrp.lib().mrpInterfaceDisable( ethernet1 );
-   EXPECT_THAT( steps.taken(), ElementsAre( "MrpPamSm::handlePam() Ethernet1",
-                                            "MrpIntfPamSm::doClose() Ethernet1" ) );
+TEST( PacketAccess, takesUpTheInterfacesThatWereThereFirst ) {
+   Participant mvrp( Mrp::MVRP, { et1 }, { .standby = true } );
+   auto const another =
+      Korv::newValidPtr< Mrp::MrpPamSm >( mvrp.sm().pamCollection(), true, &mvrp.sm() );
+   EXPECT_TRUE( another->mrpIntfPamSm( ethernet1 ) );
 }
 
-TEST( PacketAccess, isThereForAnApplicationWithoutAttributes ) {
-   for ( auto const application : { Mrp::MMRP, Mrp::InvalidApplication } ) {
-      Participant participant( application );
-      EXPECT_EQ( participant.sm().maxAttrTypes(), 0 );
-      participant.sm().mrpPamSm()->transmitAllLeaveAll( ethernet1 );
-      participant.advanceTo( 12 );
-      EXPECT_THAT( participant.said(), testing::IsEmpty() );
-   }
+TEST( PacketAccess, hasItsFramesTriedAgainAndItsQueueLong ) {
+   Participant mvrp( Mrp::MVRP, { et1 } );
+   auto const & settings = mvrp.host().pam( ethernet1 )->settings();
+   EXPECT_EQ( settings.txRetries, 3u );
+   EXPECT_EQ( settings.rxQueueFrames, 10000u );
 }
 
 // The first participant of the process has filled in the program, whichever that was.
 TEST( Filter, passesTheFramesOfTheFirstApplicationToAll ) {
    Memory::VirtualActivity activity;
-   Participant::Options options;
-   options.activity = &activity;
-   Participant mvrp( Mrp::MVRP, { et1 }, options );
+   Participant mvrp( Mrp::MVRP, { et1 }, { .activity = &activity } );
    auto const & program = mvrp.host().pam( ethernet1 )->settings().filterProgram;
    ASSERT_EQ( program.length(), 11 );
    bool const mvrpWasFirst = program.address()[5].k == etherType( Protocol::mvrp );
-   Participant msrp( Mrp::MSRP, { et1 }, options );
+   Participant msrp( Mrp::MSRP, { et1 }, { .activity = &activity } );
    U64 const group = groupAddress( mvrpWasFirst ? Protocol::mvrp : Protocol::msrp );
    U16 const own = etherType( mvrpWasFirst ? Protocol::mvrp : Protocol::msrp );
    U16 const other = etherType( mvrpWasFirst ? Protocol::msrp : Protocol::mvrp );
@@ -98,16 +59,17 @@ TEST( Filter, passesTheFramesOfTheFirstApplicationToAll ) {
 
 // One frame a notification, the oldest first; what waited through standby is no notification.
 TEST( PacketAccess, readsAFrameForEachThatArrives ) {
-   Participant::Options options;
-   options.standby = true;
-   Participant mvrp( Mrp::MVRP, { et1 }, options );
-   mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn } ) ) );
-   mvrp.receive( et1, mvrpFrame( vlans( 11, { JoinIn } ) ) );
+   Participant mvrp( Mrp::MVRP, { et1 }, { .standby = true } );
+   auto const arrives = [&]( U16 vlan ) {
+      mvrp.receive( et1, mvrpFrame( vlans( vlan, { JoinIn } ) ) );
+   };
+   arrives( 10 );
+   arrives( 11 );
    mvrp.sm().standbyModeIs( false );
    mvrp.sm().handleStandbyMode();
    mvrp.advanceTo( 2 );
    EXPECT_THAT( mvrp.indications(), testing::IsEmpty() );
-   mvrp.receive( et1, mvrpFrame( vlans( 12, { JoinIn } ) ) );
+   arrives( 12 );
    EXPECT_THAT( mvrp.indications(), ElementsAre( "join vlan 10 JoinIn on Ethernet1" ) );
    auto const machine = mvrp.sm().mrpPamSm()->mrpIntfPamSm( ethernet1 );
    Korv::Ptr< Pelk::Pam > const pam = machine->pam();

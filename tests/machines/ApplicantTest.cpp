@@ -2,7 +2,8 @@
 // frames, and where it goes.
 #include "tests/machines/MachinesTest.h"
 
-#include <sstream>
+#include <algorithm>
+#include <regex>
 
 namespace TestSupport {
 namespace {
@@ -10,222 +11,155 @@ namespace {
 using namespace Mrp;
 
 // The states by the standard's short names.
-struct Short {
-   char const * name;
-   MrpApplicantState state;
-};
-constexpr Short shorts[] = { { "VO", mrpVeryAnxiousObserver }, { "VP", mrpVeryAnxiousPassive },
-                             { "VN", mrpVeryAnxiousNew },      { "AN", mrpAnxiousNew },
-                             { "AA", mrpAnxiousActive },       { "QA", mrpQuietActive },
-                             { "LA", mrpLeavingActive },       { "AO", mrpAnxiousObserver },
-                             { "QO", mrpQuietObserver },       { "AP", mrpAnxiousPassive },
-                             { "QP", mrpQuietPassive },        { "LO", mrpLeavingObserver } };
+constexpr auto VO = mrpVeryAnxiousObserver, VP = mrpVeryAnxiousPassive, VN = mrpVeryAnxiousNew;
+constexpr auto AN = mrpAnxiousNew, AA = mrpAnxiousActive, QA = mrpQuietActive;
+constexpr auto LA = mrpLeavingActive, AO = mrpAnxiousObserver, QO = mrpQuietObserver;
+constexpr auto AP = mrpAnxiousPassive, QP = mrpQuietPassive, LO = mrpLeavingObserver;
 
-MrpApplicantState stateOf( std::string const & shortName ) {
-   for ( Short const & s : shorts ) {
-      if ( shortName == s.name ) {
-         return s.state;
-      }
-   }
-   throw std::logic_error( shortName );
+template < class T >
+bool holds( std::vector< T > const & all, T one ) {
+   return std::count( all.begin(), all.end(), one ) != 0;
 }
 
-bool holds( char const * words, std::string const & word ) {
-   std::istringstream in( words );
-   for ( std::string each; in >> each; ) {
-      if ( each == word ) {
-         return true;
-      }
-   }
-   return false;
-}
-
-// On these events these states say this in the first and the second frame, and go there. Whatever
-// is not told here says nothing and stays.
+// On these events these states say this, "|" between the first frame and the second, and go there.
+// Whatever is not told here says nothing and stays. Unless it is registered, it says Mt for In.
 struct Rule {
-   char const * events;
-   char const * states;
-   char const * first;
-   char const * second;
-   char const * next;
+   std::vector< MrpApplicantEvent > events;
+   std::vector< MrpApplicantState > states;
+   std::string says;
+   MrpApplicantState next;
 };
-constexpr Rule rules[] = {
+std::vector< Rule > const rules{
    // A new declaration goes out twice, from wherever the machine stands.
-   { "appNew", "VO AO QO QP QA VP AA LA AP LO", "New", "New", "QA" },
+   { { appNew }, { VO, AO, QO, QP, QA, VP, AA, LA, AP, LO }, "New|New", QA },
    // A join goes out the more often, the less of it others have said.
-   { "appJoin", "VO QA LO", "Join", "Join", "QA" },
-   { "appJoin", "AO LA", "Join", "", "QA" },
-   { "appJoin", "QO", "", "", "QP" },
+   { { appJoin }, { VO, QA, LO }, "JoinIn|JoinIn", QA },
+   { { appJoin }, { AO, LA }, "JoinIn", QA },
+   { { appJoin }, { QO }, "", QP },
    // Only who has declared says that it leaves.
-   { "appLv", "QA VN AN AA", "Lv", "", "VO" },
-   { "appLv", "VP", "", "", "VO" },
-   { "appLv", "AP", "", "", "AO" },
-   { "appLv", "QP", "", "", "QO" },
+   { { appLv }, { QA, VN, AN, AA }, "Lv", VO },
+   { { appLv }, { VP }, "", VO },
+   { { appLv }, { AP }, "", AO },
+   { { appLv }, { QP }, "", QO },
    // Someone may be about to forget: declare again, or report what is registered.
-   { "appRedeclare rxLv rxLvAll", "VO AO QO", "Registered", "", "VO" },
-   { "appRedeclare rxLv rxLvAll", "QP QA AA AP", "Join", "Join", "QA" },
-   { "appRedeclare rxLv rxLvAll", "AN", "New", "New", "QA" },
+   { { appRedeclare, rxLv, rxLvAll }, { VO, AO, QO }, "In", VO },
+   { { appRedeclare, rxLv, rxLvAll }, { QP, QA, AA, AP }, "JoinIn|JoinIn", QA },
+   { { appRedeclare, rxLv, rxLvAll }, { AN }, "New|New", QA },
    // Our own LeaveAll asks the same of us, once.
-   { "txLvAll", "VO AO QO LA", "Registered", "", "VO" },
-   { "txLvAll", "QP QA AP", "Join", "", "QA" },
-   { "txLvAll", "VP", "Registered", "Join", "QA" },
-   { "txLvAll", "VN", "New", "New", "QA" },
-   { "txLvAll", "AN", "New", "", "QA" },
+   { { txLvAll }, { VO, AO, QO, LA }, "In", VO },
+   { { txLvAll }, { QP, QA, AP }, "JoinIn", QA },
+   { { txLvAll }, { VP }, "In|JoinIn", QA },
+   { { txLvAll }, { VN }, "New|New", QA },
+   { { txLvAll }, { AN }, "New", QA },
    // Others who declare make it quiet.
-   { "rxJoinIn", "VO", "", "", "AO" },
-   { "rxJoinIn", "AO", "", "", "QO" },
-   { "rxJoinIn", "AP", "", "", "QP" },
-   { "rxJoinIn", "VP", "Join", "", "QA" },
-   { "rxJoinIn rxIn", "AA", "", "", "QA" },
+   { { rxJoinIn }, { VO }, "", AO },
+   { { rxJoinIn }, { AO }, "", QO },
+   { { rxJoinIn }, { AP }, "", QP },
+   { { rxJoinIn }, { VP }, "JoinIn", QA },
+   { { rxJoinIn, rxIn }, { AA }, "", QA },
    // Others who miss a declaration make it speak.
-   { "rxJoinMt rxMt", "QO", "", "", "AO" },
-   { "rxJoinMt rxMt", "QP QA", "Join", "", "QA" },
-   { "rxJoinMt rxMt", "LO", "", "", "VO" } };
+   { { rxJoinMt, rxMt }, { QO }, "", AO },
+   { { rxJoinMt, rxMt }, { QP, QA }, "JoinIn", QA },
+   { { rxJoinMt, rxMt }, { LO }, "", VO } };
 
 constexpr U16 vlan = 10;
 
-// Something else stands first in each of the two frames, so that both leave, the first one first.
-constexpr U16 mark = 1;
-void openBothFrames( Participant & mvrp ) {
-   for ( bool const second : { false, true } ) {
-      U8 const type = mvrp.load( Vlan{ mark } );
-      mvrp.lib().mrpSendAttributeIntf( MrpParameters( id( et1 ), type, Lv ), id( et1 ), second );
-   }
-}
-
-// How each event comes about, behind the marks.
+// How each event comes about.
 struct Door {
-   char const * event;
-   void ( *open )( Participant & );
+   MrpApplicantEvent event;
+   std::function< void( Participant & ) > open;
 };
-// What was open leaves ahead of a frame's attributes, so that the marks are an answer of their own.
-template < Event event >
-void receives( Participant & mvrp ) {
-   mvrp.attributeIs( et1, vlanType, mark, stored( Vlan{ mark } ), mrpQuietActive, mrpIn );
-   mvrp.receive( et1, mvrpFrame( message( vlans( mark, { Lv } ), vlans( vlan, { event } ) ) ) );
+Door receives( MrpApplicantEvent event, Vector const & vector ) {
+   return { event, [=]( Participant & mvrp ) { mvrp.receive( et1, mvrpFrame( vector ) ); } };
 }
-template < Event event >
-void declares( Participant & mvrp ) {
-   openBothFrames( mvrp );
-   mvrp.declare( et1, Vlan{ vlan }, event );
+Door receives( MrpApplicantEvent event, Event said ) {
+   return receives( event, vlans( vlan, { said } ) );
 }
-template < MrpApplicantEvent event >
-void posts( Participant & mvrp ) {
-   openBothFrames( mvrp );
-   post( mvrp, event, invalidRegistrarEvent );
+Door declares( MrpApplicantEvent event, Event declared ) {
+   return { event, [=]( Participant & mvrp ) { mvrp.declare( et1, Vlan{ vlan }, declared ); } };
 }
-void receivesLeaveAll( Participant & mvrp ) {
-   openBothFrames( mvrp );
-   mvrp.receive( et1, mvrpFrame( vlanLeaveAll() ) );
+Door posts( MrpApplicantEvent event ) {
+   return { event, [=]( Participant & mvrp ) { post( mvrp, event, invalidRegistrarEvent ); } };
 }
-void sendsLeaveAll( Participant & mvrp ) {
-   openBothFrames( mvrp );
-   mvrp.sm().mrpPamSm()->transmitAllLeaveAll( id( et1 ) );
-}
-constexpr Door doors[] = { { "appNew", declares< New > },
-                           { "appJoin", declares< JoinIn > },
-                           { "appJoin", declares< JoinMt > },
-                           { "appLv", declares< Lv > },
-                           { "appRedeclare", posts< appRedeclare > },
-                           { "appFlush", posts< appFlush > },
-                           { "rxNew", receives< New > },
-                           { "rxJoinIn", receives< JoinIn > },
-                           { "rxIn", receives< In > },
-                           { "rxJoinMt", receives< JoinMt > },
-                           { "rxMt", receives< Mt > },
-                           { "rxLv", receives< Lv > },
-                           { "rxLvAll", receivesLeaveAll },
-                           { "txLvAll", sendsLeaveAll } };
+void sendLeaveAll( Participant & mvrp ) { mvrp.sm().mrpPamSm()->transmitAllLeaveAll( id( et1 ) ); }
+std::vector< Door > const doors{ declares( appNew, New ),
+                                 declares( appJoin, JoinIn ),
+                                 declares( appJoin, JoinMt ),
+                                 declares( appLv, Lv ),
+                                 posts( appRedeclare ),
+                                 posts( appFlush ),
+                                 receives( rxNew, New ),
+                                 receives( rxJoinIn, JoinIn ),
+                                 receives( rxIn, In ),
+                                 receives( rxJoinMt, JoinMt ),
+                                 receives( rxMt, Mt ),
+                                 receives( rxLv, Lv ),
+                                 receives( rxLvAll, vlanLeaveAll() ),
+                                 { txLvAll, sendLeaveAll } };
 
-// Words of a rule as they stand on the wire: the registrar's state tells the two joins apart.
-std::string onTheWire( std::string const & words, bool registered ) {
-   if ( words == "Join" ) {
-      return registered ? "JoinIn" : "JoinMt";
-   }
-   if ( words == "Registered" ) {
-      return registered ? "In" : "Mt";
-   }
-   return words;
-}
-
-// What the second or the first of the two frames says of the VLAN.
-std::string said( Participant const & mvrp, bool second ) {
+// What all frames say of the VLAN; one in the second context alone would not leave.
+std::string saidOfIt( Participant const & mvrp ) {
    std::string all;
-   std::size_t frame = 0;
-   for ( SentFrame const & sent : mvrp.sent() ) {
-      auto const values = decode( sent.bytes ).values();
-      if ( values.empty() || values[0].key != mark || ( frame++ == 1 ) != second ) {
-         continue;
+   for ( SentFrame const & frame : mvrp.sent() ) {
+      std::string in;
+      for ( Declared const & value : decode( frame.bytes ).values() ) {
+         in += ( in.empty() ? "" : " " ) + std::string( name( value.event ) );
       }
-      for ( Declared const & value : values ) {
-         if ( value.key == vlan ) {
-            all += ( all.empty() ? "" : " " ) + std::string( name( value.event ) );
-         }
-      }
+      all += ( all.empty() || in.empty() ? "" : "|" ) + in;
    }
-   EXPECT_EQ( frame, 2u );
    return all;
 }
 
-class Applicant : public testing::TestWithParam< MrpRegistrarState > {};
+void expectRules( MrpRegistrarState registrar, MrpApplicantState from, Door const & door ) {
+   Rule expected{ {}, {}, "", from };
+   for ( Rule const & rule : rules ) {
+      if ( holds( rule.events, door.event ) && holds( rule.states, from ) ) {
+         expected = rule;
+      }
+   }
+   Participant mvrp( MVRP );
+   mvrp.advanceTo( 0.05 );
+   mvrp.attributeIs( et1, vlanType, vlan, stored( Vlan{ vlan } ), from, registrar );
+   door.open( mvrp );
+   // A LeaveAll received withdraws what others have declared.
+   bool const registered = registrar == mrpIn && door.event != rxLvAll;
+   auto const after = mvrp.attribute( et1, vlan );
+   mvrp.advanceBy( 0.2 );
+   EXPECT_EQ( saidOfIt( mvrp ),
+              std::regex_replace( expected.says, std::regex( "In" ), registered ? "In" : "Mt" ) );
+   // Nothing declared and nothing registered is nothing to keep. Joins register, and a LeaveAll
+   // sent out of turn tells the registrar nothing.
+   bool const kept = registrar != mrpMt || expected.next != VO ||
+                     holds( { rxNew, rxJoinIn, rxJoinMt, txLvAll }, door.event );
+   ASSERT_EQ( after.has_value(), kept );
+   if ( kept ) {
+      EXPECT_EQ( stringValue( after->applicant ), stringValue( expected.next ) );
+   }
+}
 
-TEST_P( Applicant, saysAndGoesWhereItsStateAndTheEventTell ) {
-   MrpRegistrarState const registrar = GetParam();
-   for ( Short const & from : shorts ) {
-      for ( Door const & door : doors ) {
-         SCOPED_TRACE( std::string( from.name ) + " on " + door.event );
-         Rule expected{ "", "", "", "", from.name };
-         for ( Rule const & rule : rules ) {
-            if ( holds( rule.events, door.event ) && holds( rule.states, from.name ) ) {
-               expected = rule;
-            }
-         }
-         Participant mvrp( MVRP );
-         mvrp.advanceTo( 0.05 );
-         mvrp.attributeIs( et1, vlanType, vlan, stored( Vlan{ vlan } ), from.state, registrar );
-         mvrp.clear();
-         door.open( mvrp );
-         // A LeaveAll received withdraws what others have declared.
-         bool const registered = registrar == mrpIn && std::string( door.event ) != "rxLvAll";
-         auto const after = mvrp.attribute( et1, vlan );
-         mvrp.advanceBy( 0.2 );
-         EXPECT_EQ( said( mvrp, false ), onTheWire( expected.first, registered ) );
-         EXPECT_EQ( said( mvrp, true ), onTheWire( expected.second, registered ) );
-
-         MrpApplicantState const next = stateOf( expected.next );
-         // Nothing declared and nothing registered is nothing to keep. Joins register, and a
-         // LeaveAll sent out of turn tells the registrar nothing.
-         bool const kept = registrar != mrpMt || next != mrpVeryAnxiousObserver ||
-                           holds( "rxNew rxJoinIn rxJoinMt txLvAll", door.event );
-         ASSERT_EQ( after.has_value(), kept );
-         if ( kept ) {
-            EXPECT_EQ( stringValue( after->applicant ), stringValue( next ) );
+TEST( Applicant, saysAndGoesWhereItsStateAndTheEventTell ) {
+   for ( auto const registrar : { mrpIn, mrpLv, mrpMt } ) {
+      for ( auto const from : { VO, VP, VN, AN, AA, QA, LA, AO, QO, AP, QP, LO } ) {
+         for ( Door const & door : doors ) {
+            SCOPED_TRACE( stringValue( registrar ) + ' ' + stringValue( from ) + " on " +
+                          stringValue( door.event ) );
+            expectRules( registrar, from, door );
          }
       }
    }
 }
 
-INSTANTIATE_TEST_SUITE_P(, Applicant, testing::Values( mrpIn, mrpLv, mrpMt ),
-                         []( auto const & state ) { return stringValue( state.param ); } );
-
 // It makes what it does not know; only a join keeps it.
-TEST( ApplicantOfAnUnknownAttribute, isKeptByJoinsAlone ) {
-   struct Row {
-      Event event;
-      char const * states;
-   };
-   for ( auto const [event, states] : { Row{ New, "mrpVeryAnxiousObserver mrpIn" },
-                                        { JoinIn, "mrpAnxiousObserver mrpIn" },
-                                        { JoinMt, "mrpVeryAnxiousObserver mrpIn" },
-                                        { In, "none" },
-                                        { Mt, "none" },
-                                        { Lv, "none" } } ) {
+TEST( Applicant, keepsAnUnknownAttributeForAJoinAlone ) {
+   for ( Event const event : { New, JoinIn, JoinMt, In, Mt, Lv } ) {
       SCOPED_TRACE( name( event ) );
       Participant mvrp( MVRP );
       mvrp.receive( et1, mvrpFrame( vlans( vlan, { event } ) ) );
-      EXPECT_EQ( mvrp.states( et1, vlan ), states );
-      EXPECT_EQ( mvrp.sm().mrpAttrIter( { id( et1 ), vlanType } ) != nullptr,
-                 std::string( states ) != "none" );
+      bool const isJoin = event == New || event == JoinIn || event == JoinMt;
+      EXPECT_EQ( mvrp.states( et1, vlan ), event == JoinIn ? "mrpAnxiousObserver mrpIn"
+                                           : isJoin        ? "mrpVeryAnxiousObserver mrpIn"
+                                                           : "none" );
+      EXPECT_EQ( mvrp.sm().mrpAttrIter( { id( et1 ), vlanType } ) != nullptr, isJoin );
    }
 }
 

@@ -66,101 +66,84 @@ TEST( Leave, endsARegistrationOneLeaveTimeAfterItsCause ) {
    }
 }
 
-// Our own LeaveAll goes out at 10. Exactly 0.6 is no time but says: the interface's.
+// One LeaveAll is received at 1, and our own goes out at 11. Exactly 0.6 is no time but says: the
+// interface's; an interface's 0 is none.
 TEST( Leave, takesTheTimeForItsCause ) {
    struct Row {
       double system, interface, afterOurs;
-      double ours, received;
+      char const * left;
    };
-   for ( Row const & row : { Row{ 3, 2, 0.6, 2, 2 },
-                             { 3, 2, 0.7, 0.7, 2 },
-                             { 3, 0, 0.6, 3, 3 }, // an interface's 0 is none
-                             { 3, 0, 5, 5, 3 } } ) {
-      for ( bool const isOurs : { true, false } ) {
-         SCOPED_TRACE( std::to_string( row.afterOurs ) + ( isOurs ? " ours" : " received" ) );
-         Participant mvrp( MVRP );
-         mvrp.config().leaveTimeIs( row.system );
-         mvrp.config().intfLeaveTimeIs( id( et1 ), row.interface );
-         mvrp.config().txLeaveAllExpiryTimeIs( row.afterOurs );
-         mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn } ) ) );
-         if ( !isOurs ) {
-            mvrp.advanceTo( 1 );
-            mvrp.receive( et1, mvrpFrame( vlanLeaveAll() ) );
-         }
-         mvrp.advanceTo( isOurs ? 16 : 8 );
-         ASSERT_EQ( mvrp.indications().size(), 2u );
-         EXPECT_NEAR( mvrp.lib().indications[1].time, isOurs ? 10 + row.ours : 1 + row.received,
-                      0.11 ); // the wheel's tick
-      }
+   for ( Row const & row : { Row{ 3, 2, 0.6, "10 at 3, 10 at 13" },
+                             { 3, 2, 0.7, "10 at 3, 10 at 11.7" },
+                             { 3, 0, 0.6, "10 at 4, 10 at 14" },
+                             { 3, 0, 5, "10 at 4, 10 at 16" } } ) {
+      Participant mvrp( MVRP );
+      mvrp.config().leaveTimeIs( row.system );
+      mvrp.config().intfLeaveTimeIs( id( et1 ), row.interface );
+      mvrp.config().txLeaveAllExpiryTimeIs( row.afterOurs );
+      mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn } ) ) );
+      mvrp.advanceTo( 1 );
+      mvrp.receive( et1, mvrpFrame( vlanLeaveAll() ) );
+      mvrp.advanceTo( 5 );
+      mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn } ) ) );
+      mvrp.advanceTo( 17 );
+      EXPECT_EQ( left( mvrp ), row.left );
    }
 }
 
 // A machine of one attribute goes with its interface; the shared one fires, and finds nothing.
 TEST( Leave, tellsNothingOfAnInterfaceThatWasDisabled ) {
-   for ( bool const shared : { false, true } ) {
-      SCOPED_TRACE( shared );
-      Participant mvrp( MVRP );
-      mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn } ) ) );
-      mvrp.advanceTo( 1 );
-      mvrp.receive( et1, shared ? mvrpFrame( vlanLeaveAll() ) : mvrpFrame( vlans( 10, { Lv } ) ) );
-      ASSERT_EQ( waitsOn( mvrp, 10 ), shared ? "shared" : "explicit" );
-      mvrp.lib().mrpInterfaceDisable( id( et1 ) );
-      auto const & registrar = *mvrp.sm().registrarSm();
-      EXPECT_EQ( registrar.explicitLeaveSm().size(), 0u );
-      EXPECT_EQ( registrar.leaveSm().size(), shared ? 1u : 0u );
-      mvrp.advanceTo( 5 );
-      EXPECT_EQ( registrar.leaveSm().size(), 0u );
-      EXPECT_EQ( left( mvrp ), "" );
-      EXPECT_EQ( mvrp.counters().numOfLeaveIndications(), 0u );
-   }
+   Participant mvrp( MVRP );
+   mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn, JoinIn } ) ) );
+   mvrp.receive( et1, mvrpFrame( vlans( 10, { Lv } ) ) );
+   mvrp.receive( et1, mvrpFrame( vlanLeaveAll() ) );
+   ASSERT_EQ( waitsOn( mvrp, 10 ), "explicit shared" );
+   mvrp.lib().mrpInterfaceDisable( id( et1 ) );
+   EXPECT_TRUE( mvrp.sm().registrarSm()->explicitLeaveSm().empty() );
+   EXPECT_EQ( waitsOn( mvrp, 10 ), "shared" );
+   mvrp.advanceTo( 5 );
+   EXPECT_TRUE( mvrp.sm().registrarSm()->leaveSm().empty() );
+   EXPECT_EQ( left( mvrp ), "" );
+   EXPECT_EQ( mvrp.counters().numOfLeaveIndications(), 0u );
 }
 
-// A frame that came during standby still waits, so that each arrival brings the one before it.
-TEST( Leave, readsAFrameThatWaitsBeforeItLetsGo ) {
-   for ( Event const waiting : { JoinIn, In } ) {
-      SCOPED_TRACE( name( waiting ) );
-      Participant::Options options;
-      options.standby = true;
-      Participant mvrp( MVRP, { et1 }, options );
-      mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn } ) ) );
+// A frame that came during standby still waits, so that each arrival brings the one before it: 10
+// and 11 have been joined and left, and the frame given here is still to be read.
+class LeaveWithAFrameThatWaits : public testing::Test {
+ protected:
+   void arrive( Vector const & waiting ) {
+      mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn, JoinIn } ) ) );
       mvrp.sm().standbyModeIs( false );
       mvrp.sm().handleStandbyMode();
-      mvrp.receive( et1, mvrpFrame( vlans( 10, { Lv } ) ) );
-      mvrp.receive( et1, mvrpFrame( vlans( 10, { waiting } ) ) );
-      ASSERT_EQ( mvrp.attribute( et1, 10 )->registrar, mrpLv );
-      EXPECT_EQ( mvrp.counters().numOfPktsProcessed(), 2u );
-      mvrp.advanceTo( 3 );
-      EXPECT_EQ( mvrp.counters().numOfPktsProcessed(), 3u );
-      EXPECT_EQ( mvrp.counters().numOfLeaveIndications(), waiting == JoinIn ? 0u : 1u );
-      auto const after = mvrp.attribute( et1, 10 );
-      EXPECT_EQ( after && after->registrar == mrpIn, waiting == JoinIn );
+      mvrp.receive( et1, mvrpFrame( vlans( 10, { Lv, Lv } ) ) );
+      mvrp.receive( et1, mvrpFrame( waiting ) );
+      ASSERT_EQ( mvrp.attribute( et1, 11 )->registrar, mrpLv );
    }
+   Participant mvrp{ MVRP, { et1 }, { .standby = true } };
+};
+
+TEST_F( LeaveWithAFrameThatWaits, readsItFirst ) {
+   arrive( vlans( 11, { JoinIn } ) );
+   mvrp.advanceTo( 3 );
+   EXPECT_EQ( left( mvrp ), "10 at 0.6" );
+   EXPECT_EQ( mvrp.attribute( et1, 11 )->registrar, mrpIn );
 }
 
-// Over a frame that waited the application may close the interface and open it anew: that one is
-// alive like any other.
-TEST( Leave, leavesAnInterfaceAliveThatTheWaitingFrameHasReopened ) {
-   Participant::Options options;
-   options.standby = true;
-   Participant mvrp( MVRP, { et1 }, options );
-   mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn } ) ) );
-   mvrp.sm().standbyModeIs( false );
-   mvrp.sm().handleStandbyMode();
-   mvrp.receive( et1, mvrpFrame( vlans( 10, { Lv } ) ) );
-   mvrp.receive( et1, mvrpFrame( vlans( 20, { JoinIn } ) ) );
+// Over it the application may close the interface and open it anew: that one is alive like any
+// other.
+TEST_F( LeaveWithAFrameThatWaits, leavesAnInterfaceAliveThatItHasReopened ) {
+   arrive( vlans( 20, { JoinIn } ) );
    mvrp.lib().react = [&]( Indication const & indication ) {
       ASSERT_EQ( indication.key, 20u );
       mvrp.lib().mrpInterfaceDisable( id( et1 ) );
       mvrp.lib().mrpInterfaceEnable( id( et1 ) );
    };
    mvrp.advanceTo( 3 );
-   ASSERT_EQ( mvrp.lib().indications.size(), 2u );
-   EXPECT_NEAR( mvrp.lib().indications[1].time, 0.6, 0.11 );
-   EXPECT_TRUE( mvrp.sm().leaveAllSm()->intfLeaveAllSm( id( et1 ) ) );
+   ASSERT_EQ( mvrp.lib().indications.size(), 3u );
    mvrp.lib().react = {};
-   mvrp.clear();
    mvrp.receive( et1, mvrpFrame( vlans( 30, { JoinIn } ) ) );
    EXPECT_EQ( mvrp.states( et1, 30 ), "mrpAnxiousObserver mrpIn" );
+   mvrp.clear();
    mvrp.advanceTo( 12 );
    EXPECT_THAT( mvrp.said(), testing::Contains( testing::HasSubstr( "LeaveAll" ) ) );
 }

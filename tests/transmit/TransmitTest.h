@@ -54,4 +54,16 @@ class Sender : public Participant {
    }
 };
 
+// Told of each frame that leaves, while it does.
+struct FrameWatcher : Mrp::MrpCounters::Reactor {
+   explicit FrameWatcher( Participant & participant ) {
+      notifierIs( participant.sm().mrpCounters().ptr() );
+   }
+   void onNumOfPktsTransmitted() override {
+      auto const now = told; // which may set another
+      now();
+   }
+   std::function< void() > told = [] {};
+};
+
 } // namespace TestSupport

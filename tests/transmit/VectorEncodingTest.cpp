@@ -53,30 +53,26 @@ TEST( VectorEncoding, growsAListenerVectorByteByByte ) {
 }
 
 template < class Value >
-std::string encoded( std::vector< Value > const & values, Event event = JoinIn ) {
-   bool const isVlan = std::is_same_v< Value, Vlan >;
-   Sender sender( isVlan ? Mrp::MVRP : Mrp::MSRP );
+std::string encoded( std::vector< Value > const & values ) {
+   Sender sender( std::is_same_v< Value, Vlan > ? Mrp::MVRP : Mrp::MSRP );
    for ( Value const & value : values ) {
-      sender.send( value, event );
+      sender.send( value, JoinIn );
    }
    return sender.text();
 }
 
 TEST( Merging, ofVlansGoesUpwardByOne ) {
    using Values = std::vector< Vlan >;
-   EXPECT_EQ( encoded( Values{ { 10 }, { 11 }, { 12 }, { 13 } } ),
-              "vlan{10 JoinIn, 11 JoinIn, 12 JoinIn, 13 JoinIn}" );
    EXPECT_EQ( encoded( Values{ { 10 }, { 12 }, { 13 } } ),
               "vlan{10 JoinIn; 12 JoinIn, 13 JoinIn}" );
-   EXPECT_EQ( encoded( Values{ { 12 }, { 11 } } ), "vlan{12 JoinIn; 11 JoinIn}" );
-   EXPECT_EQ( encoded( Values{ { 12 }, { 12 } } ), "vlan{12 JoinIn; 12 JoinIn}" );
+   EXPECT_EQ( encoded( Values{ { 12 }, { 11 }, { 11 } } ),
+              "vlan{12 JoinIn; 11 JoinIn; 11 JoinIn}" );
    EXPECT_EQ( encoded( Values{ { 65535 }, { 0 } } ), "vlan{65535 JoinIn; 0 JoinIn}" );
 }
 
 TEST( Merging, ofTalkersLooksAtStreamAndAddressAlone ) {
    using Values = std::vector< Talker >;
    U64 const top = 0xffff'ffff'ffff;
-   EXPECT_EQ( encoded( Values{ talker( 8 ), talker( 9 ) } ), "talker{0x8 JoinIn, 0x9 JoinIn}" );
    EXPECT_EQ( encoded( Values{ { 8, 0x50 }, { 9, 0x50 } } ), "talker{0x8 JoinIn; 0x9 JoinIn}" );
    EXPECT_EQ( encoded( Values{ { 8, 0x50 }, { 8, 0x51 } } ), "talker{0x8 JoinIn; 0x8 JoinIn}" );
    EXPECT_EQ( encoded( Values{ { ~0ull, 0x50 }, { 0, 0x51 } } ),
@@ -92,8 +88,6 @@ TEST( Merging, ofTalkersLooksAtStreamAndAddressAlone ) {
    EXPECT_EQ( encoded( Values{ talker( 8 ), other } ), "talker{0x8 JoinIn, 0x9 JoinIn}" );
    EXPECT_EQ( encoded( std::vector< FailedTalker >{ { talker( 8 ), 1, 1 }, { other, 2, 2 } } ),
               "failed{0x8 JoinIn, 0x9 JoinIn}" );
-   EXPECT_EQ( encoded( std::vector< FailedTalker >{ { talker( 8 ) }, { talker( 10 ) } } ),
-              "failed{0x8 JoinIn; 0xa JoinIn}" );
 }
 
 TEST( Merging, ofListenersAndDomains ) {
@@ -107,15 +101,6 @@ TEST( Merging, ofListenersAndDomains ) {
    EXPECT_EQ( encoded( Values{ { 5, 2 }, { 5, 3 } } ), "domain{5 JoinIn; 5 JoinIn}" );
    EXPECT_EQ( encoded( Values{ { 255, 2 }, { 0, 3 } } ), "domain{255 JoinIn; 0 JoinIn}" );
    EXPECT_EQ( encoded( Values{ { 5, 255 }, { 6, 0 } } ), "domain{5 JoinIn; 6 JoinIn}" );
-}
-
-TEST( Merging, makesAMessageOfEachType ) {
-   Sender msrp( Mrp::MSRP );
-   msrp.send( talker( 8 ), New ).send( talker( 20 ), JoinMt );
-   msrp.send( FailedTalker{ talker( 9 ) }, Lv ).send( Listener{ 10 }, Mt );
-   msrp.send( Domain{ 6, 3 }, In ).send( Domain{ 7, 4 }, New );
-   EXPECT_EQ( msrp.text(), "talker{0x8 New; 0x14 JoinMt} failed{0x9 Lv} listener{0xa Mt Ready} "
-                           "domain{6 In, 7 New}" );
 }
 
 // All six events, in all three places of a byte.
@@ -144,23 +129,19 @@ TEST( LeaveAllMark, goesToTheNextVectorThatIsOpened ) {
                            "21 JoinMt; 30 JoinIn}" );
 }
 
-TEST( LeaveAllMark, survivesTheGrowthOfAVectorOfAnyKind ) {
-   for ( U8 const type : { talkerType, failedType, listenerType, domainType } ) {
+TEST( LeaveAllMark, survivesTheGrowthOfItsVector ) {
+   auto const expectMark = []( auto const & valueOf ) {
       Sender msrp( Mrp::MSRP );
       msrp.mark();
       for ( U8 i = 1; i <= 9; ++i ) {
-         switch ( type ) {
-         case talkerType: msrp.send( talker( i ), New ); break;
-         case failedType: msrp.send( FailedTalker{ talker( i ) }, New ); break;
-         case listenerType: msrp.send( Listener{ i }, New ); break;
-         default: msrp.send( Domain{ i, i }, New ); break;
-         }
+         msrp.send( valueOf( i ), New );
       }
-      Bytes const mrpdu = msrp.mrpdu();
-      EXPECT_EQ( number( mrpdu, 5, 2 ), 0x2009u );
+      EXPECT_EQ( number( msrp.mrpdu(), 5, 2 ), 0x2009u );
       EXPECT_EQ( decode( msrp.sent().back().bytes ).values().size(), 9u );
       EXPECT_THAT( decode( msrp.sent().back().bytes ).faults, testing::IsEmpty() );
-   }
+   };
+   expectMark( []( U8 i ) { return talker( i ); } );
+   expectMark( []( U8 i ) { return Listener{ i }; } );
 }
 
 TEST( LeaveAllAlone, opensAMessageOfItsOwn ) {
@@ -182,10 +163,6 @@ TEST( LeaveAllAlone, takesInAValueThatIsAllZero ) {
    EXPECT_EQ( mvrp.text(), "vlan{LeaveAll; 1 JoinIn}" );
 
    Sender msrp( Mrp::MSRP );
-   msrp.leaveAll( talkerType ).send( Talker{}, JoinIn ).send( Talker{ 1, 1 }, JoinIn );
-   EXPECT_EQ( msrp.text(), "talker{LeaveAll 0x0 JoinIn, 0x1 JoinIn}" );
-   msrp.leaveAll( talkerType ).send( Talker{ 0, 1 }, JoinIn );
-   EXPECT_EQ( msrp.text(), "talker{LeaveAll; 0x0 JoinIn}" );
    msrp.leaveAll( listenerType ).send( Listener{ 0, ReadyFailed }, Lv ).send( Listener{ 1 }, New );
    EXPECT_EQ(
       hex( msrp.mrpdu() ),
