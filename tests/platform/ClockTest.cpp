@@ -7,34 +7,11 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 namespace Korv {
 namespace {
 
 using Platform::Timer;
-
-TEST( Clock, firesEachTimerAtItsOwnTimeAndThenStands ) {
-   Memory::VirtualActivity outer;
-   outer.advanceTo( 5 );
-   {
-      Memory::VirtualActivity activity; // in force for its lifetime
-      std::vector< Seconds > times;
-      Timer second( [&] { times.push_back( now() ); } );
-      Timer first( [&] {
-         times.push_back( now() );
-         second.timeMinIs( 0.5 );
-      } );
-      first.timeMinIs( 0.25 );
-      EXPECT_EQ( activity.nextTime(), 0.25 );
-      activity.advanceTo( 0.5 );
-      EXPECT_EQ( times, ( std::vector< Seconds >{ 0.25, 0.5 } ) );
-      activity.advanceTo( 2 );
-      EXPECT_EQ( now(), 2 );
-      EXPECT_EQ( activity.nextTime(), never );
-   }
-   EXPECT_EQ( now(), 5 );
-}
 
 TEST( Clock, firesTimersOfOneTimeByRankAndThenByArming ) {
    Memory::VirtualActivity activity;

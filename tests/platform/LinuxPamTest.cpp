@@ -67,6 +67,7 @@ class LinuxPam : public Scene {
 };
 
 TEST_F( LinuxPam, framesAreAsTheyWereOnTheWire ) {
+   run( "ip link set va mtu 65535 && ip link set vb mtu 65535" );
    open();
    std::vector< Frame > wanted{
       numberedFrame( 1 ), numberedFrame( 2, { 0x81, 0x00, 0x60, 0x05 } ), // VLAN 5 at priority 3
@@ -81,12 +82,17 @@ TEST_F( LinuxPam, framesAreAsTheyWereOnTheWire ) {
    Frame other = numberedFrame( 8 );
    other[5] = 0x20;
    wire->send( other );
-   wanted.push_back( numberedFrame( 9 ) );
-   wire->send( wanted.back() );
+   other = numberedFrame( 9 );
+   other.resize( PacketSocket::frameBytesMax + 1 );
+   wire->send( other );
+   other.pop_back(); // the longest that there is room for
+   wire->send( other );
+   wanted.push_back( other );
    ASSERT_TRUE( runUntil( [&] { return reader.frames.size() >= wanted.size(); } ) );
    EXPECT_EQ( reader.frames, wanted );
    EXPECT_EQ( pam->received(), wanted.size() );
    EXPECT_EQ( pam->heldBack(), 2u );
+   EXPECT_EQ( pam->tooLong(), 1u );
 }
 
 TEST_F( LinuxPam, aPortOfABridgeHearsTheGroupAddressToo ) {
@@ -141,21 +147,11 @@ TEST_F( LinuxPam, nothingUnfilteredEverWaits ) {
    EXPECT_EQ( waiting, 0 );
 }
 
-TEST_F( LinuxPam, asksTheKernelWhetherAFrameWaits ) {
-   open();
-   EXPECT_FALSE( opened->hasDataOnSocket() );
-   wire->send( numberedFrame( 1 ) );
-   EXPECT_TRUE( opened->hasDataOnSocket() );
-   EXPECT_TRUE( opened->rxPkt() ); // ahead of its announcement
-   EXPECT_FALSE( opened->hasDataOnSocket() );
-   activity.runFor( 0.01 );
-   EXPECT_EQ( reader.announced, 0 );
-}
-
 TEST_F( LinuxPam, framesLeftWhereTheyAreCostNothingUntilTheNext ) {
    open();
    reader.reading = false;
    wire->send( numberedFrame( 1 ) );
+   EXPECT_TRUE( opened->hasDataOnSocket() ); // ahead of its announcement
    ASSERT_TRUE( runUntil( [&] { return reader.announced > 0; } ) );
    activity.runFor( 0.01 );
    int const first = reader.announced;
@@ -196,19 +192,6 @@ TEST_F( LinuxPam, aStormHoldsUpNoTimer ) {
    ASSERT_TRUE( runUntil( [&] { return reader.frames.size() == frames - lost; } ) );
    EXPECT_GE( fired, 5 ); // of 10 and more
    EXPECT_EQ( reader.frames.back()[numberAt], static_cast< Korv::U8 >( frames - lost - 1 ) );
-}
-
-TEST_F( LinuxPam, aFrameBeyondTheBufferIsDroppedWhole ) {
-   run( "ip link set va mtu 65535 && ip link set vb mtu 65535" );
-   open();
-   Frame longest = numberedFrame(), tooLong = longest;
-   longest.resize( PacketSocket::frameBytesMax, 7 );
-   tooLong.resize( PacketSocket::frameBytesMax + 1, 7 );
-   wire->send( tooLong );
-   wire->send( longest );
-   ASSERT_TRUE( runUntil( [&] { return reader.frames.size() == 1; } ) );
-   EXPECT_EQ( reader.frames[0], longest );
-   EXPECT_EQ( pam->tooLong(), 1u );
 }
 
 TEST_F( LinuxPam, theReaderMayCloseItWhileItReads ) {

@@ -8,19 +8,17 @@
 namespace Interface {
 namespace {
 
-class PamManagerTest : public testing::Test {
- protected:
-   Pelk::IntfId const one{ "one" }, two{ "two" };
+TEST( PamManager, aPamComesAndGoesWithTheWishAndTheDevice ) {
+   Pelk::IntfId const one( "one" ), two( "two" );
    Memory::Host host;
-   Platform::HostPams pams{ host };
-};
-
-TEST_F( PamManagerTest, aPamComesAndGoesWithTheWishAndTheDevice ) {
-   pams.manager->enabledIs( true );
+   Platform::HostPams pams( host );
    host.interfaceIs( one );
-   EXPECT_EQ( pams.changes(), "" );
    pams.desired->intfDesiredIs( one, true );
+   EXPECT_EQ( pams.changes(), "" ); // not enabled
+   pams.manager->rxQueueFramesIs( 2 );
+   pams.manager->enabledIs( true );
    EXPECT_EQ( pams.changes(), "+one" );
+   EXPECT_EQ( host.pam( one )->settings().rxQueueFrames, 2u );
    pams.desired->intfDesiredIs( one, true );
    pams.desired->intfDesiredIs( two, true );
    EXPECT_EQ( pams.changes(), "" );
@@ -30,30 +28,14 @@ TEST_F( PamManagerTest, aPamComesAndGoesWithTheWishAndTheDevice ) {
    host.interfaceIs( two );
    EXPECT_EQ( pams.changes(), "-two+two" );
    EXPECT_EQ( pams.collection->intfPam( two ), host.pam( two ) );
-   pams.desired->intfDesiredDel( two );
-   pams.desired->intfDesiredDel( two );
    pams.desired->intfDesiredIs( one, false );
-   EXPECT_EQ( pams.changes(), "-two-one" );
+   EXPECT_EQ( pams.changes(), "-one" );
    EXPECT_EQ( host.pam( one ), nullptr ); // closed, too
-}
-
-TEST_F( PamManagerTest, nothingIsOpenUnlessItIsEnabled ) {
-   host.interfaceIs( one );
-   host.interfaceIs( two );
-   pams.desired->intfDesiredIs( two, true );
    pams.desired->intfDesiredIs( one, true );
-   EXPECT_EQ( pams.changes(), "" );
-   pams.manager->destinationIs( Pelk::EthAddr( "01:80:c2:00:00:21" ) );
-   pams.manager->rxQueueFramesIs( 2 );
-   pams.manager->enabledIs( true );
-   EXPECT_EQ( pams.changes(), "+two+one" ); // in the order of the wishes
-   auto const & settings = host.pam( one )->settings();
-   EXPECT_EQ( settings.destination, Pelk::EthAddr( "01:80:c2:00:00:21" ) );
-   EXPECT_EQ( settings.rxQueueFrames, 2u );
-   pams.manager->enabledIs( true );
-   EXPECT_EQ( pams.changes(), "" );
+   pams.desired->intfDesiredDel( two );
+   EXPECT_EQ( pams.changes(), "+one-two" );
    pams.manager->enabledIs( false );
-   EXPECT_EQ( pams.changes(), "-two-one" );
+   EXPECT_EQ( pams.changes(), "-one" );
 }
 
 } // namespace

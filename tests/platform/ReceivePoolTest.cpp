@@ -35,17 +35,5 @@ TEST( ReceivePool, holdsZerosBehindEachFrameWhateverWentBefore ) {
    EXPECT_FALSE( received( pool, 13 ) ); // a runt
 }
 
-TEST( ReceivePool, clearsAFrameWhoseReaderMovedTheFront ) {
-   ReceivePool pool;
-   auto pkt = received( pool, 1000 );
-   pkt->delSharedHeadData( 900 );
-   pkt->newSharedHeadData( 300 );
-   std::fill( pkt->frontData(), pkt->frontData() + pkt->bytes(), U8{ 0xee } );
-   pkt->newSharedHeadData( 5000 ); // into a buffer of its own
-   std::fill( pkt->frontData(), pkt->frontData() + pkt->bytes(), U8{ 0xee } );
-   pkt = nullptr;
-   expectSafe( *received( pool, 20 ), 20 );
-}
-
 } // namespace
 } // namespace Pelk

@@ -65,17 +65,5 @@ TEST_F( ReviewTimerTest, creditsComeBackOneASecondUpToTheFullStock ) {
    EXPECT_EQ( timer.credits(), 4u );
 }
 
-TEST_F( ReviewTimerTest, goesByTheNumbersThatAreSet ) {
-   timer.minDelayIs( 0.5f );
-   timer.maxCreditsIs( 1 );
-   timer.fillIntervalIs( 10 );
-   askAgain = true;
-   timer.doUpdateNextReview();
-   activity.advanceTo( 25 );
-   EXPECT_EQ( reviews, ( Times{ 0.5, 10.5, 20.5 } ) );
-   timer.maxCreditsIs( 3 ); // the stock grows by what comes back, not at once
-   EXPECT_EQ( timer.credits(), 0u );
-}
-
 } // namespace
 } // namespace Dovr

@@ -8,14 +8,13 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <map>
 #include <string>
+#include <utility>
 
 namespace Memory {
 namespace {
 
-// Hosts called a, b, c, each with one device and a Pam on it that reads each frame as it comes.
+// Hosts, each with one device and a Pam on it that reads each frame as it comes.
 class WireTest : public testing::Test {
  protected:
    struct End : Pelk::Pam::Reactor {
@@ -37,13 +36,6 @@ class WireTest : public testing::Test {
       Korv::Ptr< Device > device = network->deviceIs( intfId );
       Korv::Ptr< Pelk::EthDevPam > pam = network->newPam( intfId, {} );
    };
-
-   End & end( char name ) { return ends_.try_emplace( name, *this, name ).first->second; }
-   void join( Wire & wire, std::string const & names ) {
-      for ( char const name : names ) {
-         wire.join( end( name ).device );
-      }
-   }
    // " b1 d2": who has heard what, by then.
    std::string heardUntil( Korv::Seconds time ) {
       activity.advanceTo( time );
@@ -52,49 +44,32 @@ class WireTest : public testing::Test {
 
    VirtualActivity activity;
    std::string heard;
-
- private:
-   std::map< char, End > ends_;
+   End a{ *this, 'a' }, b{ *this, 'b' }, c{ *this, 'c' }, d{ *this, 'd' };
 };
 
 TEST_F( WireTest, framesArriveAfterTheDelayInTheOrderOfSendingOverAllWires ) {
    Wire one;
-   join( one, "ab" );
+   one.join( a.device );
+   one.join( b.device );
    one.delayIs( 0.1 );
    {
       Wire other;
-      join( other, "cd" );
+      other.join( c.device );
+      other.join( d.device );
       other.delayIs( 0.1 );
       activity.advanceTo( 0.2 );
-      end( 'a' ).send( '1' );
-      end( 'c' ).send( '2' );
-      end( 'a' ).send( '3' );
+      a.send( '1' );
+      c.send( '2' );
+      a.send( '3' );
       Platform::Timer review( [&] { heard += " review"; }, Korv::Clock::Rank::review );
       review.timeMinIs( 0.3 );
       activity.advanceTo( 0.25 );
-      end( 'b' ).send( '4' );
+      b.send( '4' );
       EXPECT_EQ( heardUntil( 0.299 ), "" );
       EXPECT_EQ( heardUntil( 0.3 ), " review b1 d2 b3" );
-      end( 'c' ).send( '5' );
+      c.send( '5' );
    } // takes its frames with it
    EXPECT_EQ( heardUntil( 1 ), " a4" );
-}
-
-TEST_F( WireTest, theJudgeDropsRepeatsAndDelays ) {
-   Wire wire;
-   join( wire, "abc" );
-   int frames = 0;
-   wire.judgeIs( [&]( Device const & from, FrameBytes frame ) {
-      EXPECT_EQ( &from, end( 'a' ).device.ptr() );
-      EXPECT_EQ( frame.size(), 15u );
-      Wire::Fate const fates[] = { { 1, 0.5 }, { 0, 0 }, { 2, 0 }, {} };
-      return fates[frames++];
-   } );
-   for ( char const letter : { '1', '2', '3', '4' } ) {
-      end( 'a' ).send( letter );
-   }
-   EXPECT_EQ( heardUntil( 0.499 ), " b3 c3 b3 c3 b4 c4" );
-   EXPECT_EQ( heardUntil( 0.5 ), " b1 c1" );
 }
 
 } // namespace

@@ -105,6 +105,7 @@ class AttrLogServer {
    Options options_;
    Korv::Ptr< SocketOut > socketOut_{ new SocketOut };
    Descriptor listening_;
+   SocketFile file_; // at the path, of a Unix-domain address
    std::unique_ptr< DescriptorWatch > listenWatch_;
    Timer retry_{ *this, &AttrLogServer::handleRetry }; // after the process was out of descriptors
    Timer check_{ *this, &AttrLogServer::handleCheck }; // while something waits for somebody
