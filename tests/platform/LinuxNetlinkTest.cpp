@@ -9,7 +9,6 @@
 #include <linux/if_link.h>
 #include <linux/netlink.h>
 #include <linux/rtnetlink.h>
-#include <random>
 #include <sys/socket.h>
 #include <vector>
 
@@ -111,7 +110,6 @@ class LinuxLinkTable : public testing::Test {
 
    std::vector< Asked > asked;
    bool refuses = false;
-   std::vector< std::string > present;
    std::string changes_;
    LinkTable table{ ownPort,
                     [this]( U8 family, U32 sequence ) {
@@ -137,7 +135,6 @@ TEST_F( LinuxLinkTable, readsLinksAndThenPortsAndFollowsThem ) {
    done();
    ASSERT_EQ( asked.size(), 2u );
    EXPECT_EQ( asked[1].family, AF_BRIDGE );
-   EXPECT_NE( asked[1].sequence, asked[0].sequence );
    answer( RTM_NEWLINK, portBody( { 2, "eth0" }, BR_STATE_BLOCKING ) );
    EXPECT_TRUE( table.isDumping() );
    done();
@@ -146,7 +143,6 @@ TEST_F( LinuxLinkTable, readsLinksAndThenPortsAndFollowsThem ) {
 
    Link const * const eth0 = table.link( "eth0" );
    ASSERT_TRUE( eth0 );
-   EXPECT_EQ( eth0->index, 2 );
    EXPECT_EQ( eth0->mtu, 9000u );
    EXPECT_EQ( eth0->addr, Pelk::EthAddr( 2, 0, 0, 0, 0, 2 ) );
    EXPECT_TRUE( eth0->ethernet && eth0->up );
@@ -154,13 +150,11 @@ TEST_F( LinuxLinkTable, readsLinksAndThenPortsAndFollowsThem ) {
    Link const * const tun0 = table.link( "tun0" );
    ASSERT_TRUE( tun0 );
    EXPECT_FALSE( tun0->ethernet || tun0->up || tun0->portState );
-   EXPECT_FALSE( table.link( "eth" ) );
 
    announce( { 2, "eth0", 9000 } ); // nothing new
    EXPECT_EQ( changes(), "" );
-   announce( { 2, "eth0", 1400 } );
    announce( { 2, "eth0", 1400, IFF_UP } );
-   EXPECT_EQ( changes(), "eth0+ eth0+" );
+   EXPECT_EQ( changes(), "eth0+" );
    EXPECT_EQ( table.link( "eth0" )->mtu, 1400u );
    EXPECT_FALSE( table.link( "eth0" )->up );
    EXPECT_EQ( table.link( "eth0" )->portState, BR_STATE_BLOCKING );
@@ -169,23 +163,19 @@ TEST_F( LinuxLinkTable, readsLinksAndThenPortsAndFollowsThem ) {
 TEST_F( LinuxLinkTable, aPortThatLeavesItsBridgeIsStillALink ) {
    dump( { { 2, "eth0" } } );
    announce( RTM_NEWLINK, portBody( { 2, "eth0" }, BR_STATE_FORWARDING ) );
-   EXPECT_EQ( table.link( "eth0" )->portState, BR_STATE_FORWARDING );
    announce( RTM_NEWLINK, linkBody( AF_BRIDGE, { 2, "eth0" } ) ); // says nothing of a port
    EXPECT_EQ( table.link( "eth0" )->portState, BR_STATE_FORWARDING );
    announce( RTM_DELLINK, linkBody( AF_BRIDGE, { 2, "eth0" } ) );
    ASSERT_TRUE( table.link( "eth0" ) );
    EXPECT_FALSE( table.link( "eth0" )->portState );
-   changes();
-   announce( RTM_NEWLINK, portBody( { 9, "eth9" }, BR_STATE_FORWARDING ) ); // of no link
-   announce( RTM_DELLINK, linkBody( { 2, "eth0" } ) );
-   EXPECT_EQ( changes(), "eth0-" );
 
    // The same learnt from a dump.
-   dump( { { 2, "eth0" } } );
    announce( RTM_NEWLINK, portBody( { 2, "eth0" }, BR_STATE_FORWARDING ) );
    dump( { { 2, "eth0" } } );
    ASSERT_TRUE( table.link( "eth0" ) );
    EXPECT_FALSE( table.link( "eth0" )->portState );
+   announce( RTM_NEWLINK, portBody( { 9, "eth9" }, BR_STATE_FORWARDING ) ); // of no link
+   EXPECT_FALSE( table.link( "eth9" ) );
 }
 
 TEST_F( LinuxLinkTable, aLinkGoesUnderTheOldNameAndComesUnderTheNew ) {
@@ -195,7 +185,6 @@ TEST_F( LinuxLinkTable, aLinkGoesUnderTheOldNameAndComesUnderTheNew ) {
    EXPECT_EQ( changes(), "eth0- lan0+" );
    announce( { 7, "eth1" } ); // the departure of 3 has been lost
    EXPECT_EQ( changes(), "eth1- eth1+" );
-   EXPECT_EQ( table.link( "eth1" )->index, 7 );
    announce( { 2, "eth1" } );
    EXPECT_EQ( changes(), "eth1- lan0- eth1+" );
    EXPECT_EQ( table.link( "eth1" )->index, 2 );
@@ -209,39 +198,36 @@ TEST_F( LinuxLinkTable, whatADumpDoesNotMentionHasGone ) {
    table.doDump();
    answer( RTM_NEWLINK, linkBody( { 3, "eth1" } ) );
    announce( { 4, "eth2" } ); // comes meanwhile
-   EXPECT_EQ( changes(), "eth2+" );
    done();
-   EXPECT_EQ( changes(), "eth0-" );
    done();
-   EXPECT_TRUE( table.link( "eth1" ) && table.link( "eth2" ) );
+   EXPECT_EQ( changes(), "eth2+ eth0-" );
 }
 
 TEST_F( LinuxLinkTable, aTornDumpIsAskedForAgainAndDeletesNothing ) {
    dump( { { 2, "eth0" } } );
    changes();
    auto const asks = asked.size();
+   auto const expectAsked = [&]( std::size_t times ) {
+      ASSERT_EQ( asked.size(), asks + times );
+      EXPECT_EQ( asked.back().family, AF_UNSPEC );
+   };
    table.doDump();
    answer( RTM_NEWLINK, linkBody( { 3, "eth1" } ), NLM_F_MULTI | NLM_F_DUMP_INTR );
    done();
-   EXPECT_EQ( changes(), "eth1+" );
-   ASSERT_EQ( asked.size(), asks + 2 );
-   EXPECT_EQ( asked.back().family, AF_UNSPEC );
-
+   expectAsked( 2 );
    // Announcements lost while it runs: once more, and not two at a time.
    table.doDump();
    table.doDump();
-   EXPECT_EQ( asked.size(), asks + 2 );
-   done( NLM_F_MULTI );
-   EXPECT_TRUE( table.link( "eth0" ) );
-   ASSERT_EQ( asked.size(), asks + 3 );
-   EXPECT_EQ( asked.back().family, AF_UNSPEC );
+   expectAsked( 2 );
+   done();
+   expectAsked( 3 );
+   EXPECT_EQ( changes(), "eth1+" );
    // The mark may also stand on the end alone, and in the second half.
    answer( RTM_NEWLINK, linkBody( { 2, "eth0" } ) );
    answer( RTM_NEWLINK, linkBody( { 3, "eth1" } ) );
    done();
    done( NLM_F_MULTI | NLM_F_DUMP_INTR );
-   ASSERT_EQ( asked.size(), asks + 5 );
-   EXPECT_EQ( asked.back().family, AF_UNSPEC );
+   expectAsked( 5 );
    EXPECT_TRUE( table.isDumping() );
 }
 
@@ -249,18 +235,16 @@ TEST_F( LinuxLinkTable, answersUnderAnotherNumberAreNotLookedAt ) {
    dump( { { 2, "eth0" } } );
    changes();
    U32 const old = asked.back().sequence;
-   table.handleDatagram(
-      message( RTM_NEWLINK, linkBody( { 3, "eth1" } ), NLM_F_MULTI, old, ownPort ) );
+   auto const comes = [&]( U16 type, Bytes const & body, U32 sequence, U32 port ) {
+      table.handleDatagram( message( type, body, NLM_F_MULTI, sequence, port ) );
+   };
+   comes( RTM_NEWLINK, linkBody( { 3, "eth1" } ), old, ownPort );
    table.doDump();
-   table.handleDatagram(
-      message( RTM_NEWLINK, linkBody( { 4, "eth2" } ), NLM_F_MULTI, old, ownPort ) );
-   table.handleDatagram( message( NLMSG_DONE, bytesOf( 0 ), NLM_F_MULTI, old, ownPort ) );
-   // Another socket's, which happens to have the number.
-   table.handleDatagram(
-      message( NLMSG_DONE, bytesOf( 0 ), NLM_F_MULTI, asked.back().sequence, otherPort ) );
+   comes( RTM_NEWLINK, linkBody( { 4, "eth2" } ), old, ownPort );
+   comes( NLMSG_DONE, bytesOf( 0 ), old, ownPort );
+   comes( NLMSG_DONE, bytesOf( 0 ), asked.back().sequence, otherPort ); // of another socket
    EXPECT_EQ( changes(), "" );
    EXPECT_TRUE( table.isDumping() );
-   EXPECT_TRUE( table.link( "eth0" ) );
 }
 
 TEST_F( LinuxLinkTable, aDumpThatFailsLeavesWhatIsKnown ) {
@@ -277,84 +261,45 @@ TEST_F( LinuxLinkTable, aDumpThatFailsLeavesWhatIsKnown ) {
    table.doDump();
    EXPECT_FALSE( table.isDumping() );
    EXPECT_EQ( changes(), "" );
-   EXPECT_TRUE( table.link( "eth0" ) );
 }
 
 TEST_F( LinuxLinkTable, whatIsNotSoundIsLeftOut ) {
    dump( { { 2, "eth0" } } );
    changes();
-   Bytes const good = message( RTM_NEWLINK, linkBody( { 3, "eth1" } ) );
    std::size_t const head = sizeof( nlmsghdr ) + sizeof( ifinfomsg );
    auto changedAt = [&]( std::size_t at, U8 value ) {
-      Bytes bytes = good;
+      Bytes bytes = message( RTM_NEWLINK, linkBody( { 3, "eth1" } ) );
       bytes[at] = value;
       return bytes;
    };
-   std::vector< Bytes > const bad{
-      {},
-      Bytes( 15 ),                                                 // not even a header
-      Bytes( 64 ),                                                 // lengths of 0
-      changedAt( 0, 15 ),                                          // a length below the header's
-      changedAt( 1, 1 ),                                           // above the datagram's
-      message( RTM_NEWLINK, Bytes( 15 ) ),                         // half a link
-      changedAt( head, 3 ),                                        // an attribute below its header
-      changedAt( head + 1, 1 ),                                    // above the message
-      message( RTM_NEWLINK, bytesOf( ifinfomsg{} ) ),              // no name
-      message( RTM_NEWADDR, linkBody( { 3, "eth1" } ) ),           // of something else
-      message( RTM_NEWLINK, linkBody( AF_INET6, { 3, "eth1" } ) ), // of another family
-   };
-   for ( Bytes const & bytes : bad ) {
+   for ( Bytes const & bytes : {
+            Bytes(),
+            Bytes( 15 ),                                       // not even a header
+            Bytes( 64 ),                                       // lengths of 0
+            changedAt( 0, 15 ),                                // a length below the header's
+            changedAt( 1, 1 ),                                 // above the datagram's
+            message( RTM_NEWLINK, Bytes( 15 ) ),               // half a link
+            changedAt( head, 3 ),                              // an attribute below its header
+            changedAt( head + 1, 1 ),                          // above the message
+            message( RTM_NEWLINK, bytesOf( ifinfomsg{} ) ),    // no name
+            message( RTM_NEWADDR, linkBody( { 3, "eth1" } ) ), // of something else
+            message( RTM_NEWLINK, linkBody( AF_INET6, { 3, "eth1" } ) ), // of another family
+         } ) {
       table.handleDatagram( bytes );
       EXPECT_EQ( changes(), "" );
    }
    // Values of a wrong length say nothing, and hide nothing behind them.
-   Bytes body = bytesOf( [] {
-      ifinfomsg info{};
-      info.ifi_index = 2;
-      return info;
-   }() );
+   ifinfomsg info{};
+   info.ifi_index = 2;
+   Bytes body = bytesOf( info );
    append( body, attribute( IFLA_MTU, { 1, 2, 3 } ) );
    append( body, attribute( IFLA_ADDRESS, Bytes( 20 ) ) );
    append( body, attribute( IFLA_PROTINFO, { 1 } ) );
    append( body, attribute( IFLA_IFNAME, { 'e', 't', 'h', '0' } ) ); // with no end of its own
    announce( RTM_NEWLINK, body );
+   EXPECT_FALSE( table.link( "eth0" )->up );
    EXPECT_EQ( table.link( "eth0" )->mtu, 1500u );
    EXPECT_EQ( table.link( "eth0" )->addr, Pelk::EthAddr( 2, 0, 0, 0, 0, 2 ) );
-}
-
-// Whatever the bytes, nothing is read outside of them: the sanitizers watch.
-TEST_F( LinuxLinkTable, noDatagramHurts ) {
-   table.doDump();
-   Bytes const sound = [&] {
-      Bytes all;
-      for ( int i = 2; i < 5; ++i ) {
-         Says const says{ i, "ethernet" };
-         append( all, message( RTM_NEWLINK, linkBody( says ) ) );
-         append( all, message( RTM_NEWLINK, portBody( says, BR_STATE_LEARNING ) ) );
-      }
-      append( all, message( NLMSG_DONE, bytesOf( 0 ), NLM_F_MULTI, 1, ownPort ) );
-      return all;
-   }();
-   for ( std::size_t size = 0; size <= sound.size(); ++size ) {
-      std::unique_ptr< U8[] > const exact( new U8[size] );
-      std::memcpy( exact.get(), sound.data(), size );
-      table.handleDatagram( { exact.get(), size } );
-   }
-   std::mt19937 random( 1 );
-   for ( int i = 0; i < 20'000; ++i ) {
-      Bytes bytes = sound;
-      for ( unsigned hits = random() % 8 + 1; hits > 0; --hits ) {
-         bytes[random() % bytes.size()] = static_cast< U8 >( random() );
-      }
-      table.handleDatagram( bytes );
-   }
-   // Whatever it made of that, a dump brings the truth.
-   for ( int i = 0; i < 10 && table.isDumping(); ++i ) {
-      done();
-   }
-   dump( { { 2, "eth0" } } );
-   EXPECT_TRUE( table.link( "eth0" ) );
-   EXPECT_FALSE( table.link( "ethernet" ) );
 }
 
 } // namespace

@@ -43,7 +43,7 @@ class Scene : public testing::Test {
 
    // A command of iproute2, or another of the shell's; it has to succeed.
    static void run( std::string const & command );
-   // Runs the loop until the condition holds; false if it does not within five seconds.
+   // Runs the loop until the condition holds; false if it does not in ten seconds of turns.
    bool runUntil( std::function< bool() > const & holds );
 
    RealActivity activity;

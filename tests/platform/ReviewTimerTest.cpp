@@ -2,6 +2,8 @@
 
 #include "mrp/platform/memory/VirtualActivity.h"
 
+#include "tests/platform/Timers.h"
+
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -11,42 +13,29 @@ namespace {
 
 using Times = std::vector< Seconds >;
 
-// A machine that reviews: it finishes each review, unless it is told that it cannot.
+// A machine that reviews.
 class ReviewTimerTest : public testing::Test {
  protected:
-   class Review : public Korv::Clock::Reactor {
-    public:
-      explicit Review( ReviewTimerTest & test )
-         : Reactor( test.activity.clock(), Korv::Clock::Rank::review ), test_( test ) {}
-      void onTime() override { test_.handleReview(); }
-
-    private:
-      ReviewTimerTest & test_;
-   };
-
    void handleReview() {
       EXPECT_FALSE( timer.reviewPending() );
       reviews.push_back( Korv::now() );
-      if ( clogged ) {
-         timer.timeMinIs( Korv::now() + 0.1 );
-         return;
-      }
       timer.lastReviewIs( Korv::now() );
       if ( askAgain ) {
          timer.doUpdateNextReview();
       }
    }
-   // Asks at the time, and has the review.
-   void reviewAskedAt( Seconds time ) {
-      activity.advanceTo( time );
+   // The credits that are left by a review asked for then.
+   U32 creditsAfterReview( Seconds askedAt ) {
+      activity.advanceTo( askedAt );
       timer.doUpdateNextReview();
       EXPECT_TRUE( timer.reviewPending() );
+      activity.advanceBy( 0.1 );
+      return timer.credits();
    }
 
    Memory::VirtualActivity activity;
-   Review review{ *this };
+   Platform::Timer review{ [this] { handleReview(); }, Korv::Clock::Rank::review };
    ReviewTimer timer{ review, 1.0f, 4, 0.1f, 0.1f };
-   bool clogged = false;
    bool askAgain = false;
    Times reviews;
 };
@@ -61,55 +50,19 @@ TEST_F( ReviewTimerTest, reviewsFourTimesInARowAndThenWithEachCredit ) {
 }
 
 TEST_F( ReviewTimerTest, creditsComeBackOneASecondUpToTheFullStock ) {
-   for ( Seconds const time : { 0.0, 0.2, 0.4 } ) {
-      reviewAskedAt( time );
-      activity.advanceBy( 0.1 );
-   }
-   EXPECT_EQ( timer.credits(), 1u );
+   EXPECT_EQ( creditsAfterReview( 0 ), 3u );
+   EXPECT_EQ( creditsAfterReview( 0.2 ), 2u );
+   EXPECT_EQ( reviews.back(), 0.3 ); // though 0.2 + 0.1 is no 0.3
+   EXPECT_EQ( creditsAfterReview( 0.4 ), 1u );
    activity.advanceTo( 1.0999 );
    EXPECT_EQ( timer.credits(), 1u );
    activity.advanceTo( 1.1 ); // a second after it fell below full, not after the last one spent
    EXPECT_EQ( timer.credits(), 2u );
-   activity.advanceTo( 60 );
-   EXPECT_EQ( timer.credits(), 4u );
-
-   reviewAskedAt( 60 ); // and the count starts anew with the next one spent
+   EXPECT_EQ( creditsAfterReview( 60 ), 3u ); // and the count starts anew with the next one spent
    activity.advanceTo( 61 );
    EXPECT_EQ( timer.credits(), 3u );
    activity.advanceTo( 61.1 );
    EXPECT_EQ( timer.credits(), 4u );
-}
-
-TEST_F( ReviewTimerTest, reviewThatCannotBeFinishedComesAgainAndSpendsNothing ) {
-   clogged = true;
-   timer.doUpdateNextReview();
-   activity.advanceTo( 0.95 );
-   EXPECT_EQ( reviews.size(), 9u );
-   EXPECT_EQ( reviews.back(), 0.9 );
-   EXPECT_EQ( timer.credits(), 4u );
-   EXPECT_EQ( timer.lastReview(), Korv::never );
-}
-
-TEST_F( ReviewTimerTest, setsItsFourNumbers ) {
-   timer.minDelayIs( 0.5f );
-   timer.maxDelayIs( 0.6f );
-   timer.maxCreditsIs( 1 );
-   timer.fillIntervalIs( 10 );
-   EXPECT_EQ( timer.maxDelay(), 0.6f );
-   askAgain = true;
-   timer.doUpdateNextReview();
-   activity.advanceTo( 25 );
-   EXPECT_EQ( reviews, ( Times{ 0.5, 10.5, 20.5 } ) );
-
-   timer.maxCreditsIs( 3 ); // the stock grows by what comes back, not at once
-   EXPECT_EQ( timer.credits(), 0u );
-}
-
-// The sum of 0.2 and 0.1 is no 0.3, unless one takes care.
-TEST_F( ReviewTimerTest, comesAtTheTimeThatOneWouldWrite ) {
-   reviewAskedAt( 0.2 );
-   activity.advanceTo( 0.3 );
-   EXPECT_EQ( reviews, Times{ 0.3 } );
 }
 
 } // namespace

@@ -13,18 +13,21 @@ template < class Base >
 class ActionTimer : public Base {
  public:
    template < class... Where >
-   explicit ActionTimer( std::function< void() > action, Where &&... where )
-      : Base( std::forward< Where >( where )... ), action_( std::move( action ) ) {}
-   void onTime() override { action_(); }
+   explicit ActionTimer( std::function< void() > does, Where &&... where )
+      : Base( std::forward< Where >( where )... ), action( std::move( does ) ) {}
+   void onTime() override {
+      if ( auto const own = action ) { // the timer may go in it
+         own();
+      }
+   }
 
- private:
-   std::function< void() > action_;
+   std::function< void() > action;
 };
 
 struct Timer : ActionTimer< Korv::Clock::Reactor > {
-   explicit Timer( std::function< void() > action,
+   explicit Timer( std::function< void() > does,
                    Korv::Clock::Rank rank = Korv::Clock::Rank::outside )
-      : ActionTimer( std::move( action ), Korv::activityManager().clock(), rank ) {}
+      : ActionTimer( std::move( does ), Korv::activityManager().clock(), rank ) {}
 };
 using WheelTimer = ActionTimer< Dovr::TimerWheel::Reactor >;
 

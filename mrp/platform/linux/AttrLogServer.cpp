@@ -146,7 +146,9 @@ AttrLogServer::AttrLogServer( RealActivity & activity, StreamAddress const & add
                               Options const & options )
    : activity_( activity ), address_( address ), mount_( std::move( mount ) ), options_( options ),
      listening_( listeningSocket( address ) ) {
-   if ( !address_.isUnix ) {
+   if ( address_.isUnix ) {
+      file_ = socketFile( address_.path );
+   } else {
       address_.port = listeningPort( listening_ );
    }
    listenWatch_ =
@@ -156,7 +158,8 @@ AttrLogServer::AttrLogServer( RealActivity & activity, StreamAddress const & add
 
 AttrLogServer::~AttrLogServer() {
    socketOut_->sockFdIs( -1 );
-   if ( address_.isUnix ) {
+   // Somebody may have removed it, and another server have its own there.
+   if ( address_.isUnix && socketFile( address_.path ) == file_ ) {
       ::unlink( address_.path.c_str() );
    }
 }

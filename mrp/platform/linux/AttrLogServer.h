@@ -88,6 +88,7 @@ class AttrLogServer {
    Options options_;
    Korv::Ptr< SocketOut > socketOut_{ new SocketOut };
    Descriptor listening_;
+   SocketFile file_; // at the path, of a Unix-domain address
    std::unique_ptr< DescriptorWatch > listenWatch_;
    // After the process was out of descriptors; while something waits for somebody; while adapters
    // are left of observers that have gone.

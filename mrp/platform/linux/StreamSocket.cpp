@@ -164,6 +164,14 @@ Korv::U16 listeningPort( Descriptor const & listening ) {
    return ntohs( in.sin_port );
 }
 
+SocketFile socketFile( std::string const & path ) {
+   struct stat status {};
+   if ( ::lstat( path.c_str(), &status ) != 0 ) {
+      return {};
+   }
+   return { status.st_dev, status.st_ino };
+}
+
 Korv::S32 unsentBytes( Descriptor const & socket ) {
    int unsent = 0;
    return ::ioctl( socket.number(), TIOCOUTQ, &unsent ) == 0 ? unsent : -1;

@@ -32,6 +32,14 @@ Descriptor connectingSocket( StreamAddress const & address );
 Descriptor acceptedSocket( Descriptor const & listening );
 // The port that was found for a TCP address of port 0.
 Korv::U16 listeningPort( Descriptor const & listening );
+// Which file stands at a path; all 0 if there is none. As long as a listening socket is open no
+// other can be taken for its own.
+struct SocketFile {
+   Korv::U64 device = 0;
+   Korv::U64 inode = 0;
+   bool operator==( SocketFile const & ) const = default;
+};
+SocketFile socketFile( std::string const & path );
 // What has been sent and not been taken at the other end, and what there is room for, as the kernel
 // counts them: on TCP the bytes, on a Unix-domain socket the memory that they take up. Negative
 // where that cannot be told.
