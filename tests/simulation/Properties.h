@@ -23,14 +23,13 @@
 namespace Simulation {
 
 // Throws a Violation with the words unless it holds.
-void require( bool holds, Agent const & agent, std::string const & words );
 template < class... Words >
-void require( bool holds, Agent const & agent, Name const & name, Words const &... words ) {
+void require( bool holds, Agent const & agent, Words const &... words ) {
    if ( !holds ) {
       std::ostringstream out;
-      out << name << ": ";
+      out << "at " << Korv::now() << " agent " << agent.number() << ' ';
       ( out << ... << words );
-      require( false, agent, out.str() );
+      throw Violation( out.str() );
    }
 }
 

@@ -14,11 +14,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <iostream>
-#include <string_view>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace Simulation {
 
@@ -39,82 +35,76 @@ std::string repeatCommand;
 void runSeed( Mrp::MrpApplication application, U64 seed, std::ostream * words ) {
    repeatCommand = "   tests-simulation --gtest_filter='*settles*/" +
                    Mrp::stringValue( application ) + "' --first-seed=" + std::to_string( seed ) +
-                   " --seeds=1 --trace";
-   Trace trace( words );
-   Scene( application, seed, trace ).run();
+                   " --seeds=1 --trace\n";
+   Scene( application, seed, words ).run();
    if ( U32 const left = Pelk::globalPktManager().pkts() ) {
       throw Violation( std::to_string( left ) + " packets are left" );
    }
 }
 
-// True if no seed failed.
-bool runSeeds( Mrp::MrpApplication application ) {
+// How many of so many seeds do not pass.
+template < class Test >
+U64 failures( U64 count, Test test ) {
+   Korv::assertionHandlerIs( []( char const * text ) {
+      std::cout << "asserted: " << text << '\n' << repeatCommand << std::flush;
+   } );
    U64 failed = 0;
-   for ( U64 seed = firstSeed; seed < firstSeed + seeds; ++seed ) {
+   for ( U64 seed = firstSeed; seed < firstSeed + count; ++seed ) {
       try {
-         runSeed( application, seed, inWords ? &std::cout : nullptr );
+         test( seed );
       } catch ( Violation const & violation ) {
-         std::cout << "seed " << seed << ": " << violation.what() << '\n' << repeatCommand << '\n';
+         std::cout << "seed " << seed << ": " << violation.what() << '\n' << repeatCommand;
          ++failed;
       }
    }
-   std::cout << Mrp::stringValue( application ) << ", " << seeds << " seeds from " << firstSeed
-             << ": " << failed << " failed\n";
-   return failed == 0;
+   std::cout << count << " seeds from " << firstSeed << ": " << failed << " failed" << std::endl;
+   return failed;
+}
+
+using Simulation = testing::TestWithParam< Mrp::MrpApplication >;
+
+void settle( Mrp::MrpApplication application ) {
+   auto const run = [&]( U64 seed ) {
+      runSeed( application, seed, inWords ? &std::cout : nullptr );
+   };
+   std::exit( failures( seeds, run ) != 0 );
 }
 
 // The whole traces of a few seeds, each run twice.
-bool runTwice( Mrp::MrpApplication application ) {
-   for ( U64 seed = firstSeed; seed < firstSeed + std::min< U64 >( seeds, 20 ); ++seed ) {
+void runTwice( Mrp::MrpApplication application ) {
+   auto const run = [&]( U64 seed ) {
       std::ostringstream first;
       std::ostringstream second;
       runSeed( application, seed, &first );
       runSeed( application, seed, &second );
       if ( first.str() != second.str() ) {
-         std::cout << "seed " << seed << " has two traces\n" << repeatCommand << '\n';
-         return false;
+         throw Violation( "two traces" );
       }
-   }
-   return true;
+   };
+   std::exit( failures( std::min< U64 >( seeds, 20 ), run ) != 0 );
 }
-
-bool inProcessOfItsOwn( bool ( *simulation )( Mrp::MrpApplication ),
-                        Mrp::MrpApplication application ) {
-   std::cout.flush();
-   pid_t const child = fork();
-   if ( child == 0 ) {
-      Korv::assertionHandlerIs( []( char const * text ) {
-         std::cout << "asserted: " << text << '\n' << repeatCommand << std::endl;
-      } );
-      std::exit( simulation( application ) ? 0 : 1 );
-   }
-   int status = 0;
-   return child > 0 && waitpid( child, &status, 0 ) == child && status == 0;
-}
-
-using Simulation = testing::TestWithParam< Mrp::MrpApplication >;
 
 TEST_P( Simulation, settlesWhateverHappenedBefore ) {
-   EXPECT_TRUE( inProcessOfItsOwn( runSeeds, GetParam() ) );
+   EXPECT_EXIT( settle( GetParam() ), testing::ExitedWithCode( 0 ), "" );
 }
 
-TEST_P( Simulation, hasOneTraceASeed ) { EXPECT_TRUE( inProcessOfItsOwn( runTwice, GetParam() ) ); }
+TEST_P( Simulation, hasOneTraceASeed ) {
+   EXPECT_EXIT( runTwice( GetParam() ), testing::ExitedWithCode( 0 ), "" );
+}
 
 INSTANTIATE_TEST_SUITE_P(, Simulation, testing::Values( Mrp::MVRP, Mrp::MSRP ),
                          []( auto const & of ) { return Mrp::stringValue( of.param ); } );
 
 } // namespace
 
-bool readArgument( std::string_view argument ) {
-   for ( auto const & [name, value] : { std::pair{ std::string_view( "--seeds=" ), &seeds },
-                                        { "--first-seed=", &firstSeed } } ) {
-      if ( argument.starts_with( name ) ) {
-         *value = std::stoull( std::string( argument.substr( name.size() ) ) );
-         return true;
-      }
-   }
+bool readArgument( std::string const & argument ) {
+   auto const read = [&]( std::string const & option, U64 & value ) {
+      bool const isThis = argument.starts_with( option );
+      value = isThis ? std::stoull( argument.substr( option.size() ) ) : value;
+      return isThis;
+   };
    inWords = inWords || argument == "--trace";
-   return argument == "--trace";
+   return argument == "--trace" || read( "--seeds=", seeds ) || read( "--first-seed=", firstSeed );
 }
 
 } // namespace Simulation

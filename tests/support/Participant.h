@@ -72,6 +72,10 @@ class Participant {
    // interface does not take.
    bool receive( std::string const & interface, Bytes const & frame );
 
+   // Nothing of a frame waits between parser and machines, and no interface is queued: outside of
+   // all notifications it has to be so.
+   bool isIdle() const;
+
    void advanceTo( double time ) { activity_->advanceTo( time ); }
    void advanceBy( double duration ) { activity_->advanceBy( duration ); }
 
