@@ -127,8 +127,7 @@ class Agent {
    std::set< Name > keyZero_;
    U64 changesTold_ = 0;
    std::string frameFault_;
-   double latestFrame_ = 0;
-   U32 framesAtOnce_ = 0;
+   U32 frames_ = 0; // sent, in all
    std::unique_ptr< Participant > participant_;
 };
 
@@ -138,8 +137,6 @@ struct End {
    U32 port;
    bool operator==( End const & ) const = default;
 
-   Agent * operator->() const { return agent; }
-   bool enabled() const { return agent->enabled( port ); }
    bool isUp() const { return agent->isUp( port ); }
    bool hasDevice() const { return agent->hasDevice( port ); }
    Pelk::IntfId intfId() const { return Agent::intfId( port ); }

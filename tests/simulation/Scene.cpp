@@ -10,7 +10,7 @@ constexpr Korv::Seconds settledLeaveAllTime = 6;
 constexpr Korv::Seconds settledLeaveTime = 1.2;
 constexpr Korv::Seconds slack = 0.5; // for ticks and wires
 
-bool isHeard( End const & end ) { return end.isUp() && !end->config().mrpFlooding(); }
+bool isHeard( End const & end ) { return end.isUp() && !end.agent->config().mrpFlooding(); }
 
 } // namespace
 
@@ -47,7 +47,8 @@ void Scene::build() {
    for ( U32 i = 0; i < count; ++i ) {
       End const last{ agents_[i].get(), agents_[i]->ports() - 1 };
       for ( U32 j = i + 1; j < ( shape >= chain ? std::min( i + 2, count ) : count ); ++j ) {
-         links_.emplace_back( random_, faults_, last, End{ agents_[j].get(), 0 } );
+         links_.push_back(
+            std::make_unique< Link >( random_, faults_, last, End{ agents_[j].get(), 0 } ) );
       }
    }
    for ( Attribute & attribute : attributes_ ) {
@@ -109,68 +110,36 @@ Agent::Setting Scene::buildSetting( U32 number ) {
    return setting;
 }
 
-std::vector< Scene::Operation > const & Scene::operations() {
-   static std::vector< Operation > const all{
-      { 44, false,
-        []( Scene & s, End const & end ) {
-           // Declared and withdrawn, for the most part; the rest does not declare anything.
-           unsigned const event = s.random_.oneOf( { 0u, 1u, 1u, 1u, 1u, 3u, 3u, 5u, 5u, 5u, 6u, 7u,
-                                                     s.random_.oneOf( { 2u, 4u, 8u, 255u } ) } );
-           s.say( end, s.anyAttribute(), event,
-                  s.random_.oneOf( { 0u, 1u, 1u, 1u, 1u, 1u, 1u, 1u, 2u } ) );
-        } },
-      { 3, false,
-        []( Scene & s, End const & end ) {
-           unsigned const event = s.random_.oneOf( { 1u, 1u, 5u } );
-           std::size_t const step = 1 + s.random_.below( 2 );
-           std::size_t const from = s.random_.below( s.attributes_.size() );
-           for ( std::size_t i = from; i < s.attributes_.size(); i += step ) {
-              s.say( end, s.attributes_[i], event );
-           }
-        } },
-      { 4, true, []( Scene &, End const & end ) { end->enabledIs( end.port, !end.enabled() ); } },
-      { 2, false, []( Scene &, End const & end ) { end->cleanUp( end.port ); } },
-      { 2, false,
-        []( Scene & s, End const & end ) {
-           end->cleanUpAttribute( { end.port, s.anyAttribute().kind } );
-        } },
-      { 3, false, []( Scene &, End const & end ) { end->transmitAllLeaveAll( end.port ); } },
-      { 5, true, []( Scene & s, End const & end ) { s.configure( end ); } },
-      { 2, true,
-        []( Scene & s, End const & end ) {
-           // A wire knows a sender by its device: what it has sent lands before it comes back.
-           s.plug( end, false );
-           s.activity_.advanceBy( 2 );
-           s.plug( end, s.random_.chance( 0.9 ) );
-        } },
-      { 3, true,
-        []( Scene & s, End const & ) {
-           s.links_[s.random_.below( s.links_.size() )].cutIs( s.random_.chance( 0.5 ) );
-        } },
-      { 2, true, []( Scene &, End const & end ) { end->refusesIs( !end->refuses() ); } },
-      { 4, true,
-        []( Scene & s, End const & end ) {
-           end->roleIs( end.port, s.random_.oneOf( { Role::unknown, Role::root, Role::designated,
-                                                     Role::alternate, Role::alternate } ) );
-        } },
-      { 2, true, []( Scene &, End const & end ) { end->endStandby(); } },
-   };
-   return all;
-}
-
 void Scene::operate() {
-   U32 weights = 0;
-   for ( Operation const & operation : operations() ) {
-      weights += operation.weight;
-   }
    End const & end = random_.oneOf( ends_ );
-   U32 pick = random_.below( weights );
-   auto operation = operations().begin();
-   for ( ; pick >= operation->weight; ++operation ) {
-      pick -= operation->weight;
+   auto const & [agent, port] = end;
+   bool const isAwake = !agent->standby();
+   if ( random_.chance( 0.6 ) ) {
+      if ( isAwake ) {
+         sayAnything( end );
+      }
+      return;
    }
-   if ( operation->inStandby || !end->standby() ) {
-      operation->run( *this, end );
+   switch ( random_.below( isAwake ? 11 : 7 ) ) {
+   case 0: agent->enabledIs( port, !agent->enabled( port ) ); break;
+   case 1: configure( end ); break;
+   case 2:
+      // A wire knows a sender by its device: what it has sent lands before it comes back.
+      plug( end, false );
+      activity_.advanceBy( 2 );
+      plug( end, random_.chance( 0.9 ) );
+      break;
+   case 3: random_.oneOf( links_ )->cutIs( random_.chance( 0.5 ) ); break;
+   case 4: agent->refusesIs( !agent->refuses() ); break;
+   case 5:
+      agent->roleIs( port, random_.oneOf( { Role::unknown, Role::root, Role::designated,
+                                            Role::alternate, Role::alternate } ) );
+      break;
+   case 6: agent->endStandby(); break;
+   case 7: sayMuch( end ); break;
+   case 8: agent->cleanUp( port ); break;
+   case 9: agent->cleanUpAttribute( { port, anyAttribute().kind } ); break;
+   default: agent->transmitAllLeaveAll( port ); break;
    }
 }
 
@@ -191,8 +160,23 @@ void Scene::say( End const & end, Attribute const & attribute, unsigned event, U
    }
 }
 
+// Declares and withdraws, for the most part; the rest does not declare anything.
+void Scene::sayAnything( End const & end ) {
+   unsigned const event = random_.oneOf(
+      { 0u, 1u, 1u, 1u, 1u, 3u, 3u, 5u, 5u, 5u, 6u, 7u, random_.oneOf( { 2u, 4u, 8u, 255u } ) } );
+   say( end, anyAttribute(), event, random_.oneOf( { 0u, 1u, 1u, 1u, 1u, 1u, 1u, 1u, 2u } ) );
+}
+
+void Scene::sayMuch( End const & end ) {
+   unsigned const event = random_.oneOf( { 1u, 1u, 5u } );
+   U32 const step = 1 + random_.below( 2 );
+   for ( auto i = random_.below( attributes_.size() ); i < attributes_.size(); i += step ) {
+      say( end, attributes_[i], event );
+   }
+}
+
 void Scene::configure( End const & end ) {
-   Mrp::MrpConfig & config = end->config();
+   Mrp::MrpConfig & config = end.agent->config();
    double const leave = random_.oneOf( { 0.05, 0.3, 0.6, 2.0, 5.0 } );
    double const leaveAll = random_.oneOf( { 0.2, 1.0, 3.0, 10.0, 60.0 } );
    switch ( random_.below( 8 ) ) {
@@ -212,12 +196,12 @@ void Scene::plug( End const & end, bool in ) {
       return;
    }
    Korv::Ptr< Memory::Device > const leaving = end.host().device( end.intfId() );
-   end->deviceIs( end.port, in );
-   for ( Link & link : links_ ) {
-      if ( link.beyond( end ) && in ) {
-         link.plug( end );
-      } else if ( link.beyond( end ) ) {
-         link.unplug( *leaving );
+   end.agent->deviceIs( end.port, in );
+   for ( auto const & link : links_ ) {
+      if ( link->beyond( end ) && in ) {
+         link->plug( end );
+      } else if ( link->beyond( end ) ) {
+         link->unplug( *leaving );
       }
    }
 }
@@ -244,8 +228,8 @@ void Scene::disturb() {
 
 void Scene::settle() {
    leaveAllTime_ = settledLeaveAllTime;
-   for ( Link & link : links_ ) {
-      link.cutIs( false );
+   for ( auto const & link : links_ ) {
+      link->cutIs( false );
    }
    for ( auto const & agent : agents_ ) {
       if ( random_.chance( 0.8 ) ) {
@@ -261,11 +245,11 @@ void Scene::settle() {
    }
    for ( End const & end : ends_ ) {
       if ( random_.chance( 0.2 ) ) {
-         end->config().intfLeaveTimeIs( end.intfId(), 0.8 );
-         end->config().intfLeaveAllTimeIs( end.intfId(), leaveAllTime_ );
+         end.agent->config().intfLeaveTimeIs( end.intfId(), 0.8 );
+         end.agent->config().intfLeaveAllTimeIs( end.intfId(), leaveAllTime_ );
       }
-      if ( !end->enabled( end.port ) && random_.chance( 0.8 ) ) {
-         end->enabledIs( end.port, true );
+      if ( !end.agent->enabled( end.port ) && random_.chance( 0.8 ) ) {
+         end.agent->enabledIs( end.port, true );
       }
       if ( random_.chance( 0.8 ) ) {
          plug( end, true );
@@ -292,14 +276,14 @@ void Scene::checkAll() {
 }
 
 void Scene::gather( End const & end, End const & from, Book & heard ) const {
-   for ( Link const & link : links_ ) {
-      End const * const other = link.beyond( from );
+   for ( auto const & link : links_ ) {
+      End const * const other = link->beyond( from );
       if ( !other ) {
          continue;
       }
       Agent const & neighbour = *other->agent;
       for ( auto const & [name, value] : neighbour.declared() ) {
-         if ( isHeard( *other ) && name.port == other->port && !end->refuses( name.kind ) ) {
+         if ( isHeard( *other ) && name.port == other->port && !end.agent->refuses( name.kind ) ) {
             heard[{ end.port, name.kind }] = valuesSettle_ ? value : Bytes();
          }
       }
@@ -352,8 +336,8 @@ void Scene::verify() {
    std::vector< Place > places;
    std::vector< U64 > changes;
    for ( End const & end : ends_ ) {
-      changes.push_back( end->changesTold() );
-      for ( U8 type = 1; end.hasDevice() && type <= end->sm().maxAttrTypes(); ++type ) {
+      changes.push_back( end.agent->changesTold() );
+      for ( U8 type = 1; end.hasDevice() && type <= end.agent->sm().maxAttrTypes(); ++type ) {
          places.push_back( { end, type } );
       }
    }

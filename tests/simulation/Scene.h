@@ -14,8 +14,6 @@
 #include "tests/simulation/Link.h"
 #include "tests/simulation/Properties.h"
 
-#include <deque>
-
 namespace Simulation {
 
 class Scene {
@@ -34,12 +32,6 @@ class Scene {
       bool changes;
       End home = {};
    };
-   struct Operation {
-      U32 weight;
-      bool inStandby;
-      void ( *run )( Scene & scene, End const & end );
-   };
-   static std::vector< Operation > const & operations();
 
    void build();
    void buildAttributes();
@@ -50,6 +42,8 @@ class Scene {
    void verify();
 
    Attribute const & anyAttribute();
+   void sayAnything( End const & end );
+   void sayMuch( End const & end );
    void say( End const & end, Attribute const & attribute, unsigned event, U32 times = 1 );
    void configure( End const & end );
    void plug( End const & end, bool in );
@@ -68,7 +62,7 @@ class Scene {
    std::vector< std::unique_ptr< Agent > > agents_;
    std::vector< End > ends_; // of all agents
    Link::Faults faults_;
-   std::deque< Link > links_;
+   std::vector< std::unique_ptr< Link > > links_;
    std::vector< Attribute > attributes_;
    bool large_;
    bool valuesSettle_ = true; // two ends a segment, and a frame for all that they declare

@@ -61,7 +61,7 @@ Participant::Participant( Mrp::MrpApplication application,
       host_->interfaceIs( Pelk::IntfId( name ), addr, options.mtu );
    }
    host_->onTransmit( [this]( Pelk::IntfId const & intfId, Memory::FrameBytes frame ) {
-      if ( recording_ ) {
+      if ( lib_->recording ) {
          sent_.push_back(
             { Korv::now(), intfId.stringValue(), Bytes( frame.begin(), frame.end() ) } );
       }
@@ -117,11 +117,6 @@ void Participant::clear() {
    if ( sm_->mrpCounters() ) {
       counted_ = counts();
    }
-}
-
-void Participant::recordingIs( bool on ) {
-   recording_ = on;
-   lib_->recording = on;
 }
 
 void Participant::sendAttribute( std::string const & interface, U8 type, unsigned event,

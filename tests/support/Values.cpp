@@ -16,12 +16,8 @@ std::string hex( Bytes const & bytes ) {
 }
 
 Bytes fromHex( std::string_view text ) {
-   std::string digits;
-   for ( char const c : text ) {
-      if ( c != ' ' && c != '\n' ) {
-         digits += c;
-      }
-   }
+   std::string digits( text );
+   std::erase_if( digits, []( char c ) { return c == ' ' || c == '\n'; } );
    if ( digits.size() % 2 != 0 ) {
       throw std::invalid_argument( "half a byte in: " + std::string( text ) );
    }
