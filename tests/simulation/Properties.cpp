@@ -149,36 +149,24 @@ void checkAlways( Agent const & agent, Korv::Seconds longestPeriod ) {
             agent, "has read a malformed MSRP frame" );
 }
 
-bool isAtRest( Agent const & agent, U32 port, U8 type ) {
+void checkAtRest( Agent const & agent, Book const & expected ) {
    Mrp::MrpSm const & sm = agent.sm();
-   auto const waitsIn = [&]( auto const & collection ) {
-      for ( auto member = collection.walk(); member; ++member ) {
-         if ( member.key().intfId() == Agent::intfId( port ) &&
-              member.key().attributeType() == type ) {
-            return true;
-         }
-      }
-      return false;
-   };
-   return !waitsIn( sm.registrarSm()->leaveSm() ) &&
-          !waitsIn( sm.registrarSm()->explicitLeaveSm() ) && !waitsIn( sm.addPendingAttr() ) &&
-          !waitsIn( sm.deletePendingAttr() );
-}
-
-void checkAtRest( Agent const & agent, U32 port, U8 type, Book const & expected ) {
+   if ( agent.standby() ) {
+      return;
+   }
+   require( sm.registrarSm()->leaveSm().empty() && sm.registrarSm()->explicitLeaveSm().empty() &&
+               sm.addPendingAttr().empty() && sm.deletePendingAttr().empty(),
+            agent, "does not come to rest" );
+   require( sm.mrpLib()->mrpTxPacketContext().empty(), agent, "has a first packet context open" );
    for ( auto const & [name, entry] : records( agent ) ) {
-      if ( name.port != port || name.kind.type != type ) {
-         continue;
-      }
-      require( isDeclared( *entry ) || isRegistered( *entry ) || agent.refuses( name.kind ), agent,
-               name, says( *entry ), ", left behind" );
+      require( isDeclared( *entry ) || isRegistered( *entry ) || agent.refuses( name.kind ) ||
+                  !agent.hasDevice( name.port ),
+               agent, name, says( *entry ), ", left behind" );
       auto const found = expected.find( name );
       require( found == expected.end() || !isRegistered( *entry ) || found->second.empty() ||
                   found->second == valueOf( *entry ),
                agent, name, says( *entry ), ", not the value that a neighbour declares" );
    }
-   require( !agent.sm().mrpLib()->mrpTxPacketContext( Agent::intfId( port ) ), agent,
-            "has a first packet context open on ", Agent::intfId( port ) );
 }
 
 } // namespace Simulation

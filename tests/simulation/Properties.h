@@ -48,12 +48,9 @@ void require( bool holds, Agent const & agent, Words const &... words ) {
 //   - all LeaveAll of an interface that is up are due within that time, and no other's.
 void checkAlways( Agent const & agent, Korv::Seconds longestPeriod );
 
-// Nothing of the type waits there: no leave timer and nothing pending.
-bool isAtRest( Agent const & agent, U32 port, U8 type );
-
-// At rest, with LeaveAll running and faults and operations long past: each attribute is declared or
-// registered, or its join is refused; what is registered has its value in `expected`, if that gives
-// one; no first packet context is open.
-void checkAtRest( Agent const & agent, U32 port, U8 type, Book const & expected );
+// With faults, operations and the last LeaveAll long past: nothing waits any more; each attribute
+// is declared or registered, or its join is refused; what is registered has its value in
+// `expected`, if that gives one; no first packet context is open.
+void checkAtRest( Agent const & agent, Book const & expected );
 
 } // namespace Simulation

@@ -6,7 +6,7 @@
 //    settle     the links are whole, the configuration is sane, nobody does anything any more
 //    verify     within two LeaveAll periods, each stretched by up to a half, and a leave time, all
 //               that is declared is registered at the neighbours and nothing else is; from then on
-//               no registration comes or goes, and what comes to rest passes checkAtRest
+//               no registration comes or goes, and without LeaveAll all comes to rest: checkAtRest
 //
 // Everything follows from the seed: scene, operations, faults and the C library's rand().
 #pragma once

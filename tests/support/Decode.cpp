@@ -49,16 +49,16 @@ class Reader {
    explicit Reader( Bytes const & frame ) : frame_( frame ) {}
 
    Decoded read() {
-      decoded_.to = take( 6 );
+      take( 6 );
       decoded_.from = take( 6 );
-      decoded_.type = static_cast< U16 >( take( 2 ) );
-      if ( decoded_.type == etherType( Protocol::msrp ) ) {
+      U64 const type = take( 2 );
+      if ( type == etherType( Protocol::msrp ) ) {
          decoded_.protocol = Protocol::msrp;
-      } else if ( decoded_.type != etherType( Protocol::mvrp ) ) {
-         fault( "type ", hex( { frame_.begin() + 12, frame_.begin() + 14 } ) );
+      } else if ( type != etherType( Protocol::mvrp ) ) {
+         fault( "type ", std::hex, type );
          return decoded_;
       }
-      decoded_.version = static_cast< U8 >( take( 1 ) );
+      take( 1 );
       do {
          readMessage();
       } while ( ok() && left() > 0 && peek() != 0 );
@@ -111,7 +111,7 @@ class Reader {
       U64 const listLength = isMsrp ? take( 2 ) : 0;
       std::size_t const start = at_;
       do {
-         message.vectors.push_back( readVector( message.type, kind ) );
+         message.vectors.push_back( readVector( kind ) );
       } while ( ok() && peek() != 0 );
       take( 2 );
       if ( ok() && isMsrp && at_ - start != listLength ) {
@@ -120,16 +120,17 @@ class Reader {
       decoded_.messages.push_back( std::move( message ) );
    }
 
-   DecodedVector readVector( U8 type, Kind const & kind ) {
+   DecodedVector readVector( Kind const & kind ) {
       DecodedVector vector;
-      vector.header = static_cast< U16 >( take( 2 ) );
-      vector.firstValue = takeBytes( kind.size );
-      U64 const n = vector.header & 0x1fff;
-      if ( ( vector.header & 0xc000 ) != 0 ) {
+      U64 const header = take( 2 );
+      Bytes const first = takeBytes( kind.size );
+      U64 const n = header & 0x1fff;
+      vector.leaveAll = ( header & 0x2000 ) != 0;
+      if ( ( header & 0xc000 ) != 0 ) {
          fault( "bits 15 and 14 of a VectorHeader" );
       }
-      if ( n == 0 && ( !vector.leaveAll() ||
-                       std::ranges::any_of( vector.firstValue, []( U8 b ) { return b != 0; } ) ) ) {
+      if ( n == 0 &&
+           ( !vector.leaveAll || std::ranges::any_of( first, []( U8 b ) { return b != 0; } ) ) ) {
          fault( "a vector of no values that is no LeaveAll with a FirstValue of zeros" );
       }
       Bytes const three = takeBytes( ( n + 2 ) / 3 );
@@ -140,8 +141,7 @@ class Reader {
             fault( "ThreePackedEvents byte ", unsigned{ three[i / 3] } );
          }
          Declared value;
-         value.type = type;
-         value.value = stepped( kind, vector.firstValue, i );
+         value.value = stepped( kind, first, i );
          value.key = number( value.value, 0, kind.stepping[0] );
          value.event = static_cast< Event >( three[i / 3] / places[i % 3] % 6 );
          if ( kind.declares ) {
@@ -178,8 +178,8 @@ std::string Decoded::text() const {
       out << apart << kind.name;
       char const * before = "{";
       for ( DecodedVector const & vector : message.vectors ) {
-         out << before << ( vector.leaveAll() ? "LeaveAll" : "" );
-         before = vector.leaveAll() ? " " : "";
+         out << before << ( vector.leaveAll ? "LeaveAll" : "" );
+         before = vector.leaveAll ? " " : "";
          for ( Declared const & value : vector.values ) {
             out << before << ( kind.hasStream() ? std::hex : std::dec )
                 << ( kind.hasStream() ? "0x" : "" ) << value.key << ' ' << name( value.event );
