@@ -4,6 +4,7 @@
 #include "mrp/platform/linux/LinkTable.h"
 
 #include "tests/fuzz/script/Check.h"
+#include "tests/fuzz/script/Input.h"
 
 #include <cstring>
 #include <linux/if_link.h>
@@ -13,30 +14,13 @@
 #include <net/if.h>
 #include <net/if_arp.h>
 #include <set>
-#include <vector>
 
 namespace {
 
+using namespace Fuzz;
 using Korv::U32;
-using Korv::U8;
-using Bytes = std::vector< U8 >;
 
 constexpr U32 ownPort = 77;
-
-class Input {
- public:
-   explicit Input( std::span< U8 const > bytes ) : bytes_( bytes ) {}
-   bool empty() const { return bytes_.empty(); }
-   U8 byte() { return empty() ? U8{ 0 } : taken( 1 )[0]; }
-   std::span< U8 const > taken( std::size_t count ) {
-      auto const front = bytes_.first( std::min( count, bytes_.size() ) );
-      bytes_ = bytes_.subspan( front.size() );
-      return front;
-   }
-
- private:
-   std::span< U8 const > bytes_;
-};
 
 template < class T >
 void append( Bytes & bytes, T const & what ) {
@@ -54,7 +38,7 @@ void appendAttribute( Bytes & bytes, Input & input ) {
                                         IFLA_MASTER,
                                         0 };
    unsigned short const type = types[input.byte() % std::size( types )];
-   auto const content = input.taken( input.byte() % 20u );
+   Bytes const content = input.bytes( input.byte() % 20u );
    append( bytes,
            rtattr{ static_cast< unsigned short >( sizeof( rtattr ) + content.size() ), type } );
    bytes.insert( bytes.end(), content.begin(), content.end() );
@@ -103,15 +87,14 @@ extern "C" int LLVMFuzzerTestOneInput( std::uint8_t const * data, std::size_t si
    while ( !input.empty() ) {
       switch ( input.byte() % 8 ) {
       case 0: table.doDump(); break;
-      case 1: table.handleDatagram( input.taken( input.byte() ) ); break;
+      case 1: table.handleDatagram( input.bytes( input.byte() ) ); break;
       default: table.handleDatagram( message( input, asked ) ); break;
       }
       std::map< int, std::string > byIndex;
       for ( std::string const & name : names ) {
          if ( auto const * const link = table.link( name ) ) {
-            Fuzz::check( link->name == name, "a link stands under its name", name );
-            Fuzz::check( byIndex.emplace( link->index, name ).second, "an index is one link's",
-                         name );
+            check( link->name == name, "a link stands under its name", name );
+            check( byIndex.emplace( link->index, name ).second, "an index is one link's", name );
          }
       }
    }

@@ -6,11 +6,10 @@
 #include "mrp/observer/Mirror.h"
 #include "mrp/platform/attrlog/Output.h"
 
+#include "tests/fuzz/script/Check.h"
 #include "tests/support/TreeText.h"
 
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 
 namespace {
 
@@ -72,9 +71,7 @@ extern "C" int LLVMFuzzerTestOneInput( std::uint8_t const * data, std::size_t si
    Korv::NboAttrLog::Output output;
    auto const adapters = mounts.mount( output );
    feed( mirror, output.front(), 1u + data[1] );
-   if ( TestSupport::treeText( mirror.status() ) != TestSupport::treeText( *status ) ) {
-      std::fprintf( stderr, "the mirror differs after a whole stream\n" );
-      std::abort();
-   }
+   Fuzz::check( TestSupport::treeText( mirror.status() ) == TestSupport::treeText( *status ),
+                "the mirror is the original after a whole stream" );
    return 0;
 }

@@ -6,39 +6,24 @@
 
 namespace Simulation {
 
-namespace {
-
-std::vector< std::string > interfaces( U32 ports ) {
-   std::vector< std::string > names;
-   for ( U32 port = 0; port < ports; ++port ) {
-      names.push_back( Agent::interface( port ) );
-   }
-   return names;
-}
-
-U32 portOf( std::string const & interface ) {
-   return static_cast< U32 >( std::stoul( interface.substr( 8 ) ) ) - 1;
-}
-
-bool isForwarding( Role role ) { return role == Role::root || role == Role::designated; }
-
-} // namespace
-
 std::ostream & operator<<( std::ostream & out, Name const & name ) {
    return out << Agent::interface( name.port ) << " type " << unsigned( name.kind.type )
               << " key 0x" << std::hex << name.kind.key << std::dec;
 }
 
-Agent::Agent( Setting const & setting, Memory::VirtualActivity & activity, Trace & trace )
-   : setting_( setting ), trace_( trace ), ports_( setting.ports ) {
+Agent::Agent( Setting const & setting, Memory::VirtualActivity & activity, std::ostream * words )
+   : setting_( setting ), words_( words ), ports_( setting.ports ) {
    Participant::Options options;
    options.enabled = false;
    options.standby = setting.standby;
    options.randomLeaveAll = true;
    options.mtu = setting.mtu;
    options.activity = &activity;
-   participant_ =
-      std::make_unique< Participant >( setting.application, interfaces( setting.ports ), options );
+   std::vector< std::string > interfaces;
+   for ( U32 port = 0; port < ports(); ++port ) {
+      interfaces.push_back( interface( port ) );
+   }
+   participant_ = std::make_unique< Participant >( setting.application, interfaces, options );
    participant_->host().onTransmit(
       [this]( Pelk::IntfId const & intfId, Memory::FrameBytes frame ) {
          handleFrame( intfId.stringValue(), { frame.begin(), frame.end() } );
@@ -48,13 +33,18 @@ Agent::Agent( Setting const & setting, Memory::VirtualActivity & activity, Trace
    lib.react = [this]( Indication const & i ) { handleIndication( i ); };
 }
 
+void Agent::note( std::string const & text ) const {
+   if ( words_ ) {
+      *words_ << Korv::now() << " agent " << number() << ' ' << text << '\n';
+   }
+}
+
 void Agent::handleFrame( std::string const & interface, Bytes const & frame ) {
-   trace_.frame( Korv::now(), number(), interface, frame );
+   if ( words_ ) {
+      note( interface + ": " + says( frame ) + " [" + hex( frame ) + ']' );
+   }
    // Agents that answer each other without end would stop the clock.
-   static constexpr U32 storm = 50'000;
-   framesAtOnce_ = latestFrame_ == Korv::now() ? framesAtOnce_ + 1 : 0;
-   latestFrame_ = Korv::now();
-   if ( framesAtOnce_ > storm ) {
+   if ( ++frames_ > 500'000 ) {
       throw Violation( "agent " + std::to_string( number() ) + " sends without end" );
    }
    if ( !setting_.readsFrames || !frameFault_.empty() ) {
@@ -71,9 +61,8 @@ void Agent::handleIndication( Indication const & indication ) {
    participant_->lib().indications.clear();
    note( indication.text( participant_->protocol() ) );
    Kind const kind{ indication.type, indication.key };
-   Name const name{ portOf( indication.interface ), kind };
-   bool const refused = indication.join && refuses( kind );
-   if ( indication.join && !refused ) {
+   Name const name{ portOf( Pelk::IntfId( indication.interface ) ), kind };
+   if ( indication.join && !refuses( kind ) ) {
       changesTold_ += !told_.contains( name );
       told_[name] = indication.value;
       if ( kind.key == 0 ) {
@@ -86,23 +75,16 @@ void Agent::handleIndication( Indication const & indication ) {
 }
 
 void Agent::propagate( Kind const & kind ) {
-   if ( !bridges() ) {
-      return;
-   }
-   for ( U32 port = 0; port < ports(); ++port ) {
-      Bytes const * value = nullptr;
-      for ( U32 other = 0; other < ports(); ++other ) {
-         auto const found = told_.find( { other, kind } );
-         if ( other != port && found != told_.end() ) {
-            value = &found->second;
-         }
-      }
+   for ( U32 port = 0; bridges() && port < 2; ++port ) {
       Name const name{ port, kind };
-      auto const held = declared_.find( name );
-      if ( value && !mayRefuse( kind ) && ( held == declared_.end() || held->second != *value ) ) {
-         send( name, Bytes( *value ), JoinIn );
-      } else if ( !value && held != declared_.end() ) {
-         send( name, Bytes( held->second ), Lv );
+      auto const there = told_.find( { 1 - port, kind } );
+      auto const here = declared_.find( name );
+      Bytes const value = there != told_.end() ? there->second : Bytes();
+      if ( there == told_.end() && here != declared_.end() ) {
+         send( name, Bytes( here->second ), Lv );
+      } else if ( there != told_.end() && !mayRefuse( kind ) &&
+                  ( here == declared_.end() || here->second != value ) ) {
+         send( name, value, JoinIn );
       }
    }
 }
@@ -120,31 +102,34 @@ void Agent::propagateAll() {
 }
 
 void Agent::send( Name const & name, Bytes const & value, unsigned event, U32 times ) {
+   std::string const on = interface( name.port );
    note( "sends " + std::to_string( event ) + " of type " + std::to_string( name.kind.type ) +
-         " key " + std::to_string( name.kind.key ) + " to " + interface( name.port ) );
+         " key " + std::to_string( name.kind.key ) + " to " + on );
    participant_->lib().txValueIs( name.kind.type, value );
-   participant_->sendAttribute( interface( name.port ), name.kind.type, event,
-                                { times, interface( name.port ) } );
+   participant_->sendAttribute( on, name.kind.type, event, { times, on } );
    if ( times == 0 ) {
       return;
    }
-   switch ( event ) {
-   case New:
-   case JoinIn:
-   case JoinMt: declared_[name] = value; break;
-   case Lv: declared_.erase( name ); break;
-   case Mrp::lvInternal:
+   if ( event == New || event == JoinIn || event == JoinMt ) {
+      declared_[name] = value;
+   } else if ( event == Lv || event == Mrp::lvInternal ) {
       declared_.erase( name );
+   }
+   if ( event == Mrp::lvInternal ) {
       told_.erase( name );
       propagate( name.kind );
-      break;
-   default: break;
    }
 }
 
 void Agent::sweep( Book & book, U32 port ) {
    ports_[port].swept = true;
    std::erase_if( book, [&]( auto const & entry ) { return entry.first.port == port; } );
+}
+
+void Agent::sweepAll( U32 port ) {
+   sweep( declared_, port );
+   sweep( told_, port );
+   propagateAll();
 }
 
 void Agent::enabledIs( U32 port, bool enabled ) {
@@ -154,18 +139,14 @@ void Agent::enabledIs( U32 port, bool enabled ) {
       participant_->lib().mrpInterfaceEnable( intfId( port ) );
    } else {
       participant_->lib().mrpInterfaceDisable( intfId( port ) );
-      sweep( declared_, port );
-      sweep( told_, port );
+      sweepAll( port );
    }
-   propagateAll();
 }
 
 void Agent::cleanUp( U32 port ) {
    note( "cleans up " + interface( port ) );
    participant_->lib().mrpCleanUpIntfDatabase( intfId( port ) );
-   sweep( declared_, port );
-   sweep( told_, port );
-   propagateAll();
+   sweepAll( port );
 }
 
 // Removes what has been committed; an attribute that waits to be is out of its reach.
@@ -190,10 +171,13 @@ void Agent::transmitAllLeaveAll( U32 port ) {
 // Frames that came in standby still wait. Each new arrival would read one of them, and the
 // participant would be that many frames behind for ever; so its agent reads them first.
 void Agent::endStandby() {
+   if ( !standby() ) {
+      return;
+   }
    note( "ends standby" );
    setting_.standby = false;
-   participant_->sm().standbyModeIs( false );
-   participant_->sm().handleStandbyMode();
+   sm().standbyModeIs( false );
+   sm().handleStandbyMode();
    for ( U32 port = 0; port < ports(); ++port ) {
       auto * const pam = participant_->host().pam( intfId( port ) );
       while ( pam && pam->hasDataOnSocket() ) {
@@ -210,33 +194,18 @@ void Agent::refusesIs( bool refuses ) {
 void Agent::roleIs( U32 port, Role role ) {
    auto * const tree =
       participant_->host().stpStatus()->stpiStatusIs( "Rstp" )->mstiStatusIs( "Cist" );
-   auto * const record = tree->mstiPortStatus( interface( port ) );
+   auto const * const record = tree->mstiPortStatus( interface( port ) );
    if ( record && record->role() == role ) {
       return;
    }
    note( interface( port ) + " has role " + Korv::stringValue( role ) );
    Role const seen = ports_[port].roleSeen;
-   bool const flushes =
-      enabled( port ) && !standby() && isForwarding( seen ) && role == Role::alternate;
-   // Those that were about to leave are told of; all others go silently.
-   U64 toTell = changesTold_;
-   for ( auto const & [name, value] : told_ ) {
-      toTell +=
-         flushes && name.port == port &&
-         participant_->attribute( interface( port ), name.kind.type, name.kind.key )->registrar ==
-            Mrp::mrpLv;
-   }
+   bool const flushes = enabled( port ) && !standby() && role == Role::alternate &&
+                        ( seen == Role::root || seen == Role::designated );
    if ( enabled( port ) ) {
       ports_[port].roleSeen = role;
    }
-   if ( record ) {
-      record->roleIs( role );
-   } else {
-      tree->mstiPortStatusIs( interface( port ), role );
-   }
-   if ( changesTold_ != toTell ) {
-      throw Violation( "agent " + std::to_string( number() ) + ": a role's leave indications" );
-   }
+   tree->mstiPortStatusIs( interface( port ), role );
    if ( flushes ) {
       sweep( told_, port );
       propagateAll();

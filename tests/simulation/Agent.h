@@ -3,7 +3,6 @@
 // the service interface, never by looking into the participant; Properties.h compares.
 #pragma once
 
-#include "tests/simulation/Trace.h"
 #include "tests/support/Participant.h"
 
 #include <map>
@@ -12,6 +11,8 @@
 #include <utility>
 
 namespace Simulation {
+
+using namespace TestSupport;
 
 // A property that does not hold.
 class Violation : public std::runtime_error {
@@ -46,7 +47,7 @@ class Agent {
       U32 ports = 1;
       std::optional< U32 > mtu;
       bool standby = false;
-      // Declares on each port what it is told of on another, and nothing of its own.
+      // Of two ports: declares on each what it is told of on the other, and nothing of its own.
       bool bridges = false;
       // The joins that it discards while it refuses. It never declares one of these: two neighbours
       // that both declare what they refuse answer each other's JoinMt for ever.
@@ -54,7 +55,8 @@ class Agent {
       bool refuses = false;
       bool readsFrames = true; // each that leaves, by the strict reader
    };
-   Agent( Setting const & setting, Memory::VirtualActivity & activity, Trace & trace );
+   // Says in words what happens, if given where.
+   Agent( Setting const & setting, Memory::VirtualActivity & activity, std::ostream * words );
 
    // mrpSendAttribute, with the interface queued so many times.
    void send( Name const & name, Bytes const & value, unsigned event, U32 times = 1 );
@@ -94,11 +96,12 @@ class Agent {
    // What was wrong with the first wrong frame that it sent since the last time it was asked.
    std::string takeFrameFault() { return std::exchange( frameFault_, {} ); }
 
-   Participant & participant() { return *participant_; }
-   Mrp::MrpSm const & sm() const { return participant_->sm(); }
-   Mrp::MrpConfig & config() { return participant_->config(); }
+   Participant & participant() const { return *participant_; }
+   Mrp::MrpSm & sm() const { return participant_->sm(); }
+   Mrp::MrpConfig & config() const { return participant_->config(); }
    static std::string interface( U32 port ) { return "Ethernet" + std::to_string( port + 1 ); }
    static Pelk::IntfId intfId( U32 port ) { return Pelk::IntfId( interface( port ) ); }
+   static U32 portOf( Pelk::IntfId const & intfId ) { return intfId == Agent::intfId( 0 ) ? 0 : 1; }
 
  private:
    struct Port {
@@ -111,21 +114,33 @@ class Agent {
    void handleFrame( std::string const & interface, Bytes const & frame );
    void handleIndication( Indication const & indication );
    void sweep( Book & book, U32 port );
+   void sweepAll( U32 port );
    void propagate( Kind const & kind );
    void propagateAll();
-   void note( std::string const & text ) { trace_.line( Korv::now(), number(), text ); }
+   void note( std::string const & text ) const;
 
    Setting setting_;
-   Trace & trace_;
+   std::ostream * words_;
    std::vector< Port > ports_;
    Book declared_;
    Book told_;
    std::set< Name > keyZero_;
    U64 changesTold_ = 0;
    std::string frameFault_;
-   double latestFrame_ = 0;
-   U32 framesAtOnce_ = 0;
+   U32 frames_ = 0; // sent, in all
    std::unique_ptr< Participant > participant_;
+};
+
+// A port of an agent.
+struct End {
+   Agent * agent;
+   U32 port;
+   bool operator==( End const & ) const = default;
+
+   bool isUp() const { return agent->isUp( port ); }
+   bool hasDevice() const { return agent->hasDevice( port ); }
+   Pelk::IntfId intfId() const { return Agent::intfId( port ); }
+   Memory::Host & host() const { return agent->participant().host(); }
 };
 
 } // namespace Simulation

@@ -7,140 +7,122 @@ namespace Simulation {
 
 namespace {
 
-using State = Mrp::MrpApplicantState;
+using Records = std::map< Name, Mrp::MrpAttrDatabase const * >;
 
-struct Record {
-   Mrp::MrpAttrDatabase const * entry = nullptr;
-   bool marked = false; // for deletion
+// States that last: the machine leaves the others before it comes to an end.
+bool isDeclared( Mrp::MrpAttrDatabase const & entry ) {
+   auto const state = entry.applicantState();
+   return state == Mrp::mrpQuietPassive || state == Mrp::mrpQuietActive;
+}
+bool isObserved( Mrp::MrpAttrDatabase const & entry ) {
+   auto const state = entry.applicantState();
+   return state == Mrp::mrpVeryAnxiousObserver || state == Mrp::mrpAnxiousObserver ||
+          state == Mrp::mrpQuietObserver;
+}
+bool isRegistered( Mrp::MrpAttrDatabase const & entry ) {
+   return entry.registrarState() != Mrp::mrpMt;
+}
 
-   State applicant() const { return entry->applicantState(); }
-   Mrp::MrpRegistrarState registrar() const { return entry->registrarState(); }
-   bool isRegistered() const { return registrar() != Mrp::mrpMt; }
-   Bytes value() const { return valueOf( *entry ); }
-};
-using Records = std::map< Name, Record >;
-
-std::ostream & operator<<( std::ostream & out, Record const & record ) {
-   return out << "in " << Mrp::stringValue( record.applicant() ) << ' '
-              << Mrp::stringValue( record.registrar() ) << " with " << hex( record.value() );
+std::string says( Mrp::MrpAttrDatabase const & entry ) {
+   return " in " + Mrp::stringValue( entry.applicantState() ) + ' ' +
+          Mrp::stringValue( entry.registrarState() ) + " with " + hex( valueOf( entry ) );
 }
 
 Mrp::MrpAttribute attribute( Name const & name ) {
    return Mrp::MrpAttribute( Agent::intfId( name.port ), name.kind.type, name.kind.key );
+}
+Name nameOf( Mrp::MrpAttribute const & attribute ) {
+   return { Agent::portOf( attribute.intfId() ),
+            { attribute.attributeType(), attribute.attributeVal() } };
 }
 
 Mrp::MrpApplicationDatabase & tree( Mrp::MrpSm const & sm ) {
    return *sm.mrpStatus()->application( sm.mrpLib()->application() );
 }
 
-// All that is in the tree or pending, the pending copy ahead of the committed one.
-Records records( Agent const & agent, U32 port ) {
+// All that is in the tree and not marked for deletion, or pending: the pending copy ahead of the
+// committed one.
+Records records( Agent const & agent ) {
    Mrp::MrpSm const & sm = agent.sm();
-   Pelk::IntfId const intfId = Agent::intfId( port );
    Records all;
-   auto const * const intf = tree( sm ).attrDatabase( intfId );
-   for ( U8 type = 1; intf && type <= sm.maxAttrTypes(); ++type ) {
-      auto const * const node = intf->intfTypeApplicant( type );
-      if ( !node ) {
-         continue;
-      }
-      for ( auto member = node->mrpAttribute().walk(); member; ++member ) {
-         Name const name{ port, { type, member.key() } };
-         all[name] = { member.value().ptr(), sm.isDeletePending( attribute( name ) ) };
+   for ( auto intf = tree( sm ).attrDatabase().walk(); intf; ++intf ) {
+      for ( auto type = intf.value()->intfTypeApplicant().walk(); type; ++type ) {
+         for ( auto entry = type.value()->mrpAttribute().walk(); entry; ++entry ) {
+            all[{ Agent::portOf( intf.key() ), { type.key(), entry.key() } }] = entry.value().ptr();
+         }
       }
    }
-   for ( auto member = sm.addPendingAttr().walk(); member; ++member ) {
-      if ( member.key().intfId() == intfId ) {
-         Name const name{ port, { member.key().attributeType(), member.key().attributeVal() } };
-         require( !all[name].marked, agent, name, "pending and marked for deletion" );
-         all[name].entry = member.value().ptr();
-      }
+   for ( auto marked = sm.deletePendingAttr().walk(); marked; ++marked ) {
+      Name const name = nameOf( marked.key() );
+      require( all.erase( name ) == 1 && !sm.addPendingAttr().isMember( marked.key() ), agent, name,
+               " is marked for deletion, and pending or not in the tree" );
+   }
+   for ( auto pending = sm.addPendingAttr().walk(); pending; ++pending ) {
+      all[nameOf( pending.key() )] = pending.value().ptr();
    }
    return all;
 }
 
-bool isDeclared( State state ) {
-   return state == Mrp::mrpQuietPassive || state == Mrp::mrpQuietActive;
-}
-bool isReachable( State state ) {
-   return isDeclared( state ) || state == Mrp::mrpVeryAnxiousObserver ||
-          state == Mrp::mrpAnxiousObserver || state == Mrp::mrpQuietObserver;
-}
-
-bool waitsOnTimer( Mrp::MrpRegistrarSm const & registrar, Name const & name ) {
-   auto const * const shared =
-      registrar.leaveSm().find( attribute( { name.port, { name.kind.type, 0 } } ) );
-   auto const * const own = registrar.explicitLeaveSm().find( attribute( name ) );
-   return ( shared && ( *shared )->leavePending( name.kind.key ) ) ||
-          ( own && ( *own )->leavePending( name.kind.key ) );
-}
-
-void checkRecord( Agent const & agent, Name const & name, Record const & record ) {
+void checkRecord( Agent const & agent, Name const & name, Mrp::MrpAttrDatabase const & entry ) {
+   auto const expect = [&]( bool holds, char const * otherwise ) {
+      if ( !holds ) {
+         require( false, agent, name, says( entry ), otherwise );
+      }
+   };
    auto const declared = agent.declared().find( name );
-   bool const isDeclaredThere = declared != agent.declared().end();
-   require( isReachable( record.applicant() ), agent, name, record );
-   require( isDeclared( record.applicant() ) == isDeclaredThere, agent, name, record,
-            ", against what was declared" );
-   require( !isDeclaredThere || record.value() == declared->second, agent, name, record,
-            ", not the value declared" );
-   require( record.isRegistered() == agent.told().contains( name ), agent, name, record,
-            ", against what was told" );
-   bool const waits = waitsOnTimer( *agent.sm().registrarSm(), name );
-   if ( record.registrar() == Mrp::mrpLv ) {
-      require( waits || agent.hasHadKeyZero( name.port, name.kind.type ), agent, name,
-               "waits in Lv on no timer" );
-   } else {
-      require( !waits || agent.isSwept( name.port ), agent, name, record, ", waits on a timer" );
-   }
+   bool const wasDeclared = declared != agent.declared().end();
+   expect( isDeclared( entry ) || isObserved( entry ), ", where nothing leads" );
+   expect( isDeclared( entry ) == wasDeclared, ", against what was declared" );
+   expect( !wasDeclared || valueOf( entry ) == declared->second, ", another value" );
+   expect( isRegistered( entry ) == agent.told().contains( name ), ", against what was told" );
+
+   auto const & machines = *agent.sm().registrarSm();
+   auto const * const shared =
+      machines.leaveSm().find( attribute( { name.port, { name.kind.type, 0 } } ) );
+   auto const * const own = machines.explicitLeaveSm().find( attribute( name ) );
+   bool const waits = ( shared && ( *shared )->leavePending( name.kind.key ) ) ||
+                      ( own && ( *own )->leavePending( name.kind.key ) );
+   bool const isLeaving = entry.registrarState() == Mrp::mrpLv;
+   expect( !isLeaving || waits || agent.hasHadKeyZero( name.port, name.kind.type ),
+           ", waits on no timer" );
+   expect( isLeaving || !waits || agent.isSwept( name.port ), ", waits on a timer" );
 }
 
-void checkIndex( Agent const & agent, U32 port, Records const & all ) {
-   Mrp::MrpSm const & sm = agent.sm();
-   for ( auto const & [name, record] : all ) {
-      auto const * const index =
-         sm.mrpAttrIter( Mrp::MrpAttrIter::Key( Agent::intfId( port ), name.kind.type ) );
-      require( record.marked || ( index && index->attributeKey( name.kind.key ) ), agent, name,
-               "not in the index" );
+void checkIndex( Agent const & agent, Records const & all ) {
+   std::set< Name > indexed;
+   for ( auto index = agent.sm().mrpAttrIter().walk(); index; ++index ) {
+      auto const & keys = index.value()->attributeKey();
+      require( !keys.empty(), agent, "has an empty index" );
+      for ( auto key = keys.walk(); key; ++key ) {
+         Name const name{ Agent::portOf( index.key().intfId() ),
+                          { index.key().attributeType(), key.key() } };
+         require( all.contains( name ) || agent.sm().isDeletePending( attribute( name ) ), agent,
+                  name, " is in the index and nowhere else" );
+         indexed.insert( name );
+      }
    }
-   for ( U8 type = 1; type <= sm.maxAttrTypes(); ++type ) {
-      auto const * const index =
-         sm.mrpAttrIter( Mrp::MrpAttrIter::Key( Agent::intfId( port ), type ) );
-      if ( !index ) {
-         continue;
-      }
-      require( !index->attributeKey().empty(), agent, { port, { type, 0 } }, "an empty index" );
-      for ( auto member = index->attributeKey().walk(); member; ++member ) {
-         Name const name{ port, { type, member.key() } };
-         require( all.contains( name ), agent, name, "in the index and nowhere else" );
-      }
+   for ( auto const & [name, entry] : all ) {
+      require( indexed.contains( name ), agent, name, " is not in the index" );
    }
 }
 
 void checkLeaveAll( Agent const & agent, U32 port, Korv::Seconds longestPeriod ) {
    Mrp::MrpSm const & sm = agent.sm();
-   auto const * const machine = sm.leaveAllSm()->intfLeaveAllSm( Agent::intfId( port ) );
-   require( ( machine != nullptr ) == agent.isUp( port ), agent, { port, {} },
-            "LeaveAll, or none" );
+   Pelk::IntfId const intfId = Agent::intfId( port );
+   auto const * const machine = sm.leaveAllSm()->intfLeaveAllSm( intfId );
+   require( ( machine != nullptr ) == agent.isUp( port ), agent, "LeaveAll, or none, on ", intfId );
    for ( U8 type = 1; machine && type <= sm.maxAttrTypes(); ++type ) {
+      Name const name{ port, { type, 0 } };
       auto const * const timer = machine->leaveAllPending( type );
       Korv::Seconds const due = timer ? timer->timestamp() - Korv::now() : Korv::never;
-      require( due > -0.21 && due <= longestPeriod, agent, { port, { type, 0 } },
-               "the next LeaveAll is due in ", due );
-      Mrp::MrpLeaveAllKey const key( Agent::intfId( port ), type );
-      require( tree( sm ).leaveAllTime( key ) > 0, agent, { port, { type, 0 } },
-               "no LeaveAll time is published" );
+      require( due > -0.21 && due <= longestPeriod, agent, name, ": the next LeaveAll is in ",
+               due );
+      require( tree( sm ).leaveAllTime( { intfId, type } ) > 0, agent, name,
+               ": no LeaveAll time is published" );
    }
 }
 
 } // namespace
-
-void require( bool holds, Agent const & agent, std::string const & words ) {
-   if ( !holds ) {
-      std::ostringstream out;
-      out << "at " << Korv::now() << " agent " << agent.number() << ": " << words;
-      throw Violation( out.str() );
-   }
-}
 
 void checkAlways( Agent const & agent, Korv::Seconds longestPeriod ) {
    Mrp::MrpSm const & sm = agent.sm();
@@ -148,69 +130,43 @@ void checkAlways( Agent const & agent, Korv::Seconds longestPeriod ) {
       require( !sm.parseContext() && sm.mrpAttrIter().empty(), agent, "works in standby" );
       return;
    }
-   Records all;
-   for ( U32 port = 0; port < agent.ports(); ++port ) {
-      Records const here = records( agent, port );
-      checkIndex( agent, port, here );
-      checkLeaveAll( agent, port, longestPeriod );
-      for ( auto const & [name, record] : here ) {
-         if ( !record.marked ) {
-            checkRecord( agent, name, record );
-            all.emplace( name, record );
-         }
-      }
+   Records const all = records( agent );
+   checkIndex( agent, all );
+   for ( auto const & [name, entry] : all ) {
+      checkRecord( agent, name, *entry );
    }
    for ( Book const * const book : { &agent.declared(), &agent.told() } ) {
       for ( auto const & [name, value] : *book ) {
-         require( all.contains( name ), agent, name, "declared or told of, and not there" );
+         require( all.contains( name ), agent, name, " is declared or told of, and not there" );
       }
    }
-   for ( auto member = sm.deletePendingAttr().walk(); member; ++member ) {
-      Mrp::MrpAttribute const & marked = member.key();
-      auto const * const intf = tree( sm ).attrDatabase( marked.intfId() );
-      auto const * const node = intf ? intf->intfTypeApplicant( marked.attributeType() ) : nullptr;
-      require( node && node->mrpAttribute( marked.attributeVal() ), agent,
-               "marked for deletion and not in the tree" );
+   for ( U32 port = 0; port < agent.ports(); ++port ) {
+      checkLeaveAll( agent, port, longestPeriod );
    }
-   require( sm.mrpParsedAttribute().size() == 0 && sm.mrpParsedAttributeKey().empty() &&
-               sm.msrpParsedDomainKey().empty() && sm.mrpRxLeaveAll().empty(),
-            agent, "something of a frame is left" );
-   require( sm.mrpLib()->mrpOutIntfQueue().empty(), agent, "an interface is left in the queue" );
-   require( !sm.parseContext()->sendTxLvAll(), agent, "a LeaveAll mark is left" );
+   require( agent.participant().isIdle(), agent, "has something of a frame left" );
+   require( !sm.parseContext()->sendTxLvAll(), agent, "has a LeaveAll mark left" );
    require( sm.mrpLib()->application() == Mrp::MVRP || sm.mrpCounters()->numOfMalformedPkts() == 0,
-            agent, "a malformed MSRP frame" );
+            agent, "has read a malformed MSRP frame" );
 }
 
-bool isAtRest( Agent const & agent, U32 port, U8 type ) {
+void checkAtRest( Agent const & agent, Book const & expected ) {
    Mrp::MrpSm const & sm = agent.sm();
-   auto const holds = [&]( auto const & collection ) {
-      for ( auto member = collection.walk(); member; ++member ) {
-         if ( member.key().intfId() == Agent::intfId( port ) &&
-              member.key().attributeType() == type ) {
-            return true;
-         }
-      }
-      return false;
-   };
-   return !holds( sm.registrarSm()->leaveSm() ) && !holds( sm.registrarSm()->explicitLeaveSm() ) &&
-          !holds( sm.addPendingAttr() ) && !holds( sm.deletePendingAttr() );
-}
-
-void checkAtRest( Agent const & agent, U32 port, U8 type, Book const & expected ) {
-   for ( auto const & [name, record] : records( agent, port ) ) {
-      if ( name.kind.type != type ) {
-         continue;
-      }
-      require( isDeclared( record.applicant() ) || record.isRegistered() ||
-                  agent.refuses( name.kind ),
-               agent, name, record, ", left behind" );
-      auto const found = expected.find( name );
-      require( found == expected.end() || !record.isRegistered() || found->second.empty() ||
-                  found->second == record.value(),
-               agent, name, record, ", not the value that a neighbour declares" );
+   if ( agent.standby() ) {
+      return;
    }
-   require( !agent.sm().mrpLib()->mrpTxPacketContext( Agent::intfId( port ) ), agent,
-            { port, { type, 0 } }, "a first packet context is open" );
+   require( sm.registrarSm()->leaveSm().empty() && sm.registrarSm()->explicitLeaveSm().empty() &&
+               sm.addPendingAttr().empty() && sm.deletePendingAttr().empty(),
+            agent, "does not come to rest" );
+   require( sm.mrpLib()->mrpTxPacketContext().empty(), agent, "has a first packet context open" );
+   for ( auto const & [name, entry] : records( agent ) ) {
+      require( isDeclared( *entry ) || isRegistered( *entry ) || agent.refuses( name.kind ) ||
+                  !agent.hasDevice( name.port ),
+               agent, name, says( *entry ), ", left behind" );
+      auto const found = expected.find( name );
+      require( found == expected.end() || !isRegistered( *entry ) || found->second.empty() ||
+                  found->second == valueOf( *entry ),
+               agent, name, says( *entry ), ", not the value that a neighbour declares" );
+   }
 }
 
 } // namespace Simulation

@@ -23,14 +23,13 @@
 namespace Simulation {
 
 // Throws a Violation with the words unless it holds.
-void require( bool holds, Agent const & agent, std::string const & words );
 template < class... Words >
-void require( bool holds, Agent const & agent, Name const & name, Words const &... words ) {
+void require( bool holds, Agent const & agent, Words const &... words ) {
    if ( !holds ) {
       std::ostringstream out;
-      out << name << ": ";
+      out << "at " << Korv::now() << " agent " << agent.number() << ' ';
       ( out << ... << words );
-      require( false, agent, out.str() );
+      throw Violation( out.str() );
    }
 }
 
@@ -49,12 +48,9 @@ void require( bool holds, Agent const & agent, Name const & name, Words const &.
 //   - all LeaveAll of an interface that is up are due within that time, and no other's.
 void checkAlways( Agent const & agent, Korv::Seconds longestPeriod );
 
-// Nothing of the type waits there: no leave timer and nothing pending.
-bool isAtRest( Agent const & agent, U32 port, U8 type );
-
-// At rest, with LeaveAll running and faults and operations long past: each attribute is declared or
-// registered, or its join is refused; what is registered has its value in `expected`, if that gives
-// one; no first packet context is open.
-void checkAtRest( Agent const & agent, U32 port, U8 type, Book const & expected );
+// With faults, operations and the last LeaveAll long past: nothing waits any more; each attribute
+// is declared or registered, or its join is refused; what is registered has its value in
+// `expected`, if that gives one; no first packet context is open.
+void checkAtRest( Agent const & agent, Book const & expected );
 
 } // namespace Simulation

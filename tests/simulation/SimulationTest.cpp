@@ -2,7 +2,7 @@
 //
 //    tests-simulation                                   as the test command runs it
 //    tests-simulation --seeds=5000 --first-seed=1       any number
-//    tests-simulation --gtest_filter='*settles*/MSRP' --first-seed=17 --seeds=1 --trace
+//    tests-simulation --gtest_filter='*/MSRP' --first-seed=17 --seeds=1 --trace
 //                                                       one seed again, told in words
 //
 // Each simulation runs in a process of its own, since the first participant of a process fixes the
@@ -14,11 +14,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <iostream>
-#include <string_view>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace Simulation {
 
@@ -37,84 +33,65 @@ std::string repeatCommand;
 
 // Throws a Violation.
 void runSeed( Mrp::MrpApplication application, U64 seed, std::ostream * words ) {
-   repeatCommand = "   tests-simulation --gtest_filter='*settles*/" +
-                   Mrp::stringValue( application ) + "' --first-seed=" + std::to_string( seed ) +
-                   " --seeds=1 --trace";
-   Trace trace( words );
-   Scene( application, seed, trace ).run();
+   repeatCommand = "   tests-simulation --gtest_filter='*/" + Mrp::stringValue( application ) +
+                   "' --first-seed=" + std::to_string( seed ) + " --seeds=1 --trace\n";
+   Scene( application, seed, words ).run();
    if ( U32 const left = Pelk::globalPktManager().pkts() ) {
       throw Violation( std::to_string( left ) + " packets are left" );
    }
 }
 
-// True if no seed failed.
-bool runSeeds( Mrp::MrpApplication application ) {
+// A few seeds run twice: a seed has one trace.
+void runOnceOrTwice( Mrp::MrpApplication application, U64 seed ) {
+   if ( inWords || seed >= firstSeed + 20 ) {
+      return runSeed( application, seed, inWords ? &std::cout : nullptr );
+   }
+   std::ostringstream first;
+   std::ostringstream second;
+   runSeed( application, seed, &first );
+   runSeed( application, seed, &second );
+   if ( first.str() != second.str() ) {
+      throw Violation( "two traces" );
+   }
+}
+
+// Ends the process, with 0 if all seeds pass.
+void runSeeds( Mrp::MrpApplication application ) {
+   Korv::assertionHandlerIs( []( char const * text ) {
+      std::cout << "asserted: " << text << '\n' << repeatCommand << std::flush;
+   } );
    U64 failed = 0;
    for ( U64 seed = firstSeed; seed < firstSeed + seeds; ++seed ) {
       try {
-         runSeed( application, seed, inWords ? &std::cout : nullptr );
+         runOnceOrTwice( application, seed );
       } catch ( Violation const & violation ) {
-         std::cout << "seed " << seed << ": " << violation.what() << '\n' << repeatCommand << '\n';
+         std::cout << "seed " << seed << ": " << violation.what() << '\n' << repeatCommand;
          ++failed;
       }
    }
-   std::cout << Mrp::stringValue( application ) << ", " << seeds << " seeds from " << firstSeed
-             << ": " << failed << " failed\n";
-   return failed == 0;
-}
-
-// The whole traces of a few seeds, each run twice.
-bool runTwice( Mrp::MrpApplication application ) {
-   for ( U64 seed = firstSeed; seed < firstSeed + std::min< U64 >( seeds, 20 ); ++seed ) {
-      std::ostringstream first;
-      std::ostringstream second;
-      runSeed( application, seed, &first );
-      runSeed( application, seed, &second );
-      if ( first.str() != second.str() ) {
-         std::cout << "seed " << seed << " has two traces\n" << repeatCommand << '\n';
-         return false;
-      }
-   }
-   return true;
-}
-
-bool inProcessOfItsOwn( bool ( *simulation )( Mrp::MrpApplication ),
-                        Mrp::MrpApplication application ) {
-   std::cout.flush();
-   pid_t const child = fork();
-   if ( child == 0 ) {
-      Korv::assertionHandlerIs( []( char const * text ) {
-         std::cout << "asserted: " << text << '\n' << repeatCommand << std::endl;
-      } );
-      std::exit( simulation( application ) ? 0 : 1 );
-   }
-   int status = 0;
-   return child > 0 && waitpid( child, &status, 0 ) == child && status == 0;
+   std::cout << seeds << " seeds from " << firstSeed << ": " << failed << " failed" << std::endl;
+   std::exit( failed != 0 );
 }
 
 using Simulation = testing::TestWithParam< Mrp::MrpApplication >;
 
 TEST_P( Simulation, settlesWhateverHappenedBefore ) {
-   EXPECT_TRUE( inProcessOfItsOwn( runSeeds, GetParam() ) );
+   EXPECT_EXIT( runSeeds( GetParam() ), testing::ExitedWithCode( 0 ), "" );
 }
-
-TEST_P( Simulation, hasOneTraceASeed ) { EXPECT_TRUE( inProcessOfItsOwn( runTwice, GetParam() ) ); }
 
 INSTANTIATE_TEST_SUITE_P(, Simulation, testing::Values( Mrp::MVRP, Mrp::MSRP ),
                          []( auto const & of ) { return Mrp::stringValue( of.param ); } );
 
 } // namespace
 
-bool readArgument( std::string_view argument ) {
-   for ( auto const & [name, value] : { std::pair{ std::string_view( "--seeds=" ), &seeds },
-                                        { "--first-seed=", &firstSeed } } ) {
-      if ( argument.starts_with( name ) ) {
-         *value = std::stoull( std::string( argument.substr( name.size() ) ) );
-         return true;
-      }
-   }
+bool readArgument( std::string const & argument ) {
+   auto const read = [&]( std::string const & option, U64 & value ) {
+      bool const isThis = argument.starts_with( option );
+      value = isThis ? std::stoull( argument.substr( option.size() ) ) : value;
+      return isThis;
+   };
    inWords = inWords || argument == "--trace";
-   return argument == "--trace";
+   return argument == "--trace" || read( "--seeds=", seeds ) || read( "--first-seed=", firstSeed );
 }
 
 } // namespace Simulation

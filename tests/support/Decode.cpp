@@ -10,45 +10,38 @@ namespace {
 struct Kind {
    char const * name;
    std::size_t size;
+   // Of the fields that step from one value of a vector to the next. They come first, and the first
+   // of them is the key.
+   unsigned stepping[2];
+   bool declares; // events of a listener behind the others
+
+   bool hasStream() const { return stepping[0] == 8; }
 };
 
-Kind kindOf( Protocol protocol, U8 type ) {
-   static constexpr Kind msrp[] = {
-      { "talker", 25 }, { "failed", 34 }, { "listener", 8 }, { "domain", 4 } };
-   if ( protocol == Protocol::mvrp ) {
-      return type == vlanType ? Kind{ "vlan", 2 } : Kind{ "?", 0 };
-   }
-   return type >= 1 && type <= 4 ? msrp[type - 1] : Kind{ "?", 0 };
-}
+constexpr Kind noKind{ "?", 0, {}, false };
 
-bool isListener( Protocol protocol, U8 type ) {
-   return protocol == Protocol::msrp && type == listenerType;
+Kind kindOf( Protocol protocol, U8 type ) {
+   static constexpr Kind mvrp[] = { noKind, { "vlan", 2, { 2 }, false } };
+   static constexpr Kind msrp[] = { noKind,
+                                    { "talker", 25, { 8, 6 }, false },
+                                    { "failed", 34, { 8, 6 }, false },
+                                    { "listener", 8, { 8 }, true },
+                                    { "domain", 4, { 1, 1 }, false } };
+   if ( protocol == Protocol::mvrp ) {
+      return type < std::size( mvrp ) ? mvrp[type] : noKind;
+   }
+   return type < std::size( msrp ) ? msrp[type] : noKind;
 }
 
 // The value i steps behind the FirstValue.
-Bytes stepped( Protocol protocol, U8 type, Bytes const & first, U64 i ) {
+Bytes stepped( Kind const & kind, Bytes const & first, U64 i ) {
    Bytes value;
-   if ( protocol == Protocol::mvrp ) {
-      put( value, number( first, 0, 2 ) + i, 2 );
-   } else if ( type == domainType ) {
-      put( value, number( first, 0, 1 ) + i, 1 );
-      put( value, number( first, 1, 1 ) + i, 1 );
-   } else {
-      put( value, number( first, 0, 8 ) + i, 8 );
-      if ( type != listenerType ) {
-         put( value, number( first, 8, 6 ) + i, 6 );
-      }
+   for ( unsigned const size : kind.stepping ) {
+      put( value, number( first, value.size(), size ) + i, size );
    }
    value.insert( value.end(), first.begin() + static_cast< std::ptrdiff_t >( value.size() ),
                  first.end() );
    return value;
-}
-
-U64 keyOf( Protocol protocol, U8 type, Bytes const & value ) {
-   if ( protocol == Protocol::mvrp ) {
-      return number( value, 0, 2 );
-   }
-   return type == domainType ? number( value, 0, 1 ) : number( value, 0, 8 );
 }
 
 class Reader {
@@ -56,16 +49,16 @@ class Reader {
    explicit Reader( Bytes const & frame ) : frame_( frame ) {}
 
    Decoded read() {
-      decoded_.to = take( 6 );
+      take( 6 );
       decoded_.from = take( 6 );
-      decoded_.type = static_cast< U16 >( take( 2 ) );
-      if ( decoded_.type == etherType( Protocol::msrp ) ) {
+      U64 const type = take( 2 );
+      if ( type == etherType( Protocol::msrp ) ) {
          decoded_.protocol = Protocol::msrp;
-      } else if ( decoded_.type != etherType( Protocol::mvrp ) ) {
-         fault( "type ", hex( { frame_.begin() + 12, frame_.begin() + 14 } ) );
+      } else if ( type != etherType( Protocol::mvrp ) ) {
+         fault( "type ", std::hex, type );
          return decoded_;
       }
-      decoded_.version = static_cast< U8 >( take( 1 ) );
+      take( 1 );
       do {
          readMessage();
       } while ( ok() && left() > 0 && peek() != 0 );
@@ -118,7 +111,7 @@ class Reader {
       U64 const listLength = isMsrp ? take( 2 ) : 0;
       std::size_t const start = at_;
       do {
-         message.vectors.push_back( readVector( message.type, kind.size ) );
+         message.vectors.push_back( readVector( kind ) );
       } while ( ok() && peek() != 0 );
       take( 2 );
       if ( ok() && isMsrp && at_ - start != listLength ) {
@@ -127,32 +120,31 @@ class Reader {
       decoded_.messages.push_back( std::move( message ) );
    }
 
-   DecodedVector readVector( U8 type, std::size_t size ) {
+   DecodedVector readVector( Kind const & kind ) {
       DecodedVector vector;
-      vector.header = static_cast< U16 >( take( 2 ) );
-      vector.firstValue = takeBytes( size );
-      U64 const n = vector.header & 0x1fff;
-      if ( ( vector.header & 0xc000 ) != 0 ) {
+      U64 const header = take( 2 );
+      Bytes const first = takeBytes( kind.size );
+      U64 const n = header & 0x1fff;
+      vector.leaveAll = ( header & 0x2000 ) != 0;
+      if ( ( header & 0xc000 ) != 0 ) {
          fault( "bits 15 and 14 of a VectorHeader" );
       }
-      if ( n == 0 && ( !vector.leaveAll() ||
-                       std::ranges::any_of( vector.firstValue, []( U8 b ) { return b != 0; } ) ) ) {
+      if ( n == 0 &&
+           ( !vector.leaveAll || std::ranges::any_of( first, []( U8 b ) { return b != 0; } ) ) ) {
          fault( "a vector of no values that is no LeaveAll with a FirstValue of zeros" );
       }
       Bytes const three = takeBytes( ( n + 2 ) / 3 );
-      Bytes const four =
-         isListener( decoded_.protocol, type ) ? takeBytes( ( n + 3 ) / 4 ) : Bytes();
+      Bytes const four = takeBytes( kind.declares ? ( n + 3 ) / 4 : 0 );
       for ( U64 i = 0; i < n && ok(); ++i ) {
          static constexpr unsigned places[] = { 36, 6, 1 };
          if ( three[i / 3] > 215 ) {
             fault( "ThreePackedEvents byte ", unsigned{ three[i / 3] } );
          }
          Declared value;
-         value.type = type;
-         value.value = stepped( decoded_.protocol, type, vector.firstValue, i );
-         value.key = keyOf( decoded_.protocol, type, value.value );
+         value.value = stepped( kind, first, i );
+         value.key = number( value.value, 0, kind.stepping[0] );
          value.event = static_cast< Event >( three[i / 3] / places[i % 3] % 6 );
-         if ( !four.empty() ) {
+         if ( kind.declares ) {
             value.declaration =
                static_cast< Declaration >( four[i / 4] >> ( 6 - 2 * ( i % 4 ) ) & 3 );
          }
@@ -182,16 +174,16 @@ std::string Decoded::text() const {
    std::ostringstream out;
    char const * apart = "";
    for ( DecodedMessage const & message : messages ) {
-      out << apart << kindOf( protocol, message.type ).name;
+      Kind const kind = kindOf( protocol, message.type );
+      out << apart << kind.name;
       char const * before = "{";
       for ( DecodedVector const & vector : message.vectors ) {
-         out << before << ( vector.leaveAll() ? "LeaveAll" : "" );
-         before = vector.leaveAll() ? " " : "";
+         out << before << ( vector.leaveAll ? "LeaveAll" : "" );
+         before = vector.leaveAll ? " " : "";
          for ( Declared const & value : vector.values ) {
-            bool const isStream = protocol == Protocol::msrp && value.type != domainType;
-            out << before << ( isStream ? std::hex : std::dec ) << ( isStream ? "0x" : "" )
-                << value.key << ' ' << name( value.event );
-            if ( isListener( protocol, value.type ) ) {
+            out << before << ( kind.hasStream() ? std::hex : std::dec )
+                << ( kind.hasStream() ? "0x" : "" ) << value.key << ' ' << name( value.event );
+            if ( kind.declares ) {
                out << ' ' << name( value.declaration );
             }
             before = ", ";

@@ -8,7 +8,6 @@ namespace TestSupport {
 
 // One value of a vector, the FirstValue stepped on.
 struct Declared {
-   U8 type = 0;
    U64 key = 0;
    Bytes value; // as a FirstValue would hold it
    Event event = New;
@@ -16,11 +15,8 @@ struct Declared {
 };
 
 struct DecodedVector {
-   U16 header = 0;
-   Bytes firstValue;
+   bool leaveAll = false;
    std::vector< Declared > values;
-
-   bool leaveAll() const { return ( header & 0x2000 ) != 0; }
 };
 
 struct DecodedMessage {
@@ -30,10 +26,7 @@ struct DecodedMessage {
 
 struct Decoded {
    Protocol protocol = Protocol::mvrp;
-   U64 to = 0;
    U64 from = 0;
-   U16 type = 0;
-   U8 version = 0;
    std::vector< DecodedMessage > messages;
    std::vector< std::string > faults;
 

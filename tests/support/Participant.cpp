@@ -13,19 +13,15 @@ constexpr char const * noRandomization = "DISABLE_LEAVE_ALL_RANDOMIZATION";
 
 Pelk::EthAddr address( U64 number ) { return Pelk::EthAddr::fromNumber( number ); }
 
-std::string oneLine( SentFrame const & frame, bool withTime ) {
-   std::ostringstream out;
-   if ( withTime ) {
-      out << frame.time << ' ';
-   }
-   out << frame.interface << ": " << says( frame.bytes );
-   return out.str();
-}
-
 std::vector< std::string > lines( std::vector< SentFrame > const & frames, bool withTime ) {
    std::vector< std::string > all;
    for ( SentFrame const & frame : frames ) {
-      all.push_back( oneLine( frame, withTime ) );
+      std::ostringstream line;
+      if ( withTime ) {
+         line << frame.time << ' ';
+      }
+      line << frame.interface << ": " << says( frame.bytes );
+      all.push_back( line.str() );
    }
    return all;
 }
@@ -65,7 +61,7 @@ Participant::Participant( Mrp::MrpApplication application,
       host_->interfaceIs( Pelk::IntfId( name ), addr, options.mtu );
    }
    host_->onTransmit( [this]( Pelk::IntfId const & intfId, Memory::FrameBytes frame ) {
-      if ( recording_ ) {
+      if ( lib_->recording ) {
          sent_.push_back(
             { Korv::now(), intfId.stringValue(), Bytes( frame.begin(), frame.end() ) } );
       }
@@ -97,6 +93,12 @@ bool Participant::receive( std::string const & interface, Bytes const & frame ) 
    return pam && pam->deliverPastFilter( frame );
 }
 
+bool Participant::isIdle() const {
+   return sm_->mrpRxLeaveAll().empty() && sm_->mrpParsedAttribute().size() == 0 &&
+          sm_->mrpParsedAttributeKey().empty() && sm_->msrpParsedDomainKey().empty() &&
+          lib_->mrpOutIntfQueue().empty();
+}
+
 std::vector< std::string > Participant::said() const { return lines( sent_, false ); }
 std::vector< std::string > Participant::saidWithTimes() const { return lines( sent_, true ); }
 
@@ -117,11 +119,6 @@ void Participant::clear() {
    }
 }
 
-void Participant::recordingIs( bool on ) {
-   recording_ = on;
-   lib_->recording = on;
-}
-
 void Participant::sendAttribute( std::string const & interface, U8 type, unsigned event,
                                  std::vector< std::string > const & queued ) {
    for ( std::string const & name : queued ) {
@@ -138,13 +135,9 @@ std::optional< AttributeState > Participant::attribute( std::string const & inte
    if ( !found ) {
       return std::nullopt;
    }
-   AttributeState state;
-   state.applicant = found->applicantState();
-   state.registrar = found->registrarState();
-   state.value = valueOf( *found );
-   state.pending = sm_->addPendingAttr().isMember( Mrp::MrpAttribute( intfId, type, key ) );
-   state.committed = sm_->mrpGetAttrFromDatabase( intfId, type, key, false ) != nullptr;
-   return state;
+   return AttributeState{ found->applicantState(), found->registrarState(), valueOf( *found ),
+                          sm_->addPendingAttr().isMember( Mrp::MrpAttribute( intfId, type, key ) ),
+                          sm_->mrpGetAttrFromDatabase( intfId, type, key, false ) != nullptr };
 }
 
 std::string Participant::states( std::string const & interface, U8 type, U64 key ) const {

@@ -72,6 +72,10 @@ class Participant {
    // interface does not take.
    bool receive( std::string const & interface, Bytes const & frame );
 
+   // Nothing of a frame waits between parser and machines, and no interface is queued: outside of
+   // all notifications it has to be so.
+   bool isIdle() const;
+
    void advanceTo( double time ) { activity_->advanceTo( time ); }
    void advanceBy( double duration ) { activity_->advanceBy( duration ); }
 
@@ -85,7 +89,7 @@ class Participant {
    // Forgets frames, indications and mutator calls; counters() and moved() start anew.
    void clear();
    // Off, frames and indications are not written down.
-   void recordingIs( bool on );
+   void recordingIs( bool on ) { lib_->recording = on; }
 
    // An application's declaration: the value goes into the Tx field, the interface into the queue,
    // then mrpSendAttribute. The event is a MrpThreePackedEvent's number.
@@ -145,7 +149,6 @@ class Participant {
    Memory::VirtualActivity * activity_;
    std::unique_ptr< Memory::Host > host_;
    Protocol protocol_;
-   bool recording_ = true;
    std::vector< SentFrame > sent_;
    Counts counted_;
    Korv::Ptr< RecordingLib > lib_;

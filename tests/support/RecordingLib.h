@@ -35,7 +35,7 @@ class RecordingLib : public Mrp::MrpLib {
    // Off, nothing is written down.
    bool recording = true;
 
-   // The calls of the virtual mutators of the Rx and Tx fields, by name, in order.
+   // The calls of the virtual mutators of MSRP's Rx and Tx fields, by name, in order.
    std::vector< std::string > mutatorCalls;
    bool countingMutators = false;
 
@@ -44,22 +44,48 @@ class RecordingLib : public Mrp::MrpLib {
    // Loads the Tx field of the kind with what the database would keep.
    void txValueIs( U8 attributeType, Bytes const & value );
 
-   bool mrpJoinIndication( Mrp::MrpParameters const & parameters ) override;
-   void mrpLeaveIndication( Mrp::MrpParameters const & parameters ) override;
-
-   void msrpTalkerAdvertiseRxIs( Mrp::MsrpTalkerAdvertiseAttribute const & v ) override;
-   void msrpTalkerFailedRxIs( Mrp::MsrpTalkerFailedAttribute const & v ) override;
-   void msrpListenerVectorRxIs( Mrp::MsrpListenerAttribute const & v ) override;
-   void msrpDomainVectorRxIs( Mrp::MsrpDomainAttribute const & v ) override;
-   void mvrpVlanVectorRxIs( Mrp::MvrpVlanAttribute const & v ) override;
-   void msrpTalkerAdvertiseTxIs( Mrp::MsrpTalkerAdvertiseAttribute const & v ) override;
-   void msrpTalkerFailedTxIs( Mrp::MsrpTalkerFailedAttribute const & v ) override;
-   void msrpListenerVectorTxIs( Mrp::MsrpListenerAttribute const & v ) override;
-   void msrpDomainVectorTxIs( Mrp::MsrpDomainAttribute const & v ) override;
-   void mvrpVlanVectorTxIs( Mrp::MvrpVlanAttribute const & v ) override;
+   bool mrpJoinIndication( Mrp::MrpParameters const & parameters ) override {
+      return handled( true, parameters );
+   }
+   void mrpLeaveIndication( Mrp::MrpParameters const & parameters ) override {
+      handled( false, parameters );
+   }
+   void msrpTalkerAdvertiseRxIs( Mrp::MsrpTalkerAdvertiseAttribute const & v ) override {
+      note( "msrpTalkerAdvertiseRxIs" );
+      MrpLib::msrpTalkerAdvertiseRxIs( v );
+   }
+   void msrpTalkerAdvertiseTxIs( Mrp::MsrpTalkerAdvertiseAttribute const & v ) override {
+      note( "msrpTalkerAdvertiseTxIs" );
+      MrpLib::msrpTalkerAdvertiseTxIs( v );
+   }
+   void msrpTalkerFailedRxIs( Mrp::MsrpTalkerFailedAttribute const & v ) override {
+      note( "msrpTalkerFailedRxIs" );
+      MrpLib::msrpTalkerFailedRxIs( v );
+   }
+   void msrpTalkerFailedTxIs( Mrp::MsrpTalkerFailedAttribute const & v ) override {
+      note( "msrpTalkerFailedTxIs" );
+      MrpLib::msrpTalkerFailedTxIs( v );
+   }
+   void msrpListenerVectorRxIs( Mrp::MsrpListenerAttribute const & v ) override {
+      note( "msrpListenerVectorRxIs" );
+      MrpLib::msrpListenerVectorRxIs( v );
+   }
+   void msrpListenerVectorTxIs( Mrp::MsrpListenerAttribute const & v ) override {
+      note( "msrpListenerVectorTxIs" );
+      MrpLib::msrpListenerVectorTxIs( v );
+   }
+   void msrpDomainVectorRxIs( Mrp::MsrpDomainAttribute const & v ) override {
+      note( "msrpDomainVectorRxIs" );
+      MrpLib::msrpDomainVectorRxIs( v );
+   }
+   void msrpDomainVectorTxIs( Mrp::MsrpDomainAttribute const & v ) override {
+      note( "msrpDomainVectorTxIs" );
+      MrpLib::msrpDomainVectorTxIs( v );
+   }
 
  private:
-   Indication taken( bool join, Mrp::MrpParameters const & parameters );
+   // True if the application discards it.
+   bool handled( bool join, Mrp::MrpParameters const & parameters );
    void note( char const * mutator ) {
       if ( countingMutators ) {
          mutatorCalls.emplace_back( mutator );

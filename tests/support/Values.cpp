@@ -16,12 +16,8 @@ std::string hex( Bytes const & bytes ) {
 }
 
 Bytes fromHex( std::string_view text ) {
-   std::string digits;
-   for ( char const c : text ) {
-      if ( c != ' ' && c != '\n' ) {
-         digits += c;
-      }
-   }
+   std::string digits( text );
+   std::erase_if( digits, []( char c ) { return c == ' ' || c == '\n'; } );
    if ( digits.size() % 2 != 0 ) {
       throw std::invalid_argument( "half a byte in: " + std::string( text ) );
    }
@@ -70,50 +66,60 @@ Talker talker( U64 streamId ) {
    return value;
 }
 
-Bytes wire( Vlan const & value ) {
+namespace {
+
+struct Field {
+   U64 number;
+   unsigned size;
+};
+
+Bytes record( std::initializer_list< Field > fields ) {
    Bytes bytes;
-   put( bytes, value.id, 2 );
+   for ( auto const & [number, size] : fields ) {
+      put( bytes, number, size );
+   }
    return bytes;
 }
 
+} // namespace
+
+Bytes wire( Vlan const & value ) { return record( { { value.id, 2 } } ); }
 Bytes wire( Talker const & value ) {
-   Bytes bytes;
-   put( bytes, value.streamId, 8 );
-   put( bytes, value.dmac, 6 );
-   put( bytes, value.vlanId, 2 );
-   put( bytes, value.maxFrameSize, 2 );
-   put( bytes, value.maxIntervalFrames, 2 );
-   put( bytes, value.priorityAndRank, 1 );
-   put( bytes, value.accumulatedLatency, 4 );
-   return bytes;
+   return record( { { value.streamId, 8 },
+                    { value.dmac, 6 },
+                    { value.vlanId, 2 },
+                    { value.maxFrameSize, 2 },
+                    { value.maxIntervalFrames, 2 },
+                    { value.priorityAndRank, 1 },
+                    { value.accumulatedLatency, 4 } } );
 }
-
 Bytes wire( FailedTalker const & value ) {
    Bytes bytes = wire( value.talker );
-   put( bytes, value.bridgeId, 8 );
-   put( bytes, value.failureCode, 1 );
+   put( bytes, record( { { value.bridgeId, 8 }, { value.failureCode, 1 } } ) );
    return bytes;
 }
-
-Bytes wire( Listener const & value ) {
-   Bytes bytes;
-   put( bytes, value.streamId, 8 );
-   return bytes;
-}
-
+Bytes wire( Listener const & value ) { return record( { { value.streamId, 8 } } ); }
 Bytes wire( Domain const & value ) {
-   Bytes bytes;
-   put( bytes, value.classId, 1 );
-   put( bytes, value.priority, 1 );
-   put( bytes, value.vid, 2 );
-   return bytes;
+   return record( { { value.classId, 1 }, { value.priority, 1 }, { value.vid, 2 } } );
 }
 
 Bytes stored( Listener const & value ) {
-   Bytes bytes = wire( value );
-   put( bytes, fromHex( "00 00 00 00" ) );
-   bytes[8] = value.declaration;
-   return bytes;
+   return record( { { value.streamId, 8 }, { value.declaration, 1 }, { 0, 3 } } );
+}
+
+Bytes storedValue( Protocol protocol, U8 type, U64 key, U32 variant ) {
+   if ( protocol == Protocol::mvrp ) {
+      return stored( Vlan{ static_cast< U16 >( key ) } );
+   }
+   Talker value = talker( key );
+   value.accumulatedLatency += variant;
+   switch ( type ) {
+   case talkerType: return stored( value );
+   case failedType: return stored( FailedTalker{ value } );
+   case listenerType:
+      return stored( Listener{ key, static_cast< Declaration >( 1 + variant % 3 ) } );
+   default: return stored( Domain{ static_cast< U8 >( key ), static_cast< U8 >( key - 3 ) } );
+   }
 }
 
 } // namespace TestSupport

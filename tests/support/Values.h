@@ -51,7 +51,6 @@ inline constexpr U8 domainType = 4;
 struct Vlan {
    static constexpr U8 type = vlanType;
    U16 id = 0;
-   bool operator==( Vlan const & ) const = default;
 };
 
 struct Talker {
@@ -63,7 +62,6 @@ struct Talker {
    U16 maxIntervalFrames = 1;
    U8 priorityAndRank = 0x70;
    U32 accumulatedLatency = 50'000;
-   bool operator==( Talker const & ) const = default;
 };
 // With an address that steps with the stream id, so that neighbours go into one vector.
 Talker talker( U64 streamId );
@@ -73,7 +71,6 @@ struct FailedTalker {
    Talker talker;
    U64 bridgeId = 0x8000'0200'0000'0001;
    U8 failureCode = 8;
-   bool operator==( FailedTalker const & ) const = default;
 };
 
 // The declaration does not stand in the FirstValue, but in the events behind it.
@@ -81,7 +78,6 @@ struct Listener {
    static constexpr U8 type = listenerType;
    U64 streamId = 0;
    Declaration declaration = Ready;
-   bool operator==( Listener const & ) const = default;
 };
 
 struct Domain {
@@ -89,7 +85,6 @@ struct Domain {
    U8 classId = 0;
    U8 priority = 0;
    U16 vid = 2;
-   bool operator==( Domain const & ) const = default;
 };
 
 Bytes wire( Vlan const & value );
@@ -105,5 +100,8 @@ Bytes stored( Value const & value ) {
    return wire( value );
 }
 Bytes stored( Listener const & value );
+// Some value of that type and key, as the database keeps it. Its variants differ in what an
+// application may change; a VLAN or a domain has one.
+Bytes storedValue( Protocol protocol, U8 type, U64 key, U32 variant = 0 );
 
 } // namespace TestSupport

@@ -5,8 +5,7 @@
 #include "mrp/machines/MrpRegistrarSm.h"
 
 #include "tests/fuzz/script/Check.h"
-
-#include <algorithm>
+#include "tests/fuzz/script/Input.h"
 
 namespace Fuzz {
 
@@ -24,52 +23,21 @@ constexpr std::size_t attributesMax = 400;
 constexpr int reactionsMax = 200;
 constexpr double timeMax = 30;
 
-class Reader {
- public:
-   Reader( U8 const * data, std::size_t size ) : at_( data ), left_( size ) {}
-
-   bool empty() const { return left_ == 0; }
-   U8 byte() {
-      if ( left_ == 0 ) {
-         return 0;
-      }
-      --left_;
-      return *at_++;
-   }
-   U16 two() {
-      unsigned const high = byte();
-      return static_cast< U16 >( high << 8 | byte() );
-   }
-   Bytes bytes( std::size_t count ) {
-      std::size_t const there = std::min( count, left_ );
-      Bytes const taken( at_, at_ + there );
-      at_ += there;
-      left_ -= there;
-      return taken;
-   }
-
- private:
-   U8 const * at_;
-   std::size_t left_;
-};
-
-// Keys of two bytes, so that what is declared and what is received meet.
-U64 streamId( U16 key ) { return 0x0011'2233'4455'0000 | key; }
-
 class Run {
  public:
-   Run( Mrp::MrpApplication application, Reader in )
+   Run( Mrp::MrpApplication application, Input in )
       : in_( in ), application_( application ),
-        participant_( application, interfaces, options( in_.byte() ) ),
-        standby_( participant_.sm().standbyMode() ) {
-      participant_.lib().refuse = [this]( Indication const & join ) { return refuses( join ); };
-      participant_.lib().react = [this]( Indication const & told ) { react( told ); };
+        participant_( application, interfaces, options( in_.byte() ) ) {
+      lib().refuse = [this]( Indication const & join ) {
+         return ( behaviour_ & 0x10 ) != 0 && ( join.key & 1 ) != 0;
+      };
+      lib().react = [this]( Indication const & told ) { react( told ); };
    }
 
    void toTheEnd() {
       while ( !in_.empty() && !isSpent() ) {
          U8 const step = in_.byte();
-         interface_ = interfaces[( step >> 4 ) % interfaces.size()];
+         intfId_ = Pelk::IntfId( interfaces[( step >> 4 ) % interfaces.size()] );
          act( static_cast< Step >( step & 0x0F ) );
          checkBetween();
       }
@@ -93,14 +61,16 @@ class Run {
    }
 
    Mrp::MrpSm & sm() { return participant_.sm(); }
-   Mrp::MrpLib & lib() { return participant_.lib(); }
-   Pelk::IntfId intfId() const { return Pelk::IntfId( interface_ ); }
+   RecordingLib & lib() { return participant_.lib(); }
    // One of the application's types; those themselves are the low numbers.
-   U8 type( U8 byte ) const {
+   U8 type() {
+      U8 const byte = in_.byte();
       return static_cast< U8 >( application_ == Mrp::MSRP ? 1 + ( byte + 3 ) % 4 : 1 );
    }
-   U64 key( U8 type, U16 key ) const {
-      return application_ == Mrp::MVRP || type == domainType ? key : streamId( key );
+   // Of two bytes, so that what is declared and what is received meet.
+   U64 key( U8 type ) {
+      bool const isStream = application_ == Mrp::MSRP && type != domainType;
+      return ( isStream ? 0x0011'2233'4455'0000 : 0 ) | in_.two();
    }
 
    void act( Step step ) {
@@ -110,25 +80,24 @@ class Run {
       case Step::frame: receive( in_.bytes( in_.two() ) ); break;
       case Step::message: receiveMessage(); break;
       case Step::declare: declare(); break;
-      case Step::cleanUp: lib().mrpCleanUpIntfDatabase( intfId() ); break;
+      case Step::cleanUp: lib().mrpCleanUpIntfDatabase( intfId_ ); break;
       case Step::cleanUpOne: {
-         U8 const attributeType = type( in_.byte() );
-         lib().mrpCleanUpIntfDatabaseAttribute( intfId(), attributeType,
-                                                key( attributeType, in_.two() ) );
+         U8 const attributeType = type();
+         lib().mrpCleanUpIntfDatabaseAttribute( intfId_, attributeType, key( attributeType ) );
          break;
       }
-      case Step::disable: lib().mrpInterfaceDisable( intfId() ); break;
-      case Step::enable: lib().mrpInterfaceEnable( intfId() ); break;
-      case Step::unplug: participant_.host().interfaceDel( intfId() ); break;
+      case Step::disable: lib().mrpInterfaceDisable( intfId_ ); break;
+      case Step::enable: lib().mrpInterfaceEnable( intfId_ ); break;
+      case Step::unplug: participant_.host().interfaceDel( intfId_ ); break;
       case Step::plugIn:
-         participant_.host().interfaceIs( intfId(), Pelk::EthAddr::fromNumber( 0x0200'0000'0001 ),
+         participant_.host().interfaceIs( intfId_, Pelk::EthAddr::fromNumber( 0x0200'0000'0001 ),
                                           mtu );
          break;
       case Step::configure: configure(); break;
       case Step::behave: behaviour_ = in_.byte(); break;
       case Step::leaveAll:
-         if ( !standby_ ) {
-            sm().mrpPamSm()->transmitAllLeaveAll( intfId() );
+         if ( !sm().standbyMode() ) {
+            sm().mrpPamSm()->transmitAllLeaveAll( intfId_ );
          }
          break;
       case Step::recycled: sm().recycledPktIs( true ); break;
@@ -138,47 +107,34 @@ class Run {
 
    void receive( Bytes const & frame ) {
       frameBytes_ += frame.size();
-      participant_.receive( interface_, frame );
+      participant_.receive( intfId_.stringValue(), frame );
    }
 
    void receiveMrpdu() {
-      Bytes frame;
-      put( frame, groupAddress( participant_.protocol() ), 6 );
-      put( frame, 0x0200'0000'0099, 6 );
-      put( frame, etherType( participant_.protocol() ), 2 );
+      Bytes frame = Frame( participant_.protocol(), {} );
+      frame.resize( frameHead );
       put( frame, in_.bytes( in_.two() ) );
       receive( frame );
    }
 
-   template < class Use >
-   void forValue( U8 attributeType, U16 which, Use use ) const {
-      if ( application_ == Mrp::MVRP ) {
-         return use( Vlan{ which } );
-      }
-      switch ( attributeType ) {
-      case talkerType: return use( talker( streamId( which ) ) );
-      case failedType: return use( FailedTalker{ talker( streamId( which ) ) } );
-      case listenerType: return use( Listener{ streamId( which ) } );
-      default: return use( Domain{ static_cast< U8 >( which ), 3, 2 } );
-      }
-   }
-
    void receiveMessage() {
-      U8 const attributeType = type( in_.byte() );
+      U8 const attributeType = type();
+      bool const isListener = application_ == Mrp::MSRP && attributeType == listenerType;
       U8 const flags = in_.byte();
-      U16 const first = in_.two();
+      Bytes first = storedValue( participant_.protocol(), attributeType, key( attributeType ) );
+      if ( isListener ) {
+         first.resize( 8 ); // its declaration follows the events
+      }
       std::vector< Event > events;
       std::vector< Declaration > declarations;
       for ( unsigned count = in_.byte(); count > 0; --count ) {
          U8 const byte = in_.byte();
          events.push_back( static_cast< Event >( byte % 6 ) );
-         if ( application_ == Mrp::MSRP && attributeType == listenerType ) {
+         if ( isListener ) {
             declarations.push_back( static_cast< Declaration >( byte >> 6 ) );
          }
       }
-      Vector vector( attributeType, {}, events, declarations );
-      forValue( attributeType, first,
-                [&]( auto const & value ) { vector.firstValue( wire( value ) ); } );
+      Vector vector( attributeType, first, events, declarations );
       if ( ( flags & 1 ) != 0 || events.empty() ) {
          vector.leaveAll();
       }
@@ -190,11 +146,11 @@ class Run {
    }
 
    void declare() {
-      U8 const attributeType = type( in_.byte() );
+      U8 const attributeType = type();
       U8 const event = in_.byte() % 8;
-      U16 const which = in_.two();
+      U64 const which = key( attributeType );
       U8 const queued = in_.byte();
-      if ( standby_ ) {
+      if ( sm().standbyMode() ) {
          return; // an application has nobody to talk to
       }
       std::vector< std::string > queue;
@@ -203,37 +159,34 @@ class Run {
             queue.push_back( interfaces[i] );
          }
       }
-      forValue( attributeType, which, [&]( auto const & value ) { participant_.load( value ); } );
-      participant_.sendAttribute( interface_, attributeType, event, queue );
+      lib().txValueIs( attributeType,
+                       storedValue( participant_.protocol(), attributeType, which ) );
+      participant_.sendAttribute( intfId_.stringValue(), attributeType, event, queue );
    }
 
    void configure() {
-      static constexpr double times[] = { 0.6, 0, 0.05, 0.1, 1, 3, 10, 600 };
-      Mrp::MrpConfig & config = participant_.config();
       U8 const which = in_.byte();
       U8 const value = in_.byte();
+      static constexpr double times[] = { 0.6, 0, 0.05, 0.1, 1, 3, 10, 600 };
+      Mrp::MrpConfig & config = participant_.config();
       double const time = times[value % std::size( times )];
+      double const leaveTime = std::min( time, longestLeaveTime );
       switch ( which % 7 ) {
-      case 0: config.leaveTimeIs( std::min( time, longestLeaveTime ) ); break;
+      case 0: config.leaveTimeIs( leaveTime ); break;
       case 1: config.leaveAllTimeIs( time ); break;
-      case 2: config.intfLeaveTimeIs( intfId(), std::min( time, longestLeaveTime ) ); break;
-      case 3: config.intfLeaveAllTimeIs( intfId(), time ); break;
-      case 4: config.txLeaveAllExpiryTimeIs( std::min( time, longestLeaveTime ) ); break;
+      case 2: config.intfLeaveTimeIs( intfId_, leaveTime ); break;
+      case 3: config.intfLeaveAllTimeIs( intfId_, time ); break;
+      case 4: config.txLeaveAllExpiryTimeIs( leaveTime ); break;
       case 5: config.mrpFloodingIs( ( value & 1 ) != 0 ); break;
       default: config.timersEnabledIs( ( value & 1 ) != 0 ); break;
       }
    }
 
    void endStandby() {
-      if ( standby_ ) {
-         standby_ = false;
+      if ( sm().standbyMode() ) {
          sm().standbyModeIs( false );
          sm().handleStandbyMode();
       }
-   }
-
-   bool refuses( Indication const & join ) const {
-      return ( behaviour_ & 0x10 ) != 0 && ( join.key & 1 ) != 0;
    }
 
    // As its kind goes: it may hand the value on, end the attribute, or switch interfaces off.
@@ -241,31 +194,20 @@ class Run {
       if ( ++reactions_ > reactionsMax ) {
          return;
       }
+      Pelk::IntfId const intfId( told.interface );
       switch ( behaviour_ & 0x07 ) {
-      case 1: propagate( told, told.join ? joinIn : leave ); break;
-      case 2: lib().mrpCleanUpIntfDatabase( Pelk::IntfId( told.interface ) ); break;
-      case 3: lib().mrpInterfaceDisable( Pelk::IntfId( told.interface ) ); break;
-      case 4: propagate( told, told.join ? newOne : leave ); break;
-      case 5:
-         lib().mrpCleanUpIntfDatabaseAttribute( Pelk::IntfId( told.interface ), told.type,
-                                                told.key );
-         break;
+      case 1: propagate( told, told.join ? JoinIn : Lv ); break;
+      case 2: lib().mrpCleanUpIntfDatabase( intfId ); break;
+      case 3: lib().mrpInterfaceDisable( intfId ); break;
+      case 4: propagate( told, told.join ? New : Lv ); break;
+      case 5: lib().mrpCleanUpIntfDatabaseAttribute( intfId, told.type, told.key ); break;
       default: break;
       }
    }
 
-   static constexpr U8 newOne = 0, joinIn = 1, leave = 5;
-
    // To all other interfaces, each told on its own.
-   void propagate( Indication const & told, U8 event ) {
-      if ( application_ == Mrp::MVRP ) {
-         lib().mvrpVlanVectorTxIs( lib().mvrpVlanVectorRx() );
-      } else {
-         lib().msrpTalkerAdvertiseTxIs( lib().msrpTalkerAdvertiseRx() );
-         lib().msrpTalkerFailedTxIs( lib().msrpTalkerFailedRx() );
-         lib().msrpListenerVectorTxIs( lib().msrpListenerVectorRx() );
-         lib().msrpDomainVectorTxIs( lib().msrpDomainVectorRx() );
-      }
+   void propagate( Indication const & told, Event event ) {
+      lib().txValueIs( told.type, told.value );
       for ( std::string const & other : interfaces ) {
          if ( other != told.interface ) {
             participant_.sendAttribute( other, told.type, event, { other } );
@@ -274,30 +216,25 @@ class Run {
    }
 
    void checkBetween() {
-      check( sm().mrpRxLeaveAll().empty(), "no LeaveAll waits" );
-      check( sm().mrpParsedAttribute().size() == 0, "no parsed attribute waits" );
-      check( sm().mrpParsedAttributeKey().empty(), "no key waits" );
-      check( sm().msrpParsedDomainKey().empty(), "no domain waits" );
-      check( lib().mrpOutIntfQueue().empty(), "no interface is queued" );
+      check( participant_.isIdle(), "nothing of a frame is left" );
       for ( SentFrame const & frame : participant_.sent() ) {
          checkSent( frame.bytes );
       }
       participant_.clear();
    }
 
-   // What it floods is what it has received, whatever that is.
+   // What it floods is what it has received, whatever that is. An MVRP frame that opens a message
+   // behind one of several vectors loses the tail of what it held: what a reader makes of that is
+   // not asked here.
    void checkSent( Bytes const & frame ) {
       if ( participant_.config().mrpFlooding() ) {
          return;
       }
       check( frame.size() <= frameHead + mtu, "frames fit the MTU" );
-      // An MVRP frame that opens a message behind one of several vectors loses the tail of what it
-      // held: what a reader makes of that is not asked here.
-      if ( application_ == Mrp::MVRP ) {
-         return;
+      if ( application_ == Mrp::MSRP ) {
+         Decoded const said = decode( frame );
+         check( said.faults.empty(), "frames are well-formed", said.text() + '\n' + hex( frame ) );
       }
-      Decoded const said = decode( frame );
-      check( said.faults.empty(), "frames are well-formed", said.text() + '\n' + hex( frame ) );
    }
 
    void switchOff() {
@@ -308,33 +245,35 @@ class Run {
       }
       // A shared leave machine lives until its timer fires; a commit waits for a credit.
       participant_.advanceBy( longestLeaveTime + 5 );
-      check( sm().addPendingAttr().empty(), "nothing is pending addition" );
-      check( sm().deletePendingAttr().empty(), "nothing is pending deletion" );
-      check( sm().mrpAttrIter().empty(), "nothing is indexed" );
-      check( sm().registrarSm()->leaveSm().empty(), "no shared leave machine is left" );
-      check( sm().registrarSm()->explicitLeaveSm().empty(), "no explicit leave machine is left" );
-      check( sm().leaveAllSm()->intfLeaveAllSm().empty(), "no LeaveAll machine is left" );
-      check( lib().mrpTxPacketContext().empty(), "no first frame is open" );
-      check( lib().mrpTxSecondPacketContext().empty(), "no second frame is open" );
-      check( sm().mrpPamSm()->mrpIntfPamSm().empty(), "no packet access is left" );
+      auto const gone = []( char const * what, auto const & collection ) {
+         check( collection.empty(), what );
+      };
+      gone( "nothing is pending addition", sm().addPendingAttr() );
+      gone( "nothing is pending deletion", sm().deletePendingAttr() );
+      gone( "nothing is indexed", sm().mrpAttrIter() );
+      gone( "no shared leave machine is left", sm().registrarSm()->leaveSm() );
+      gone( "no explicit leave machine is left", sm().registrarSm()->explicitLeaveSm() );
+      gone( "no LeaveAll machine is left", sm().leaveAllSm()->intfLeaveAllSm() );
+      gone( "no first frame is open", lib().mrpTxPacketContext() );
+      gone( "no second frame is open", lib().mrpTxSecondPacketContext() );
+      gone( "no packet access is left", sm().mrpPamSm()->mrpIntfPamSm() );
    }
 
    static constexpr double longestLeaveTime = 3;
 
-   Reader in_;
+   Input in_;
    Mrp::MrpApplication application_;
    Participant participant_;
-   bool standby_;
    U8 behaviour_ = 0;
    std::size_t frameBytes_ = 0;
    int reactions_ = 0;
-   std::string interface_ = interfaces.front();
+   Pelk::IntfId intfId_;
 };
 
 } // namespace
 
 void runScript( Mrp::MrpApplication application, U8 const * data, std::size_t size ) {
-   Run( application, Reader( data, size ) ).toTheEnd();
+   Run( application, Input( { data, size } ) ).toTheEnd();
 }
 
 } // namespace Fuzz
