@@ -9,6 +9,7 @@
 import os
 import random
 import re
+import select
 import selectors
 import signal
 import socket
@@ -67,7 +68,7 @@ MOODS = {"register": ([0, 1, 1, 1, 3], 0), "leave": ([5], 0), "all": ([0, 1, 2, 
 
 def good_frame(application, mood):
     events, leave_all = MOODS[mood]
-    types = sorted(dice.sample(list(LENGTH[application]), dice.randint(1, len(LENGTH[application]))))
+    types = sorted(dice.choices(list(LENGTH[application]), k=dice.randint(1, 4)))
     messages = []
     for type_ in types:
         number = dice.choice((1, 1, 1, 3, 3, 3, 20, 20, 100, 1000))
@@ -223,8 +224,8 @@ class Client:
 
 class Crowd:
     def __init__(self, path):
-        self.path, self.clients, self.came, self.refused = path, [], 0, 0
-        self.scrapes, self.samples = 0, {}
+        self.path, self.clients, self.came = path, [], 0
+        self.scrapes, self.samples, self.cut = 0, {}, 0
         self.selector = selectors.DefaultSelector()
         # More than there ever are later, for the heap to be as large as it gets.
         self.kinds, self.number, self.scene_end = ["reader"], 15, time.monotonic() + 15
@@ -233,8 +234,7 @@ class Crowd:
         try:
             client = Client(kind, address)
         except OSError:
-            self.refused += 1
-            return
+            return  # too many at once: later, then
         self.came += client.is_observer
         self.clients.append(client)
         if client.reads == READ:
@@ -243,6 +243,10 @@ class Crowd:
     def leave(self, client):
         if client.reads == READ:
             self.selector.unregister(client.socket)
+        elif client.kind == "staller":
+            look = select.poll()
+            look.register(client.socket, 0)
+            self.cut += look.poll(0) != []
         client.socket.close()
         self.clients.remove(client)
         if client.kind == "get" and b" 200 " in client.text[:20] and client.text.endswith(b"\n"):
@@ -286,11 +290,14 @@ def metrics_of(text):
 
 def scrape():
     """Empty if the agent has no time for it."""
-    with socket.create_connection(METRICS, 30) as client:
-        client.sendall(REQUEST)
-        text = b""
-        while more := client.recv(65536):
-            text += more
+    text = b""
+    try:
+        with socket.create_connection(METRICS, 10) as client:
+            client.sendall(REQUEST)
+            while more := client.recv(65536):
+                text += more
+    except OSError:
+        pass
     return metrics_of(text.decode())
 
 
@@ -339,7 +346,7 @@ def crowd(application, minutes, pid, path, memory):
         observer.recv(1)
     time.sleep(1)
     calm, before = attributes(scrape()), agent.descriptors()
-    begun, start = time.monotonic(), agent.rss()
+    start, begun = agent.rss(), time.monotonic()
     weather = subprocess.Popen(stormy + [here, "storm", application, "1", "s0", "s1"],
                                stdout=subprocess.PIPE)
     them, samples, next_row = Crowd(path), [], 0
@@ -369,13 +376,21 @@ def crowd(application, minutes, pid, path, memory):
     until("all has expired", lambda: attributes(scrape()), calm)
     received = scrape().get("mrp_frames_received_total", 0)
     print(f"frames: {sent} sent, {sent / seconds:.0f} a second; {received:.0f} received; observers: "
-          f"{them.came} came, {them.refused} connections refused; scrapes: {them.scrapes}")
+          f"{them.came} came, of which {them.cut} were sent away for stalling; scrapes: "
+          f"{them.scrapes}")
     print(f"RSS, kB: {start} at the start, {first:.0f} in the first third, {last:.0f} in the last, "
           f"{max(rss for _, rss, _ in samples)} at most, {agent.rss()} at rest")
+    # More than are served, with nobody to read, and gone at one and the same time.
+    them.kinds, them.number, them.scene_end = ["staller"], 80, time.monotonic() + 60
+    for _ in range(100):
+        them.turn()
+    most = len(agent.descriptors())
+    them.end()
+
     if memory == "compared" and last > first * 1.02 + 1024:
         problems.append("memory has grown")
     until("the descriptors of the start, and no other", agent.descriptors, before, 20)
-    print(f"descriptors: {len(before)} at the start, {max(number for *_, number in samples)} "
+    print(f"descriptors: {len(before)} at the start, {max(most, *(number for *_, number in samples))} "
           f"at most, {len(agent.descriptors())} at rest")
     if not received > 1000 * float(minutes):
         problems.append("hardly a frame was received")
@@ -385,7 +400,8 @@ def crowd(application, minutes, pid, path, memory):
     key = int.from_bytes(JOINED[application][1][:8], "big")
     if subprocess.call(stormy + [here, "join", application, "s0", "s1"]) != 0:
         problems.append("a join is not answered")
-    signal.alarm(30)  # ends this, and the soak, if the line does not come
+    signal.signal(signal.SIGALRM, lambda *_: observer.kill())
+    signal.alarm(30)
     for line in observer.stdout:
         if re.match(rf"\+ p0 type 1 key {key} .. IN ", line):
             break
