@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <csignal>
 #include <memory>
 #include <optional>
@@ -78,6 +79,39 @@ TEST_F( LinuxLoop, aTimerThatIsAlwaysDueKeepsNoInputOut ) {
    Seconds const start = now();
    activity.runFor( 30 );
    EXPECT_LT( now() - start, 15 );
+}
+
+// As leave timers in a storm: each of them reads a frame, and there are as many as attributes.
+TEST_F( LinuxLoop, aTickOfManySlowTimersKeepsNobodyOut ) {
+   Korv::Ptr< Dovr::TimerWheel > const wheel(
+      new Dovr::TimerWheel( nullptr, activity.clock(), 100, 600, true, 16 ) );
+   std::vector< std::unique_ptr< WheelTimer > > timers;
+   std::vector< int > fired;
+   for ( int i = 0; i < 60; ++i ) {
+      timers.push_back( std::make_unique< WheelTimer >(
+         [&fired, i] {
+            ::usleep( 10'000 );
+            fired.push_back( i );
+         },
+         wheel ) );
+      timers.back()->timeMinIs( wheel->tickTime( 1 ) );
+   }
+   std::size_t firedBeforeInput = 0, firedBeforeReview = 0;
+   a.write();
+   Timer review( [&] { firedBeforeReview = fired.size(); }, Rank::review );
+   review.timeMinIs( wheel->tickTime( 1 ) + 0.05 );
+   auto const input = watch( a, [&]( Korv::U32 ) {
+      a.read();
+      firedBeforeInput = fired.size();
+   } );
+   ::usleep( 120'000 );
+   while ( fired.size() < timers.size() ) {
+      rounds( 1 );
+   }
+   EXPECT_TRUE( std::is_sorted( fired.begin(), fired.end() ) );
+   EXPECT_GT( firedBeforeInput, 0u ); // the wheel is ahead
+   EXPECT_LT( firedBeforeInput, 10u );
+   EXPECT_LT( firedBeforeReview, 30u );
 }
 
 TEST_F( LinuxLoop, idleTimersCostNothing ) {

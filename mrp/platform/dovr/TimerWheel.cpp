@@ -106,12 +106,19 @@ void TimerWheel::handleTick() {
       unlink( reactor );
       reactor.timeMin_ = Korv::never;
       reactor.onTime();
+      if ( Korv::activityManager().isTurnOver() ) {
+         // Not for the time of the tick: that would be before all that has become due since.
+         brokenOffAt_ = clock_->now();
+         break;
+      }
    }
 }
 
 void TimerWheel::armClock() {
    if ( runningTick_ == 0 ) {
-      wakeUp_.timeMinIs( buckets_.empty() ? Korv::never : tickTime( buckets_.back().tick ) );
+      wakeUp_.timeMinIs( buckets_.empty()
+                            ? Korv::never
+                            : std::max( tickTime( buckets_.back().tick ), brokenOffAt_ ) );
    }
 }
 

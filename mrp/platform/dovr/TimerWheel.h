@@ -17,6 +17,9 @@ using Korv::U64;
 // of 0.1 seconds is the next tick and not the one after. Timers of one tick fire in the order of
 // their latest arming, and with one `now`.
 //
+// A tick of so many timers that others wait for too long is broken off: the rest of it fires, in
+// its order, when the loop has come round.
+//
 // It wakes up only for ticks that hold timers. Arming and disarming cost a search in the row of
 // such ticks and allocate nothing.
 //
@@ -26,7 +29,7 @@ using Korv::U64;
 //  1. buckets_ stands in descending order of ticks, so that the next one is at its end; no bucket
 //     is empty.
 //  2. While no tick is being processed, the wheel's one timer on the clock is armed for the next
-//     bucket's tick, or not at all.
+//     bucket's tick, or for the time at which that was broken off, or not at all.
 class TimerWheel : public Korv::PtrInterface {
  public:
    class Reactor {
@@ -98,7 +101,8 @@ class TimerWheel : public Korv::PtrInterface {
    Seconds madeAt_;
    Tick wakeUp_;
    std::vector< Bucket > buckets_;
-   U64 runningTick_ = 0; // 0: none
+   U64 runningTick_ = 0;     // 0: none
+   Seconds brokenOffAt_ = 0; // what is left of that time's ticks is due no sooner
 };
 
 } // namespace Dovr

@@ -98,6 +98,10 @@ class ActivityManager {
 
    Ptr< Clock > const & clock() const { return clock_; }
 
+   // Whether a notification that has many things to do should leave the rest for the next round,
+   // since others have waited for long enough. Never where no time passes meanwhile.
+   virtual bool isTurnOver() const { return false; }
+
  protected:
    ActivityManager();
 

@@ -17,6 +17,9 @@ namespace {
 // A timer that arms itself again for the time that it is must not keep input out for good.
 constexpr int timersARound = 1024;
 
+// So long input waits for timers that are due, or for one of them if that takes longer.
+constexpr Seconds timersTurn = 0.02;
+
 // How late a timer still counts as fired at its time. No loop wakes on the dot; a periodic timer of
 // the wheel, which asks for its next tick from the time that it is told, must not miss that tick.
 constexpr Seconds punctual = 0.05;
@@ -66,6 +69,7 @@ void RealActivity::runUntil( Seconds end ) {
 }
 
 void RealActivity::fireTimers( Seconds time ) {
+   turnEnd_ = time + timersTurn;
    for ( int fired = 0; fired < timersARound && !stopping_; ++fired ) {
       Seconds const due = clock()->nextTime();
       if ( due > time ) {
@@ -73,6 +77,9 @@ void RealActivity::fireTimers( Seconds time ) {
       }
       clock()->nowIs( time - due < punctual ? std::max( due, clock()->now() ) : time );
       clock()->doFireNext();
+      if ( isTurnOver() ) {
+         return;
+      }
    }
 }
 

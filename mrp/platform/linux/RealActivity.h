@@ -15,7 +15,9 @@ using Korv::Seconds;
 // One round of the loop takes the time, fires the timers that are due by then, in the clock's
 // order and each at the time that it was due for unless that is long past, and gives one ready
 // descriptor its turn. So the wheel's tick is ahead of review timers, and these of input, whatever
-// storm is blowing; and descriptors take turns. With nothing to do it sleeps until the next timer
+// storm is blowing; and descriptors take turns. Timers that take longer than a turn (20 ms) leave
+// the rest of them for the next round: a leave timer reads a frame, and in a storm thousands of
+// them would keep everybody else waiting. With nothing to do it sleeps until the next timer
 // or input, whichever comes first, and wakes for nothing else: timers that are not due cost
 // nothing, however many they are.
 //
@@ -32,6 +34,8 @@ class RealActivity : public Korv::ActivityManager {
    void runFor( Seconds duration ) { runUntil( monotonicTime() + duration ); }
    // From within a notification: the loop ends with it.
    void doStop() { stopping_ = true; }
+
+   bool isTurnOver() const override { return monotonicTime() >= turnEnd_; }
 
    // How often the loop has been woken from sleep, and the kernel's timer set: for those who look
    // after idle processes.
@@ -50,6 +54,7 @@ class RealActivity : public Korv::ActivityManager {
 
    Descriptor epoll_;
    Descriptor timer_;
+   Seconds turnEnd_ = Korv::never;  // of the timers of this round
    Seconds armedFor_ = Korv::never; // what timer_ is set for; never, once it has gone off
    Korv::U64 wakeUps_ = 0;
    Korv::U64 timerSettings_ = 0;

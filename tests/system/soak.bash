@@ -1,0 +1,38 @@
+# shellcheck shell=bash source-path=SCRIPTDIR source=stations.bash
+# What scripts/soak starts: soak.bash APPLICATION MINUTES. One host is the storm, with a cable to
+# each of the two ports of the other, which runs the command.
+. "$(dirname "$0")/stations.bash"
+
+application=$1 minutes=$2
+host agent storm
+wire storm s0 agent p0
+wire storm s1 agent p1
+on agent ip link set lo up
+
+options=( --leave-time 0.6 --leave-all-time 5 --metrics 9100 --log errors --trace Mrp/3 )
+case $application in
+   mvrp) options+=( --bridge --declare 10,20-29 ) ;;
+   msrp) options+=( --listener 02:00:00:00:00:09:00:01
+      --talker stream=02:00:00:00:00:09:00:02,dest=91:e0:f0:00:09:02,frame-size=100 ) ;;
+esac
+# Not by `run`, which keeps what is printed: that would be gigabytes.
+ip netns exec agent "$MRP" run --application "$application" "${options[@]}" p0 p1 \
+   > /dev/null 2> "$work/agent.err" &
+pids[agent]=$!
+memory=compared
+! grep -q __asan_init "$MRP" || memory=sanitized
+
+verdict=passed
+on agent python3 "$(dirname "$0")/soak.py" crowd "$application" "$minutes" "${pids[agent]}" \
+   "/run/mrp/$application.sock" $memory || verdict=failed
+grep -v '^Mrp/3 ' "$work/agent.err" | sort | uniq -c | sort -rn | sed -n '1,10p'
+echo "commits found the observer's socket clogged $(grep -c 'above threshold' "$work/agent.err") times"
+status=0
+stop agent INT || status=$?
+if [ $status != 0 ]; then
+   verdict=failed
+   echo "SIGINT ended it with status $status"
+   tail -n 30 "$work/agent.err"
+fi
+echo "soak $verdict: $application, $minutes minutes"
+[ $verdict = passed ]
