@@ -27,6 +27,9 @@ MrpAttrDatabase * MrpSm::mrpGetAttrFromDatabase( Pelk::IntfId intfId, U8 attribu
    }
    bool const isContext = parseContext_ && intfId == parseContext_->intfId() &&
                           attributeType == parseContext_->attributeType();
+   if ( isContext && attributeKey == parseContext_->attributeKey() && nothingIsPending() ) {
+      return contextAttributeInTree();
+   }
    MrpIntfTypeApplicant const * const type =
       isContext ? contextType() : searchType( intfId, attributeType );
    MrpAttrDatabase * const found = type ? type->mrpAttribute( attributeKey ) : nullptr;

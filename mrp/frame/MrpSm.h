@@ -357,7 +357,8 @@ class MrpSm : public Korv::PtrInterface {
       return parseContext_->placeChanges() + Korv::membershipChanges< Korv::Entity >;
    }
    U64 attributeState() const {
-      return typeState() + parseContext_->keyChanges() + Korv::membershipChanges< MrpAttrDatabase >;
+      return parseContext_->attributeChanges() + Korv::membershipChanges< Korv::Entity > +
+             Korv::membershipChanges< MrpAttrDatabase >;
    }
    MrpAttrDatabase * mrpFindAttribute( bool addIfNotFound );
    MrpAttrDatabase * mrpAddAttrToDatabase( Pelk::IntfId intfId, U8 attributeType, U64 attributeKey,

@@ -29,8 +29,7 @@ void deleteEntry( MrpRegistrarSm::LeaveSms const & machines, MrpAttribute const 
    if ( machines.empty() ) {
       return;
    }
-   MrpLeaveSm * const machine = Korv::memberAt( machines, key );
-   if ( machine && machine->leavePending( attributeKey ) ) {
+   if ( MrpLeaveSm * const machine = Korv::memberAt( machines, key ) ) {
       machine->leavePendingDel( attributeKey );
    }
 }
@@ -46,10 +45,9 @@ void MrpRegistrarSm::mrpAddAttrToLeavePending() {
    MrpAttribute const attribute = namedAttribute( *mrpSm_->parseContext() );
    MrpLeaveSm * const machine = registrarEvent_ == regLv ? explicitLeaveSmIs( attribute )
                                                          : leaveSmIs( sharedKey( attribute ) );
-   if ( machine->leavePending( attribute.attributeVal() ) ) {
+   if ( !machine->leavePendingIs( attribute.attributeVal(), true ) ) {
       return;
    }
-   machine->leavePendingIs( attribute.attributeVal(), true );
    bool const ownTime = registrarEvent_ == regTxLvAll &&
                         mrpConfig_->txLeaveAllExpiryTime() != unsetTxLeaveAllExpiryTime;
    machine->doScheduleLeaveTimer( ownTime ? mrpConfig_->txLeaveAllExpiryTime()

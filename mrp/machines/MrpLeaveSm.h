@@ -36,10 +36,11 @@ class MrpLeaveSm : public Korv::PtrInterface {
       bool const * const found = leavePending_.find( attributeKey );
       return found && *found;
    }
-   void leavePendingIs( U64 attributeKey, bool v ) {
-      leavePending_.insertOrAssign( attributeKey, v );
+   // True if the attribute did not wait before.
+   bool leavePendingIs( U64 attributeKey, bool v ) {
+      return leavePending_.insertOrAssign( attributeKey, v );
    }
-   void newLeavePending( U64 attributeKey, bool v ) { leavePendingIs( attributeKey, v ); }
+   bool newLeavePending( U64 attributeKey, bool v ) { return leavePendingIs( attributeKey, v ); }
    void leavePendingDel( U64 attributeKey ) { leavePending_.erase( attributeKey ); }
    void leavePendingDelAll() { leavePending_.clear(); }
 

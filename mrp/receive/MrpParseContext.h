@@ -36,6 +36,7 @@ class MrpParseContext : public Korv::NamedEntity {
    void intfIdIs( Pelk::IntfId v ) {
       if ( intfId_ != v ) {
          ++placeChanges_;
+         ++attributeChanges_;
          set( intfId_, v, &Reactor::onIntfId );
       }
    }
@@ -43,20 +44,21 @@ class MrpParseContext : public Korv::NamedEntity {
    void attributeTypeIs( U8 v ) {
       if ( attributeType_ != v ) {
          ++placeChanges_;
+         ++attributeChanges_;
          set( attributeType_, v, &Reactor::onAttributeType );
       }
    }
    U64 attributeKey() const { return attributeKey_; }
    void attributeKeyIs( U64 v ) {
       if ( attributeKey_ != v ) {
-         ++keyChanges_;
+         ++attributeChanges_;
          set( attributeKey_, v, &Reactor::onAttributeKey );
       }
    }
-   // How often interface or type have changed, and how often the key has: whoever remembers what it
-   // found for them sees by these whether that still holds.
+   // How often interface or type have changed, and how often any of the three: whoever remembers
+   // what it found for them sees by these whether that still holds.
    U64 placeChanges() const { return placeChanges_; }
-   U64 keyChanges() const { return keyChanges_; }
+   U64 attributeChanges() const { return attributeChanges_; }
    // A MrpThreePackedEvent number.
    U8 attributeEvent() const { return attributeEvent_; }
    void attributeEventIs( U8 v ) { set( attributeEvent_, v, &Reactor::onAttributeEvent ); }
@@ -108,7 +110,7 @@ class MrpParseContext : public Korv::NamedEntity {
    Pelk::IntfId intfId_;
    U64 attributeKey_ = 0;
    U64 placeChanges_ = 0;
-   U64 keyChanges_ = 0;
+   U64 attributeChanges_ = 0;
    U32 eventsCounter_ = 0;
    U16 attributeListBytesLeft_ = 0;
    U16 numberOfValues_ = 0;

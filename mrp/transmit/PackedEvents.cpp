@@ -21,9 +21,13 @@ void numberOfValuesIs( U8 * vector, U32 n ) {
 void mrpEncodeThreePackedEvent( U8 * vector, U8 event, U16 eventNum ) {
    U32 const k = eventNum - 1u;
    U8 & byte = vector[k / eventsPerThreePackedByte];
-   U32 digits[3] = { byte / 36u, byte / 6u % 6u, byte % 6u };
-   digits[k % eventsPerThreePackedByte] = event;
-   byte = static_cast< U8 >( ( digits[0] * 6 + digits[1] ) * 6 + digits[2] );
+   U32 packed = 0;
+   switch ( k % eventsPerThreePackedByte ) {
+   case 0: packed = event * 36u + byte % 36u; break;
+   case 1: packed = byte / 36u * 36u + event * 6u + byte % 6u; break;
+   case 2: packed = byte / 6u * 6u + event; break;
+   }
+   byte = static_cast< U8 >( packed );
 }
 
 void mrpEncodeFourPackedEvent( U8 * vector, MsrpListenerEvent event, U16 eventNum ) {

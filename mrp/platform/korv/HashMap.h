@@ -31,12 +31,11 @@ class HashMap {
    bool isMember( K const & key ) const { return find( key ) != nullptr; }
 
    V * find( K const & key ) {
-      std::size_t const at = locate( key );
-      return at == nowhere ? nullptr : &members_[at].value;
+      return const_cast< V * >( static_cast< HashMap const * >( this )->find( key ) );
    }
    V const * find( K const & key ) const {
-      std::size_t const at = locate( key );
-      return at == nowhere ? nullptr : &members_[at].value;
+      Member const * const member = locate( key );
+      return member ? &member->value : nullptr;
    }
 
    // The value under the key, made by `make()` if there is none yet.
@@ -49,7 +48,9 @@ class HashMap {
       makeRoom();
       members_.push_back( Member{ nextSequence_++, key, std::move( fresh ), true } );
       ++present_;
-      indexAdd( members_.size() - 1 );
+      if ( isIndexed() ) {
+         indexAdd( members_.size() - 1 );
+      }
       return members_.back().value;
    }
 
@@ -61,15 +62,15 @@ class HashMap {
    // Takes the member out; true if it was there. The value lives until it has left the map, so
    // that its end may come back here.
    bool erase( K const & key ) {
-      std::size_t const at = locate( key );
-      if ( at == nowhere ) {
+      Member * const member = const_cast< Member * >( locate( key ) );
+      if ( !member ) {
          return false;
       }
-      [[maybe_unused]] V const leaving = std::exchange( members_[at].value, V{} );
-      members_[at].present = false;
+      [[maybe_unused]] V const leaving = std::exchange( member->value, V{} );
+      member->present = false;
       if ( --present_ == 0 ) {
          members_.clear();
-         std::fill( index_.begin(), index_.end(), 0u );
+         index_.clear();
       }
       return true;
    }
@@ -124,28 +125,29 @@ class HashMap {
    Walk walk() const { return Walk( this ); }
 
  private:
-   static constexpr std::size_t nowhere = ~std::size_t{ 0 };
-   // Up to here looking at each member is quicker than scattering the key.
+   // Up to here looking at each member is quicker than scattering the key, and there is no index.
    static constexpr std::size_t fewMembers = 6;
 
-   std::size_t locate( K const & key ) const {
-      if ( members_.size() <= fewMembers ) {
-         for ( std::size_t at = 0; at < members_.size(); ++at ) {
-            if ( members_[at].present && members_[at].key == key ) {
-               return at;
+   bool isIndexed() const { return !index_.empty(); }
+
+   Member const * locate( K const & key ) const {
+      if ( !isIndexed() ) {
+         for ( Member const & member : members_ ) {
+            if ( member.present && member.key == key ) {
+               return &member;
             }
          }
-         return nowhere;
+         return nullptr;
       }
       std::size_t const mask = index_.size() - 1;
       for ( std::size_t slot = spread( key ) & mask; index_[slot] != 0;
             slot = ( slot + 1 ) & mask ) {
          Member const & member = members_[index_[slot] - 1];
          if ( member.present && member.key == key ) {
-            return index_[slot] - 1;
+            return &member;
          }
       }
-      return nowhere;
+      return nullptr;
    }
 
    // Clears out members that have gone once they are half of the row, and keeps the index at most
@@ -155,7 +157,8 @@ class HashMap {
       if ( crowded ) {
          std::erase_if( members_, []( Member const & member ) { return !member.present; } );
       }
-      bool const growing = 2 * ( members_.size() + 1 ) > index_.size();
+      bool const growing =
+         members_.size() >= fewMembers && 2 * ( members_.size() + 1 ) > index_.size();
       if ( crowded || growing ) {
          std::size_t slots = 16;
          while ( slots < 4 * ( members_.size() + 1 ) ) {

@@ -15,6 +15,7 @@
 #include "mrp/platform/korv/Types.h"
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -22,13 +23,63 @@ namespace Korv {
 
 template < class K, class V >
 class OrderedMap {
-   // A vector of bool would pack bits and give no addresses.
-   struct Cell {
-      V value;
-   };
-   struct Row {
-      std::vector< K > keys;
-      std::vector< Cell > cells;
+   static constexpr std::size_t rowSize = 64;
+
+   // Some members that stand side by side, in memory that doubles.
+   class Row {
+    public:
+      std::size_t size() const { return size_; }
+      bool isFull() const { return size_ >= rowSize; }
+      K const & key( std::size_t at ) const { return keys_[at]; }
+      V & value( std::size_t at ) const { return values_[at]; }
+      K const * begin() const { return keys_.get(); }
+      K const * end() const { return keys_.get() + size_; }
+
+      // For one more, or for so many.
+      void makeRoom() {
+         if ( size_ == room_ ) {
+            makeRoom( std::max( 2 * size_, 1u ) );
+         }
+      }
+      void makeRoom( std::size_t room ) {
+         auto keys = std::make_unique< K[] >( room );
+         auto values = std::make_unique< V[] >( room );
+         std::copy( keys_.get(), keys_.get() + size_, keys.get() );
+         std::move( values_.get(), values_.get() + size_, values.get() );
+         keys_ = std::move( keys );
+         values_ = std::move( values );
+         room_ = static_cast< U32 >( room );
+      }
+      // There is room.
+      void insert( std::size_t at, K const & key, V && value ) {
+         std::move_backward( keys_.get() + at, keys_.get() + size_, keys_.get() + size_ + 1 );
+         std::move_backward( values_.get() + at, values_.get() + size_, values_.get() + size_ + 1 );
+         keys_[at] = key;
+         values_[at] = std::move( value );
+         ++size_;
+      }
+      // What stood there, which the caller lets go when the row is whole again.
+      V take( std::size_t at ) {
+         V taken = std::move( values_[at] );
+         std::move( keys_.get() + at + 1, keys_.get() + size_, keys_.get() + at );
+         std::move( values_.get() + at + 1, values_.get() + size_, values_.get() + at );
+         --size_;
+         return taken;
+      }
+      // The members from there on go to the end of the other row, which has room for them.
+      void moveTo( Row & other, std::size_t from ) {
+         std::copy( keys_.get() + from, keys_.get() + size_, other.keys_.get() + other.size_ );
+         std::move( values_.get() + from, values_.get() + size_,
+                    other.values_.get() + other.size_ );
+         other.size_ += size_ - static_cast< U32 >( from );
+         size_ = static_cast< U32 >( from );
+      }
+
+    private:
+      std::unique_ptr< K[] > keys_;
+      std::unique_ptr< V[] > values_;
+      U32 size_ = 0;
+      U32 room_ = 0;
    };
    struct Place {
       std::size_t row = 0;
@@ -51,9 +102,9 @@ class OrderedMap {
       // The neighbour of the member found last, that member itself, and only then a search.
       if ( last_.row ) {
          for ( std::size_t const at : { last_.at + 1, last_.at } ) {
-            if ( at < last_.row->keys.size() && last_.row->keys[at] == key ) {
+            if ( at < last_.row->size() && last_.row->key( at ) == key ) {
                last_.at = at;
-               return &last_.row->cells[at].value;
+               return &last_.row->value( at );
             }
          }
       }
@@ -68,13 +119,13 @@ class OrderedMap {
          return nullptr;
       }
       std::size_t at = last_.at + places;
-      if ( at >= row->cells.size() ) [[unlikely]] {
-         at -= row->cells.size();
-         if ( ++row == rows_.data() + rows_.size() || at >= row->cells.size() ) {
+      if ( at >= row->size() ) [[unlikely]] {
+         at -= row->size();
+         if ( ++row == rows_.data() + rows_.size() || at >= row->size() ) {
             return nullptr;
          }
       }
-      return &row->cells[at].value;
+      return &row->value( at );
    }
 
    // The value under the key, made by `make()` if there is none yet.
@@ -88,7 +139,7 @@ class OrderedMap {
       V fresh = make();
       Place const place = insertAt( placeOf( key ), key, std::move( fresh ) );
       last_ = { &rows_[place.row], place.at };
-      return rows_[place.row].cells[place.at].value;
+      return rows_[place.row].value( place.at );
    }
 
    // True if the key was not there before.
@@ -104,19 +155,16 @@ class OrderedMap {
       }
       Place const place{ static_cast< std::size_t >( last_.row - rows_.data() ), last_.at };
       Row & row = rows_[place.row];
-      [[maybe_unused]] V const leaving = std::move( row.cells[place.at].value );
-      auto const offset = static_cast< std::ptrdiff_t >( place.at );
-      row.keys.erase( row.keys.begin() + offset );
-      row.cells.erase( row.cells.begin() + offset );
+      [[maybe_unused]] V const leaving = row.take( place.at );
       // The next key in order now stands behind the place before this one.
       last_ = { &row, place.at - 1 };
-      auto const rowOffset = static_cast< std::ptrdiff_t >( place.row );
-      if ( row.keys.empty() ) {
+      if ( row.size() == 0 ) {
+         auto const rowOffset = static_cast< std::ptrdiff_t >( place.row );
          rows_.erase( rows_.begin() + rowOffset );
          lowest_.erase( lowest_.begin() + rowOffset );
          last_ = {};
       } else {
-         lowest_[place.row] = row.keys.front();
+         lowest_[place.row] = row.key( 0 );
       }
       --size_;
       ++changes_;
@@ -125,7 +173,7 @@ class OrderedMap {
 
    void clear() {
       while ( !empty() ) {
-         erase( rows_.back().keys.back() );
+         erase( highest() );
       }
    }
 
@@ -154,7 +202,7 @@ class OrderedMap {
          changes_ = map_->changes_;
          valid_ = map_->isPlace( place_ );
          if ( valid_ ) {
-            key_ = map_->rows_[place_.row].keys[place_.at];
+            key_ = map_->rows_[place_.row].key( place_.at );
          }
       }
       OrderedMap const * map_;
@@ -166,10 +214,8 @@ class OrderedMap {
    Walk walk() const { return Walk( this ); }
 
  private:
-   static constexpr std::size_t rowSize = 64;
-
    V const * search( K const & key ) const {
-      if ( size_ == 0 ) {
+      if ( isBehindAll( key ) ) {
          return nullptr;
       }
       Place const place = lowerBound( key );
@@ -177,17 +223,17 @@ class OrderedMap {
          return nullptr;
       }
       last_ = { &rows_[place.row], place.at };
-      return &last_.row->cells[place.at].value;
+      return &last_.row->value( place.at );
    }
 
    bool isPlace( Place const & place ) const {
-      return place.row < rows_.size() && place.at < rows_[place.row].keys.size();
+      return place.row < rows_.size() && place.at < rows_[place.row].size();
    }
    bool isAt( Place const & place, K const & key ) const {
-      return isPlace( place ) && rows_[place.row].keys[place.at] == key;
+      return isPlace( place ) && rows_[place.row].key( place.at ) == key;
    }
    void stepForward( Place & place ) const {
-      if ( place.row < rows_.size() && ++place.at >= rows_[place.row].keys.size() ) {
+      if ( place.row < rows_.size() && ++place.at >= rows_[place.row].size() ) {
          ++place.row;
          place.at = 0;
       }
@@ -201,7 +247,7 @@ class OrderedMap {
    }
    Place lowerBound( K const & key ) const {
       std::size_t const row = rowOf( key );
-      auto const & keys = rows_[row].keys;
+      Row const & keys = rows_[row];
       auto const at = std::lower_bound( keys.begin(), keys.end(), key );
       return { row, static_cast< std::size_t >( at - keys.begin() ) };
    }
@@ -219,12 +265,13 @@ class OrderedMap {
       return place;
    }
    // Of a key above all, the usual newcomer when runs are put in.
-   bool isBehindAll( K const & key ) const { return size_ == 0 || rows_.back().keys.back() < key; }
+   bool isBehindAll( K const & key ) const { return size_ == 0 || highest() < key; }
+   K const & highest() const { return rows_.back().key( rows_.back().size() - 1 ); }
    Place placeOf( K const & key ) const {
       if ( size_ == 0 ) {
          return {};
       }
-      return isBehindAll( key ) ? Place{ rows_.size() - 1, rows_.back().keys.size() }
+      return isBehindAll( key ) ? Place{ rows_.size() - 1, rows_.back().size() }
                                 : lowerBound( key );
    }
 
@@ -238,7 +285,7 @@ class OrderedMap {
 
    // All memory is taken before anything is moved.
    Place insertAt( Place place, K const & key, V && value ) {
-      bool const isFull = !rows_.empty() && rows_[place.row].keys.size() >= rowSize;
+      bool const isFull = !rows_.empty() && rows_[place.row].isFull();
       if ( isFull || rows_.empty() ) {
          last_ = {}; // rows move
          makeRoom( rows_ );
@@ -248,18 +295,14 @@ class OrderedMap {
          place = splitAt( place );
       } else if ( rows_.empty() ) {
          Row first;
-         makeRoom( first.keys );
-         makeRoom( first.cells );
+         first.makeRoom();
          rows_.push_back( std::move( first ) );
          lowest_.push_back( key );
       }
       Row & row = rows_[place.row];
-      makeRoom( row.keys );
-      makeRoom( row.cells );
-      auto const offset = static_cast< std::ptrdiff_t >( place.at );
-      row.keys.insert( row.keys.begin() + offset, key );
-      row.cells.insert( row.cells.begin() + offset, Cell{ std::move( value ) } );
-      lowest_[place.row] = row.keys.front();
+      row.makeRoom();
+      row.insert( place.at, key, std::move( value ) );
+      lowest_[place.row] = row.key( 0 );
       ++size_;
       ++changes_;
       return place;
@@ -269,19 +312,12 @@ class OrderedMap {
    // that keys which come in ascending order fill their rows.
    Place splitAt( Place place ) {
       Row & row = rows_[place.row];
-      std::size_t const keep = place.at == row.keys.size() ? row.keys.size() : row.keys.size() / 2;
-      auto const offset = static_cast< std::ptrdiff_t >( keep );
+      std::size_t const keep = place.at == row.size() ? row.size() : row.size() / 2;
       Row upper;
-      std::size_t const room = row.keys.size() - keep + 1;
-      upper.keys.reserve( room );
-      upper.cells.reserve( room );
-      upper.keys.assign( row.keys.begin() + offset, row.keys.end() );
-      upper.cells.assign( std::make_move_iterator( row.cells.begin() + offset ),
-                          std::make_move_iterator( row.cells.end() ) );
-      row.keys.erase( row.keys.begin() + offset, row.keys.end() );
-      row.cells.erase( row.cells.begin() + offset, row.cells.end() );
+      upper.makeRoom( row.size() - keep + 1 );
+      row.moveTo( upper, keep );
       auto const next = static_cast< std::ptrdiff_t >( place.row ) + 1;
-      lowest_.insert( lowest_.begin() + next, upper.keys.empty() ? K{} : upper.keys.front() );
+      lowest_.insert( lowest_.begin() + next, upper.size() == 0 ? K{} : upper.key( 0 ) );
       rows_.insert( rows_.begin() + next, std::move( upper ) );
       return place.at > keep || keep == rowSize ? Place{ place.row + 1, place.at - keep } : place;
    }
