@@ -85,17 +85,18 @@ MrpParseStatus MrpSm::parseAttributeList( Korv::Ptr< Pelk::Pkt > const & pkt ) {
       if ( nextU16( *pkt ) == endOfMark ) {
          break;
       }
-      if ( status != parseOk || pkt->bytes() <= 2 ) {
+      if ( status != parseOk || pkt->bytes() <= endMarkBytes ) {
          mrpCounters_->numOfMalformedPktsInc( 1 );
          return parseMalformedPkt;
       }
    }
    // All that is checked of the AttributeListLength: just the EndMark's two bytes are left of it.
-   if ( mrpLib_->application() == MSRP && parseContext_->attributeListBytesLeft() != 2 ) {
+   if ( mrpLib_->application() == MSRP &&
+        parseContext_->attributeListBytesLeft() != endMarkBytes ) {
       mrpCounters_->numOfMalformedPktsInc( 1 );
       return parseMalformedPkt;
    }
-   pkt->delSharedHeadData( 2 );
+   pkt->delSharedHeadData( endMarkBytes );
    return status;
 }
 
@@ -113,15 +114,15 @@ void MrpSm::skipMessageDueToFutureProtocolVersion( Korv::Ptr< Pelk::Pkt > const 
    // before that one the loop would never end.
    do {
       U16 const values = mrpGetNumOfValues( pkt->frontData() );
-      std::size_t const step = ( packedBytes( values, eventsPerThreePackedByte ) + 2u +
-                                 parseContext_->attributeLength() ) &
-                               255u;
+      U8 const step =
+         static_cast< U8 >( vectorHeaderBytes + packedBytes( values, eventsPerThreePackedByte ) +
+                            parseContext_->attributeLength() );
       if ( step == 0 && nextU16( *pkt ) != endOfMark ) {
          return;
       }
       pkt->delSharedHeadData( step );
    } while ( nextU16( *pkt ) != endOfMark );
-   pkt->delSharedHeadData( 2 );
+   pkt->delSharedHeadData( endMarkBytes );
 }
 
 } // namespace Mrp

@@ -76,7 +76,7 @@ MrpParseStatus MrpSm::parseVectorAttribute( Korv::Ptr< Pelk::Pkt > const & pkt )
       context.leaveAllIs( nullLeaveAll );
    }
    context.numberOfValuesIs( values );
-   pkt->delSharedHeadData( 2 );
+   pkt->delSharedHeadData( vectorHeaderBytes );
 
    switch ( mrpLib_->application() ) {
    case MSRP: return parseMsrpVector( pkt );
@@ -199,7 +199,7 @@ MrpSm::parseThreePackedEvents( Korv::Ptr< Pelk::Pkt > const & pkt ) {
          processValue< decltype( kind ) >( event, eventNum );
       } );
    } );
-   context.attributeListBytesLeftDec( packed + context.attributeLength() + 2u );
+   context.attributeListBytesLeftDec( packed + context.attributeLength() + vectorHeaderBytes );
    pkt->delSharedHeadData( packed );
    return parseOk;
 }
@@ -211,7 +211,7 @@ MrpParseStatus MrpSm::parseThreeFourPackedEvents( Korv::Ptr< Pelk::Pkt > const &
    U32 const total = three + packedBytes( n, eventsPerFourPackedByte );
    if ( n == 0 ) {
       noteLeaveAllOnlyVector( context );
-      context.attributeListBytesLeftDec( context.attributeLength() + 2u );
+      context.attributeListBytesLeftDec( context.attributeLength() + vectorHeaderBytes );
       return parseOk;
    }
    if ( total > pkt->bytes() ) {
@@ -220,7 +220,7 @@ MrpParseStatus MrpSm::parseThreeFourPackedEvents( Korv::Ptr< Pelk::Pkt > const &
    walkThreePacked( pkt->frontData(), n, [&]( U8 event, U16 eventNum ) {
       processThreeAndFourPacked( pkt, event, eventNum, static_cast< U16 >( three ) );
    } );
-   context.attributeListBytesLeftDec( total + context.attributeLength() + 2u );
+   context.attributeListBytesLeftDec( total + context.attributeLength() + vectorHeaderBytes );
    pkt->delSharedHeadData( total );
    return parseOk;
 }

@@ -10,7 +10,7 @@
 #include "mrp/platform/pelk/EthHdr.h"
 #include "mrp/transmit/OpenFrame.h"
 #include "mrp/transmit/VectorEncoding.h"
-#include "mrp/vocabulary/MrpMsrp.h"
+#include "mrp/vocabulary/VectorFormat.h"
 
 namespace Mrp {
 
@@ -18,7 +18,6 @@ namespace {
 
 // The Ethernet header and the ProtocolVersion.
 constexpr std::size_t headBytes = sizeof( Pelk::EthHdr ) + 1;
-constexpr U16 endMarkBytes = 2;
 
 // Ends the open message, if there is one, and the MRPDU; the bytes of the body.
 U16 closeBody( MrpTxPacketContext const & context, MrpApplication application ) {

@@ -11,7 +11,10 @@
 
 namespace Mrp {
 
-// Bit 13 alone decides LeaveAll; bits 15 and 14 mean nothing.
+inline constexpr U32 vectorHeaderBytes = 2;
+inline constexpr U32 endMarkBytes = 2; // of a list and of the MRPDU
+
+// Of a VectorHeader. Bit 13 alone decides LeaveAll; bits 15 and 14 mean nothing.
 inline constexpr U16 leaveAllBit = 0x2000;
 inline constexpr U16 numberOfValuesMask = 0x1FFF;
 
@@ -33,7 +36,7 @@ inline U16 mvrpGetSizeOfVector( void const * vector ) {
    if ( n == 0 && ( header & leaveAllBit ) == 0 ) {
       return 0;
    }
-   return static_cast< U16 >( sizeof header + sizeof( MvrpVlanAttribute ) +
+   return static_cast< U16 >( vectorHeaderBytes + sizeof( MvrpVlanAttribute ) +
                               packedBytes( n, eventsPerThreePackedByte ) );
 }
 

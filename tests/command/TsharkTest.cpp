@@ -18,7 +18,7 @@ std::string numbersOf( Decoded const & frame ) {
    for ( DecodedMessage const & message : frame.messages ) {
       bool const isListener = frame.protocol == Protocol::msrp && message.type == listenerType;
       for ( DecodedVector const & vector : message.vectors ) {
-         leaveAlls += vector.leaveAll() ? "1," : "0,";
+         leaveAlls += vector.leaveAll ? "1," : "0,";
          sizes += std::to_string( vector.values.size() ) + ',';
          for ( Declared const & value : vector.values ) {
             events += std::to_string( value.event ) + ',';
