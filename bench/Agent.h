@@ -42,7 +42,7 @@ class Agent {
 
    U64 joins() const { return sm_->mrpCounters()->numOfJoinIndications(); }
    U64 framesSent() const { return sm_->mrpCounters()->numOfPktsTransmitted(); }
-   // In the tree, over all interfaces.
+   // How many attributes of the type are in the tree, over all interfaces.
    std::size_t committed( Korv::U8 attributeType ) const;
    // Those of them that are registered.
    std::size_t registered( Korv::U8 attributeType ) const;

@@ -60,7 +60,7 @@ class Participant {
    void deliverPastFilter( Pelk::IntfId intfId, Memory::FrameBytes frame ) {
       deliver( intfId, frame, &Memory::Pam::deliverAnything );
    }
-   // Of an interface that is enabled: how many frames the filter has held back.
+   // How many frames the filter of an interface has held back, if it is enabled.
    Korv::U64 heldBack( Pelk::IntfId intfId ) const;
 
  private:

@@ -49,7 +49,7 @@ using Bytes = std::vector< U8 >;
 // The value is given as the record that the database keeps. Bytes that are no such record come out
 // in hexadecimal.
 Fields valueFields( Mrp::MrpApplication application, U8 attributeType, Bytes const & value );
-// Of values that follow on each other, from the first to the last: "10-13".
+// The same for values that follow on each other, from the first to the last: "10-13".
 Fields rangeFields( Mrp::MrpApplication application, U8 attributeType, Bytes const & first,
                     Bytes const & last );
 // The value one step on, as in a vector.

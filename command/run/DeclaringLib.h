@@ -111,7 +111,7 @@ class DeclaringLib : public Mrp::MrpLib {
    bool hasPam( Pelk::IntfId intfId ) const;
    bool isQuietObserver( Pelk::IntfId intfId, Name const & name ) const;
    void withdraw( Pelk::IntfId intfId, Name const & name );
-   // With the value in its Tx field.
+   // The value stands in its Tx field already.
    void send( Pelk::IntfId intfId, U8 attributeType, Mrp::MrpThreePackedEvent event );
 
    Tell tell_;

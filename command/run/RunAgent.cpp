@@ -7,8 +7,7 @@ namespace Command {
 
 namespace {
 
-Korv::Ptr< DeclaringLib > libOf( RunSettings const & settings,
-                                 Mirel::HostEntities const & host,
+Korv::Ptr< DeclaringLib > libOf( RunSettings const & settings, Mirel::HostEntities const & host,
                                  DeclaringLib::Tell tell ) {
    if ( settings.application == Mrp::MSRP ) {
       return Korv::Ptr< DeclaringLib >( new StreamLib( std::move( tell ), settings.streams ) );

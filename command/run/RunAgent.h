@@ -17,8 +17,8 @@ namespace Command {
 class RunAgent {
  public:
    // `outputClosed` is called, from within a notification, when nothing more can be printed.
-   RunAgent( RunSettings const & settings, Mirel::HostEntities const & host,
-             std::ostream & out, std::function< void() > outputClosed = {} );
+   RunAgent( RunSettings const & settings, Mirel::HostEntities const & host, std::ostream & out,
+             std::function< void() > outputClosed = {} );
    RunAgent( RunAgent const & ) = delete;
    RunAgent & operator=( RunAgent const & ) = delete;
 

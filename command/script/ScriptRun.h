@@ -6,7 +6,7 @@
 
 namespace Command {
 
-// Of the participant that the script starts with.
+// The settings of the script's participant.
 ParticipantSettings settingsOf( Script const & script );
 
 // From time 0 to the script's end. Throws CommandError for a step that cannot be done and for a run

@@ -95,7 +95,8 @@ void addMetrics( std::vector< std::string > & all, MrpObserver::Mirror const & m
    }
 }
 
-// Of several participants: a metric is described once, ahead of all its samples.
+// The texts of several participants as one, in which a metric is described once, ahead of all its
+// samples.
 std::string oneExposition( std::vector< std::string > const & texts ) {
    std::vector< std::string > metrics;         // in their order
    std::map< std::string, std::string > lines; // of each

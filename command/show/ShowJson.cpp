@@ -8,7 +8,7 @@ namespace Command {
 
 namespace {
 
-// ---- Values, with numbers as numbers: the tables have words for them ----------------------------
+// Values have numbers as numbers, where the tables have words for them.
 
 Json fieldsOf( Mrp::MvrpVlanAttribute const & vlan ) { return { { "vlan", vlan.vlanId() } }; }
 
@@ -40,8 +40,6 @@ Json fieldsOf( Mrp::MsrpDomainAttribute const & domain ) {
             { "priority", domain.srClassPriority() },
             { "vlan", domain.srClassVID() } };
 }
-
-// ---- The document -------------------------------------------------------------------------------
 
 Json shownAttributeJson( Mrp::MrpApplication application, Report::Attribute const & attribute ) {
    Json fields = Json::object();

@@ -18,11 +18,11 @@ namespace Command {
 // Made after the activity, and looked at between its rounds.
 class ShowSource {
  public:
+   // For how long nothing has to come, and for how long that is waited for.
    static constexpr Korv::Seconds moment = 0.05;
    static constexpr Korv::Seconds longestUnrest = 1;
-   // Without a byte of a copy that is not whole.
+   // While the copy is not whole: how long to wait for its next message, and for all of it.
    static constexpr Korv::Seconds patience = 5;
-   // From the start, for a copy that is not whole whatever comes.
    static constexpr Korv::Seconds longestCopy = 60;
 
    ShowSource( Linux::RealActivity & activity, Linux::StreamAddress const & address );

@@ -33,14 +33,14 @@ void addTable( ShowLines & lines, Table const & table ) {
    }
 }
 
-// ---- Of the participant as a whole --------------------------------------------------------------
+// First, the lines about the participant as a whole.
 
 struct CounterWord {
    std::string_view name;
    char const * line;
    char const * word;
 };
-// Those that are not here are errors, under their own names.
+// Counters that are not listed here count as errors, under their own names.
 constexpr std::array counterWords{
    CounterWord{ "numOfPktsProcessed", "frames", "heard" },
    CounterWord{ "numOfPktsTransmitted", "frames", "sent" },
@@ -87,7 +87,7 @@ void addParticipant( ShowLines & lines, ShowView const & view ) {
    addCounters( lines, view );
 }
 
-// ---- Of its interfaces --------------------------------------------------------------------------
+// Then its interfaces.
 
 void addInterfaces( ShowLines & lines, ShowView const & view ) {
    Table types( { "interface", "type", "declared", "registered", "leaving", "LeaveAll period" } );
@@ -113,7 +113,7 @@ void addInterfaces( ShowLines & lines, ShowView const & view ) {
    }
 }
 
-// ---- Of its attributes --------------------------------------------------------------------------
+// Then its attributes.
 
 // The rows of one type, each with the same headings: the first columns are always there, of the
 // others those for which there is room.
@@ -171,7 +171,7 @@ class AttributeTable {
       return headings.size();
    }
 
-   // What no column was left for.
+   // The fields for which there was no column.
    static void addRest( ShowLines & lines, Table::Row const & headings, Table::Row const & row,
                         std::size_t columns, std::size_t width ) {
       std::string const indent( 4, ' ' );

@@ -21,7 +21,7 @@ struct ShowView {
    };
    struct Interface {
       std::string name;
-      // In force there; own: an override of the participant's.
+      // The times in force there. Own: the interface overrides the participant's.
       Korv::Seconds leaveTime = 0;
       Korv::Seconds leaveAllTime = 0;
       bool ownLeaveTime = false;

@@ -8,8 +8,8 @@
 
 namespace Command {
 
-// In a terminal a picture, else a text or, with `json`, a line for each change; ten times a second
-// at most. The exit status.
+// Draws a picture in a terminal; elsewhere it prints a text or, with `json`, a line. It does so at
+// each change, ten times a second at most. Gives the exit status.
 int watch( ShowOptions const & options, Linux::RealActivity & activity,
            std::list< ShowSource > & sources, std::ostream & out );
 

@@ -49,7 +49,7 @@ class Mirror {
    // The stream at hand has brought all that it has told of, which is then a copy of what there
    // was; it may be about to tell of more. Looks at every entity.
    bool isBrought() const { return input_ && input_->isBrought(); }
-   // Of the stream at hand.
+   // How many the stream at hand has brought.
    Korv::U64 messages() const { return input_ ? input_->messages() : 0; }
 
  private:

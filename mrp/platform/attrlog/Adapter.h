@@ -34,7 +34,8 @@ class Adapter {
    U64 identifier() const { return identifier_; }
    Output * output() const { return output_; }
 
-   // ---- Sending -------------------------------------------------------------------------------
+   // Sending.
+   //
    // Attaches to a stream, from the start: another identifier, the orphan record, everything. Null
    // detaches, and changes go nowhere; so does a stream for an entity that has ended.
    void doRemountSelf( Output * output );
@@ -57,7 +58,8 @@ class Adapter {
    // Called by the output when there is room: goes on where it was.
    void doResumeFlowOut();
 
-   // ---- Receiving -----------------------------------------------------------------------------
+   // Receiving.
+   //
    // Applies a message or a marker; throws a StreamError for one that makes no sense.
    virtual void handleAttrDeserialization( S16 attrId, ByteReader & in ) = 0;
    virtual void handleAttrTransaction( U16 attrId, Marker marker ) = 0;

@@ -24,7 +24,8 @@ class EntityAdapter : public Adapter, public E::Reactor {
    static constexpr char const * typeName() { return E::attributes().typeName; }
    E * entity() const { return const_cast< E * >( this->notifier() ); }
 
-   // ---- Receiving: EntityAdapterIn.h ----------------------------------------------------------
+   // Receiving; the bodies are in EntityAdapterIn.h.
+   //
    // The root's or child's adapter at the receiving end.
    void handleMounted( Input & input, U64 identifier ) { inputIs( &input, identifier ); }
    void handleAttrDeserialization( S16 attrId, ByteReader & in ) override;
@@ -32,7 +33,8 @@ class EntityAdapter : public Adapter, public E::Reactor {
    bool isBrought() const override;
 
  protected:
-   // ---- Sending: EntityAdapterOut.h -----------------------------------------------------------
+   // Sending; the bodies are in EntityAdapterOut.h.
+   //
    // These are what the reactors call. A scalar, or the span of a queue, has changed.
    template < U16 number >
    void handleAttr();

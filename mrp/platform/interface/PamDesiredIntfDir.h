@@ -19,10 +19,14 @@ class PamDesiredIntfDir : public Korv::NamedEntity {
 
    Korv::HashMap< Pelk::IntfId, bool > const & intfDesired() const { return intfDesired_; }
    // True if there is an entry and it is true.
-   bool intfDesired( Pelk::IntfId const & intfId ) const;
+   bool intfDesired( Pelk::IntfId const & intfId ) const { return valueAt( intfDesired_, intfId ); }
 
-   void intfDesiredIs( Pelk::IntfId const & intfId, bool desired );
-   void intfDesiredDel( Pelk::IntfId const & intfId );
+   void intfDesiredIs( Pelk::IntfId const & intfId, bool desired ) {
+      setMember( intfDesired_, intfId, desired, &Reactor::onIntfDesired );
+   }
+   void intfDesiredDel( Pelk::IntfId const & intfId ) {
+      delMember( intfDesired_, intfId, &Reactor::onIntfDesired );
+   }
 
  private:
    Korv::HashMap< Pelk::IntfId, bool > intfDesired_;

@@ -33,14 +33,10 @@ class Status : public Korv::NamedEntity {
 
  protected:
    void deviceIs( Pelk::IntfId const & intfId ) {
-      if ( devices_.insertOrAssign( intfId, true ) ) {
-         notify( &Reactor::onDevice, intfId );
-      }
+      setMember( devices_, intfId, true, &Reactor::onDevice );
    }
    void deviceDel( Pelk::IntfId const & intfId ) {
-      if ( devices_.erase( intfId ) ) {
-         notify( &Reactor::onDevice, intfId );
-      }
+      delMember( devices_, intfId, &Reactor::onDevice );
    }
 
  private:

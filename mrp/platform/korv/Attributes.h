@@ -103,7 +103,7 @@ queue( U16 metadataNumber, U16 number, char const * name, Q const & ( E::*reader
    return { metadataNumber, number, name, reader, metadataMutator, mutator, remover };
 }
 
-// Of an attribute, by the type of whatever names it: `kindOf< decltype( attribute ) >`.
+// The kind of an attribute, from the type of whatever names it: `kindOf< decltype( attribute ) >`.
 template < class Attribute >
 inline constexpr AttributeKind kindOf = std::remove_cvref_t< Attribute >::kind;
 

@@ -40,7 +40,7 @@ class Fifo {
    void clear() { head_ = tail_ = 0; }
 
  private:
-   // By moving to the front of the room that there is, or by twice the room.
+   // Moves the entries to the front, or doubles the room.
    [[gnu::noinline]] void makeRoom() {
       std::size_t const count = size();
       if ( head_ >= count && head_ != 0 ) {

@@ -7,7 +7,8 @@ namespace Korv {
 
 // A line with the time of day and the handle, as "2026-03-01 12:00:00.123 MRP_JOIN: ...".
 void logToStandardError( LogHandle const & handle, std::string const & text );
-// With the handle in front and its severity as the priority, 6 being informational in both.
+// A message with the handle in front. The handle's severity is its priority: syslog has the same
+// numbers.
 void logToSyslog( LogHandle const & handle, std::string const & text );
 
 } // namespace Korv

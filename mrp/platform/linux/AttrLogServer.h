@@ -50,7 +50,7 @@ class AttrLogServer {
    AttrLogServer & operator=( AttrLogServer const & ) = delete;
    ~AttrLogServer();
 
-   // With the port that was found for port 0.
+   // As it was given, but with the port that was found for port 0.
    StreamAddress const & address() const { return address_; }
    std::size_t observers() const { return observers_.size(); }
    // How many have been sent away since they took nothing.

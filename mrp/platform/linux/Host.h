@@ -1,10 +1,10 @@
 // The agent's side on Linux: all that a participant is given, kept in step with the kernel.
 #pragma once
 
-#include "mrp/platform/mirel/HostEntities.h"
 #include "mrp/platform/linux/BridgePorts.h"
 #include "mrp/platform/linux/LinkMonitor.h"
 #include "mrp/platform/linux/Network.h"
+#include "mrp/platform/mirel/HostEntities.h"
 
 #include <functional>
 #include <map>

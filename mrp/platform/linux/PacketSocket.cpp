@@ -1,9 +1,10 @@
 #include "mrp/platform/linux/PacketSocket.h"
 
+#include <climits>
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <climits>
 #include <cstring>
 #include <linux/filter.h>
 #include <linux/if_arp.h>
@@ -47,7 +48,7 @@ std::array< Korv::U8, tagBytes + PacketSocket::frameBytesMax > staging;
 
 FrameBytes withTag( std::size_t size, tpacket_auxdata const & aux ) {
    Korv::U8 * const front = staging.data() + tagBytes;
-   // Of a priority tag of priority 0 all bits are 0: only the flag tells that it is there.
+   // A priority tag of priority 0 is all zeros: only the flag tells that it is there.
    if ( ( aux.tp_status & TP_STATUS_VLAN_VALID ) == 0 || size < addressesBytes ) {
       return { front, size };
    }

@@ -2,8 +2,8 @@
 // given, and a network to stand on.
 #pragma once
 
-#include "mrp/platform/mirel/HostEntities.h"
 #include "mrp/platform/memory/Network.h"
+#include "mrp/platform/mirel/HostEntities.h"
 
 #include <optional>
 

@@ -18,7 +18,7 @@ class VirtualActivity : public Korv::ActivityManager {
    void advanceTo( Seconds time );
    void advanceBy( Seconds duration ) { advanceTo( clock()->now() + duration ); }
 
-   // Of the earliest timer, or never.
+   // The time of the earliest timer, or never.
    Seconds nextTime() const { return clock()->nextTime(); }
 
  private:

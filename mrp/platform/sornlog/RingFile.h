@@ -32,7 +32,7 @@ class RingFile : public File {
    RingFile & operator=( RingFile const & ) = delete;
    ~RingFile() override;
 
-   // With a level of up to 9. Strings go in with their first 32 bytes.
+   // Sites of levels above 9 are ignored. Of a string the first 32 bytes are written.
    void write( Site const & site, std::span< Argument const > arguments ) override;
 
  private:
