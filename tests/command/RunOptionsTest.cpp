@@ -30,8 +30,6 @@ TEST_F( RunOptionsTest, WhatIsWrongOnTheCommandLineIsSaidInALine ) {
    std::pair< Lines, char const * > const cases[] = {
       { { "eth0" }, "no application is given: --application mvrp or msrp" },
       { { "--application", "mvrp" }, "no interface is given to take part on" },
-      { { "--application", "gvrp", "eth0" },
-        "--application: 'gvrp' is no application: mvrp or msrp" },
       { { "--application", "mvrp", "eth0", "eth1", "eth0" },
         "the interface 'eth0' is given twice" },
       // An option takes one text and leaves the interfaces.
@@ -58,7 +56,6 @@ TEST_F( RunOptionsTest, WhatIsWrongOnTheCommandLineIsSaidInALine ) {
           "stream=02:00:00:00:00:01:00:07,dest=91:e0:f0:00:00:07,frame-size=1,class=C" },
         "a talker is of class C, of which nothing is known: --domain class=C,priority=" },
       { { "--leave-time", "0" }, "--leave-time: '0' is too short" },
-      { { "--leave-all-time", "soon" }, "--leave-all-time: 'soon' is no time in seconds" },
       { { "--application", "mvrp", "--leave-time", "10", "eth0" },
         "a leave-all-time of 10 s is no longer than the leave-time, 10 s" },
       { { "--log", "file" }, "--log: 'file' is no place for logs: errors, stderr, syslog or none" },
@@ -204,17 +201,6 @@ TEST( StreamPathTest, EverybodyHasAFolderOfHisOwn ) {
    EXPECT_EQ( Command::defaultStreamAddress( Mrp::MSRP ), "" );
    if ( isRoot ) {
       ASSERT_EQ( ::seteuid( 0 ), 0 );
-   }
-}
-
-TEST( StreamPathTest, AnAddressIsAPathUnlessItSaysOtherwise ) {
-   std::pair< char const *, char const * > const cases[] = {
-      { "a.sock", "unix:a.sock" },
-      { "./a:b", "unix:./a:b" },
-      { "tcp:7000", "tcp:127.0.0.1:7000" },
-   };
-   for ( auto const & [text, address] : cases ) {
-      EXPECT_EQ( Command::streamAddressArgument( text ).text(), address );
    }
 }
 

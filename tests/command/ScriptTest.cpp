@@ -38,6 +38,8 @@ constexpr char const * good = R"({
             "accumulatedLatency": 70000, "bridgeId": "0x8000020000000001", "failureCode": 19}}},
       {"at": 0.05, "op": "send", "intf": "Ethernet1", "type": 3, "event": 0, "value": {
          "listenerVector": {"streamId": 7, "listenerEvent": "readyFailed"}}},
+      {"at": 0.05, "op": "send", "intf": "Ethernet1", "type": 3, "event": 0, "value": {
+         "listenerVector": {"streamId": 8, "listenerEvent": 1}}},
       {"at": 0.05, "op": "send", "intf": "Ethernet1", "type": 4, "event": 0, "value": {
          "domainVector": {"srClassId": 5, "srClassPriority": 3, "srClassVID": 4094}}},
       {"at": 0.2, "op": "config", "attribute": "leaveTime", "value": 1},
@@ -141,10 +143,10 @@ TEST_F( ScriptTest, EveryErrorNamesItsPlaceAndWhatWouldBeRight ) {
       { "/steps/3/value/talker", json::object(), "steps[3].value.talker: there is no such kind" },
       { "/steps/3/value/talkerFailed/priority", 8, "priority: a whole number from 0 to 7" },
       { "/steps/3/value/talkerFailed/rank", 2, "rank: a whole number from 0 to 1" },
-      { "/steps/6/intf", "Ethernet1", "steps[6].intf: leaveTime is the same for all interfaces" },
-      { "/steps/7/intf", nullptr, "steps[7]: 'intf' is missing" },
-      { "/steps/9/mode", 2147483648.0, "steps[9].mode: a whole number from -2147483648" },
-      { "/steps/9/vlans/1", 4095, "steps[9].vlans[1]: a whole number from 1 to 4094" },
+      { "/steps/7/intf", "Ethernet1", "steps[7].intf: leaveTime is the same for all interfaces" },
+      { "/steps/8/intf", nullptr, "steps[8]: 'intf' is missing" },
+      { "/steps/10/mode", 2147483648.0, "steps[10].mode: a whole number from -2147483648" },
+      { "/steps/10/vlans/1", 4095, "steps[10].vlans[1]: a whole number from 1 to 4094" },
    };
    for ( Wrong const & wrong : wrongs ) {
       json changed = json::parse( good );
@@ -172,22 +174,46 @@ TEST_F( ScriptTest, WhatHasNoEffectIsWarnedOf ) {
 
 TEST_F( ScriptTest, ValuesHaveTheirFieldsByNameAndKeysTheir64Bits ) {
    json script = json::parse( good );
-   script["steps"].erase( 10 ); // the cleaning up
+   script["steps"].erase( 11 ); // the cleaning up
    auto const outcome = run( script.dump() );
    ASSERT_EQ( outcome.status, 0 ) << outcome.err;
    auto const document = outcome.json();
    // Against the tests' own description of the wire.
    Talker const talker{ 0x8000'0000'0000'0001, 0x91e0f0000e80, 2, 1000, 3, 0xB0, 70'000 };
-   Frame frame =
-      msrpFrame( talkers( Talker{ 0, 0, 0, 0, 0, 0, 0 }, { New } ),
-                 failedTalkers( { talker, 0x8000'0200'0000'0001, 19 }, { New } ),
-                 listeners( 7, { { New, ReadyFailed } } ), domains( { 5, 3, 4094 }, { New } ) );
+   Frame frame = msrpFrame( talkers( Talker{ 0, 0, 0, 0, 0, 0, 0 }, { New } ),
+                            failedTalkers( { talker, 0x8000'0200'0000'0001, 19 }, { New } ),
+                            listeners( 7, { { New, ReadyFailed }, { New, AskingFailed } } ),
+                            domains( { 5, 3, 4094 }, { New } ) );
    EXPECT_EQ( document["transmitted"][0]["frame"],
               Command::hexText( frame.from( 0x0200'0000'00ff ).bytes() ) );
    EXPECT_EQ( document["attributeIndex"][1]["keys"].dump(),
               R"(["9223372036854775809","18446744073709551615"])" );
    EXPECT_EQ( document["attributes"][1]["key"], "9223372036854775809" );
    EXPECT_EQ( document["attributes"][1]["registrarState"], "mrpIn" );
+}
+
+// A reader that shares nothing with this system.
+TEST_F( ScriptTest, TsharkReadsInTheCaptureWhatWasSent ) {
+   if ( std::system( "tshark --version > /dev/null 2>&1" ) != 0 ) {
+      GTEST_SKIP() << "tshark is not installed";
+   }
+   ASSERT_EQ( run( good, { "--out", path( "out" ) } ).status, 0 );
+   std::string command = "tshark -n -c 1 -r '" + path( "out/Ethernet1.pcap" ) +
+                         "' -T fields -E separator=/s -e _ws.malformed -e _ws.expert.message";
+   for ( std::string const field :
+         { "attribute_type", "number_of_values", "three_packed_event", "four_packed_event",
+           "stream_id", "stream_da", "vlan_id", "tspec_max_frame_size", "tspec_max_interval_frames",
+           "priority", "rank", "accumulated_latency", "failure_bridge_id", "failure_code",
+           "sr_class_id", "sr_class_priority", "sr_class_vid" } ) {
+      command += " -e mrp-msrp." + field;
+   }
+   ASSERT_EQ( std::system( ( command + " > '" + path( "read" ) + "' 2> /dev/null" ).c_str() ), 0 );
+   std::string read;
+   std::getline( std::ifstream( path( "read" ) ), read );
+   EXPECT_EQ( read, "  1,2,3,4 1,1,2,1 0,0,0,0,0 3,1 "
+                    "0x0000000000000000,0x8000000000000001,0x0000000000000007 "
+                    "00:00:00:00:00:00,91:e0:f0:00:0e:80 0x0000,0x0002 0,1000 0,3 0,5 0,1 0,70000 "
+                    "0x8000020000000001 19 5 3 4094" );
 }
 
 TEST_F( ScriptTest, TheSameScriptGivesTheSameResultAndCaptures ) {
@@ -212,7 +238,7 @@ TEST_F( ScriptTest, StandbyTakesAllOperationsButASend ) {
    json script = json::parse( good );
    script["standby"] = true;
    auto & steps = script["steps"];
-   steps.erase( steps.begin() + 2, steps.begin() + 6 );
+   steps.erase( steps.begin() + 2, steps.begin() + 7 );
    // A second end of standby makes all machines anew.
    steps.push_back( steps.back() );
    EXPECT_EQ( run( script.dump() ).status, 0 );

@@ -281,8 +281,8 @@ TEST( ShowTest, followsAParticipantThatRestarts ) {
                       ->attrDatabaseIs( Pelk::IntfId( "eth0" ) )
                       ->intfTypeApplicantIs( vlanType );
    vlans.mrpAttributeIs( 10 );
-   auto const shown = [&] { return source.stream( all ).views.front().attributes.size(); };
    ASSERT_TRUE( runUntil( [&] { return source.hasChanged() && source.stream( all ).isKnown; } ) );
+   auto const shown = [&] { return source.stream( all ).views.front().attributes.size(); };
    EXPECT_EQ( shown(), 1u );
    EXPECT_FALSE( source.hasChanged() );
 
