@@ -15,13 +15,14 @@ TEST( Keys, hashTheirFieldsBytesInOrder ) {
    EXPECT_EQ( MrpParsedAttributeKey( 3, 0x8102030405060708 ).hash(), 0xf9889604u );
 }
 
+// Interfaces are in the order of their first mention.
 TEST( Keys, orderGoesFieldByFieldAndNumbersAreUnsigned ) {
-   Pelk::IntfId const et1( "et1" );
-   Pelk::IntfId const et2( "et2" );
+   Pelk::IntfId const first( "z-first" );
+   Pelk::IntfId const second( "a-second" );
    constexpr U64 topBit = U64{ 1 } << 63;
-   std::vector< MrpAttribute > const ascending{ { Pelk::IntfId(), 9, 9 }, { et1, 1, 0 },
-                                                { et1, 1, topBit - 1 },   { et1, 1, topBit },
-                                                { et1, 255, 0 },          { et2, 0, 0 } };
+   std::vector< MrpAttribute > const ascending{ { Pelk::IntfId(), 9, 9 }, { first, 1, 0 },
+                                                { first, 1, topBit - 1 }, { first, 1, topBit },
+                                                { first, 255, 0 },        { second, 0, 0 } };
    for ( std::size_t i = 1; i < ascending.size(); ++i ) {
       EXPECT_LT( ascending[i - 1], ascending[i] );
    }

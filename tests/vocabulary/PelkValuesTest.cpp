@@ -8,13 +8,6 @@
 namespace Pelk {
 namespace {
 
-TEST( IntfId, orderIsThatOfFirstMention ) {
-   IntfId const z( "z-first" );
-   IntfId const a( "a-second" );
-   EXPECT_LT( z, a );
-   EXPECT_LT( IntfId( "z-first" ), a );
-}
-
 TEST( IntfId, nameStaysWhereItIsAsTheTableGrows ) {
    std::string const & name = IntfId( "stays" ).stringValue();
    char const * const text = name.c_str();

@@ -22,10 +22,7 @@ Korv::Ptr< Pelk::Pkt > packetWithMessage() {
 TEST( Wrappers, showTheRecordAtTheirOffset ) {
    auto const pkt = packetWithMessage();
    EXPECT_EQ( msrpMessageHeaderWrapperFactory( pkt, 3 )->attributeListLength(), 13 );
-   auto const vector = msrpListenerVectorWrapperFactory( pkt, 7 );
-   EXPECT_EQ( vector->vectorHeader(), 0x2001 );
-   EXPECT_EQ( vector->firstValue().streamId(), 9u );
-   EXPECT_EQ( vector->vector(), 36 );
+   EXPECT_EQ( msrpListenerVectorWrapperFactory( pkt, 7 )->firstValue().streamId(), 9u );
    EXPECT_THROW( msrpTalkerVectorWrapperFactory( nullptr, 0 ), Korv::RangeException );
 }
 
