@@ -109,7 +109,7 @@ TEST( Pending, settlesWhatComesAndGoesBeforeAReview ) {
          switch ( step ) {
          case '+': mvrp.receive( et1, join( 10 ) ); break;
          case '-': del( mvrp, 10 ); break;
-         default: mvrp.advanceBy( 0.3 ), before = committed(); break;
+         default: mvrp.advanceBy( 0.3 ); before = committed();
          }
       }
       EXPECT_EQ( where( mvrp, 10 ), row.at );

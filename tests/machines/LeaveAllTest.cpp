@@ -62,6 +62,14 @@ TEST( LeaveAll, startsItsPeriodAnew ) {
    }
 }
 
+TEST( LeaveAll, hasATimeForEachType ) {
+   Participant msrp( MSRP );
+   msrp.advanceTo( 6 );
+   msrp.receive( et1, msrpFrame( msrpLeaveAll( domainType ) ) );
+   msrp.advanceTo( 31 );
+   EXPECT_EQ( leaveAllTimes( msrp ), "10 16 20 26 30" );
+}
+
 // One that is due within a tick goes along with the timer; a later one does not.
 TEST( LeaveAll, sendsWhatIsDueAtOnce ) {
    for ( double const ahead : { 0.05, 0.3 } ) {

@@ -30,7 +30,10 @@ void happens( Participant & msrp, MrpRegistrarEvent event, Talker const & value 
    case regJoinMt: receives( JoinMt ); break;
    case regLv: receives( Lv ); break;
    case regLvAll: msrp.receive( et1, msrpFrame( msrpLeaveAll( talkerType ) ) ); break;
-   case invalidRegistrarEvent: receives( In ), receives( Mt ); break;
+   case invalidRegistrarEvent:
+      receives( In );
+      receives( Mt );
+      break;
    default: post( msrp, invalidApplicantEvent, event ); break;
    }
 }
