@@ -196,7 +196,11 @@ TEST_F( LinuxPam, aStormHoldsUpNoTimer ) {
 
 TEST_F( LinuxPam, theReaderMayCloseItWhileItReads ) {
    open();
-   reader.action = [&] { opened = nullptr; };
+   std::vector< char > inItsPlace;
+   reader.action = [&] {
+      opened = nullptr;
+      inItsPlace = std::vector< char >( sizeof( Pam ), 'x' ); // so that a use of it shows
+   };
    wire->send( numberedFrame( 1 ) );
    wire->send( numberedFrame( 2 ) );
    ASSERT_TRUE( runUntil( [&] { return !opened; } ) );
