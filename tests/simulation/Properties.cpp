@@ -157,7 +157,11 @@ void checkAtRest( Agent const & agent, Book const & expected ) {
    require( sm.registrarSm()->leaveSm().empty() && sm.registrarSm()->explicitLeaveSm().empty() &&
                sm.addPendingAttr().empty() && sm.deletePendingAttr().empty(),
             agent, "does not come to rest" );
-   require( sm.mrpLib()->mrpTxPacketContext().empty(), agent, "has a first packet context open" );
+   for ( U32 port = 0; port < agent.ports(); ++port ) {
+      require( !agent.hasDevice( port ) ||
+                  !sm.mrpLib()->mrpTxPacketContext( Agent::intfId( port ) ),
+               agent, "has a first packet context open on ", Agent::intfId( port ) );
+   }
    for ( auto const & [name, entry] : records( agent ) ) {
       require( isDeclared( *entry ) || isRegistered( *entry ) || agent.refuses( name.kind ) ||
                   !agent.hasDevice( name.port ),
