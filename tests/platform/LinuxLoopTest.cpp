@@ -96,7 +96,7 @@ TEST_F( LinuxLoop, aTickOfManySlowTimersKeepsNobodyOut ) {
          wheel ) );
       timers.back()->timeMinIs( wheel->tickTime( 1 ) );
    }
-   std::size_t firedBeforeInput = 0, firedBeforeReview = 0;
+   std::size_t firedBeforeInput = timers.size(), firedBeforeReview = timers.size();
    a.write();
    Timer review( [&] { firedBeforeReview = fired.size(); }, Rank::review );
    review.timeMinIs( wheel->tickTime( 1 ) + 0.05 );

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """The two sides of scripts/soak.
 
-    soak.py storm APPLICATION SEED INTERFACE...   frames, until SIGTERM; prints how many
+    soak.py storm APPLICATION PID INTERFACE...    frames, until SIGTERM; prints how many
     soak.py join APPLICATION INTERFACE INTERFACE  joins on the first; 0 if the agent answers
     soak.py crowd APPLICATION MINUTES PID SOCKET compared|sanitized
                                                   observers and metrics clients; watches the agent
@@ -63,7 +63,8 @@ def frame(application, messages):
 # The moods of the storm: the events of a vector, and how often it has a LeaveAll.
 MOODS = {"register": ([0, 1, 1, 1, 3], 0), "leave": ([5], 0), "all": ([0, 1, 2, 3, 4, 5], 0.02),
          "refresh": ([1], 0.3), "leave all": ([1, 5], 1), "mutated": ([0, 1, 2, 3, 4, 5], 0.1),
-         "noise": ([0], 0), "lull": ([0], 0)}
+         "noise": ([0], 0)}
+SIZES, FEW = (1, 1, 1, 3, 3, 3, 20, 20, 100, 1000), (1, 3, 20)
 
 
 def good_frame(application, mood):
@@ -71,7 +72,7 @@ def good_frame(application, mood):
     types = sorted(dice.choices(list(LENGTH[application]), k=dice.randint(1, 4)))
     messages = []
     for type_ in types:
-        number = dice.choice((1, 1, 1, 3, 3, 3, 20, 20, 100, 1000))
+        number = dice.choice(FEW if mood == "mutated" else SIZES)
         number = 1 if type_ == 4 else number
         messages.append(message(application, type_, first_value(application, type_, number),
                                 dice.choices(events, k=number), dice.random() < leave_all))
@@ -107,34 +108,41 @@ def raw_socket(interface, ethertype=0):
     return made
 
 
-def storm(application, seed, *interfaces):
-    dice.seed(int(seed))
-    out = [raw_socket(interface) for interface in interfaces]
+def waiting(pid):
+    """Bytes in the packet sockets of the agent's host."""
+    with open(f"/proc/{pid}/net/packet", encoding="ascii") as sockets:
+        return sum(int(line.split()[6]) for line in list(sockets)[1:])
+
+
+def storm(application, pid, *interfaces):
+    """In gusts. After each the agent gets through what waits, and has some seconds more: no leave
+    timer of a type fires before there has been no further LeaveAll for a leave time, and where a
+    broken stream id is another stream there is no end of those that are registered meanwhile."""
+    out, sent, going = [raw_socket(interface) for interface in interfaces], 0, [True]
     for one in out:
         one.setblocking(False)
-    going, sent = [True], 0
     signal.signal(signal.SIGTERM, lambda *_: going.clear())
     while going:
-        mood = dice.choice(list(MOODS))
-        rate = dice.choice((500, 2000, 5000, 1000000))
-        end = time.monotonic() + dice.uniform(0.5, 4)
-        while going and time.monotonic() < end:
-            if mood == "lull":
-                time.sleep(0.1)
-                continue
+        gust_end = time.monotonic() + dice.uniform(2, 12)
+        while going and time.monotonic() < gust_end:
+            mood = dice.choice(list(MOODS))
+            rate = 300 if mood in ("mutated", "noise") else dice.choice((500, 2000, 5000, 1e6))
             pool = [some_frame(application, mood) for _ in range(100)]
-            begun, burst = time.monotonic(), 2000
-            for i in range(burst):
+            begun, mood_time, here = time.monotonic(), dice.uniform(0.1, 2), 0
+            while going and (now := time.monotonic() - begun) < mood_time:
+                if here > now * rate:
+                    time.sleep(0.01)
+                    continue
+                here += 1
                 try:
-                    out[i % 8 == 0 and len(out) > 1].send(dice.choice(pool))
+                    out[here % 8 == 0].send(dice.choice(pool))
                     sent += 1
                 except OSError:
                     pass  # no room at the moment
-                ahead = begun + i / rate - time.monotonic()
-                if ahead > 0.01:
-                    time.sleep(ahead)
-                if time.monotonic() > end:
-                    break
+        calm = 0
+        while going and calm < dice.randint(10, 70):
+            time.sleep(0.1)
+            calm = calm + 1 if waiting(pid) == 0 else 0
     print(sent)
 
 
@@ -347,7 +355,7 @@ def crowd(application, minutes, pid, path, memory):
     time.sleep(1)
     calm, before = attributes(scrape()), agent.descriptors()
     start, begun = agent.rss(), time.monotonic()
-    weather = subprocess.Popen(stormy + [here, "storm", application, "1", "s0", "s1"],
+    weather = subprocess.Popen(stormy + [here, "storm", application, pid, "s0", "s1"],
                                stdout=subprocess.PIPE)
     them, samples, next_row = Crowd(path), [], 0
     row("minute", "RSS kB", "descriptors", "received", "malformed", "attributes", "observers",
@@ -373,6 +381,7 @@ def crowd(application, minutes, pid, path, memory):
     third = len(warm) // 3
     first, last = (statistics.median(rss for _, rss, _ in part)
                    for part in (warm[:third], warm[-third:]))
+    until("the frames that wait are read", lambda: {"bytes": waiting(pid)}, {"bytes": 0}, 900)
     until("all has expired", lambda: attributes(scrape()), calm)
     received = scrape().get("mrp_frames_received_total", 0)
     print(f"frames: {sent} sent, {sent / seconds:.0f} a second; {received:.0f} received; observers: "
