@@ -98,7 +98,7 @@ TEST_F( LinuxLoop, aTickOfManySlowTimersKeepsNobodyOut ) {
    }
    std::size_t firedBeforeInput = timers.size(), firedBeforeReview = timers.size();
    a.write();
-   Timer review( [&] { firedBeforeReview = fired.size(); }, Rank::review );
+   Timer review( [&] { firedBeforeReview = fired.size(); }, Korv::Clock::Rank::review );
    review.timeMinIs( wheel->tickTime( 1 ) + 0.05 );
    auto const input = watch( a, [&]( Korv::U32 ) {
       a.read();
