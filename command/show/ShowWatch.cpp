@@ -1,5 +1,6 @@
 #include "command/show/ShowWatch.h"
 
+#include "mrp/platform/korv/TimeOfDay.h"
 #include "mrp/platform/linux/SignalWatch.h"
 
 #include "command/show/ShowJson.h"
@@ -7,7 +8,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <ctime>
 #include <sstream>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -20,14 +20,8 @@ constexpr Korv::Seconds period = 0.1;
 
 using Clock = std::chrono::steady_clock;
 
-std::string timeOfDay() {
-   std::time_t const now = std::time( nullptr );
-   std::tm local{};
-   ::localtime_r( &now, &local );
-   char text[16];
-   std::strftime( text, sizeof text, "%H:%M:%S", &local );
-   return text;
-}
+// "12:00:00", out of "2026-03-01 12:00:00.123".
+std::string timeOfDay() { return Korv::timeOfDayText( Korv::timeOfDay() ).substr( 11, 8 ); }
 
 class Watch {
  public:
