@@ -132,6 +132,21 @@ TEST( AttrLog, mergesWhatChangesWhileThereIsNoRoom ) {
    EXPECT_THAT( sender.said(), ElementsAre( "2 259: 00 00 00 00" ) );
 }
 
+// A bound that one message fills: the walk over the bytes stops at each of them.
+TEST( AttrLog, beginsAValueAnewWhenItsSpanHasChanged ) {
+   auto const vlan = Mrp::MrpAttrDatabaseIs( 10 );
+   for ( U8 byte = 1; byte <= 4; ++byte ) {
+      vlan->attributeValueEnq( byte );
+   }
+   Sender sender( vlan, 1 );
+   while ( step( sender.output ).back() != "1 262: 01 02" ) {
+   }
+   vlan->attributeValueDeq(); // slot 3 is next
+   EXPECT_THAT( sender.said(),
+                ElementsAre( "1 262: 02 03", "1 261: 01 03", "1 262: 01 02", "1 262: 02 03",
+                             "1 262: 03 04", "1 262 marker 2", "1 -262: 00" ) );
+}
+
 // Counters change with each attribute of a frame: they are told when the frame is over.
 TEST( AttrLog, tellsOfCountersOnceATurn ) {
    Sender sender( Korv::Ptr< Mrp::MrpCounters >( new Mrp::MrpCounters( "c" ) ), 20 );

@@ -163,6 +163,7 @@ TEST( Mirrors, comeAndGoWithTheirRecordsOfEachLevel ) {
    Calls calls;
    roleIs( mvrp, root );
    roleIs( mvrp, root, et2 );
+   roleIs( mvrp, alternate, et1, "Vl7" ); // not the base topology
    EXPECT_THAT( calls.taken(), ElementsAre( call1, call2 ) );
    roleIs( mvrp, alternate );
    roleIs( mvrp, alternate );
