@@ -175,8 +175,9 @@ REQUEST = b"GET /metrics HTTP/1.1\r\nHost: a\r\n\r\n"
 READ, SIP, NOTHING = range(3)
 OBSERVERS = {"reader": (b"", READ, 40), "checker": (b"", READ, 40), "sipper": (b"", SIP, 40),
              "staller": (b"", NOTHING, 15), "dying": (b"", READ, 0.5), "noisy": (b"x", READ, 5)}
-SCRAPERS = {"get": (REQUEST, READ, 15), "silent": (b"", NOTHING, 15), "half": (REQUEST[:9], READ, 15),
-            "garbage": (bytes(range(256)) * 20, READ, 15), "dead": (REQUEST, NOTHING, 0.05)}
+SCRAPERS = {"get": (REQUEST, READ, 15), "silent": (b"", NOTHING, 15),
+            "half": (REQUEST[:9], READ, 15), "dead": (REQUEST, NOTHING, 0.05),
+            "garbage": (bytes(range(256)) * 20, READ, 15)}
 # The scenes: which observers there are, and how many.
 SCENES = [(list(OBSERVERS), 10), (list(OBSERVERS), 10), (["staller"], 3), (["sipper"], 2),
           (["staller", "sipper"], 4), (["reader"], 1), (["dying", "noisy"], 10),
@@ -384,23 +385,23 @@ def crowd(application, minutes, pid, path, memory):
     until("the frames that wait are read", lambda: {"bytes": waiting(pid)}, {"bytes": 0}, 900)
     until("all has expired", lambda: attributes(scrape()), calm)
     received = scrape().get("mrp_frames_received_total", 0)
-    print(f"frames: {sent} sent, {sent / seconds:.0f} a second; {received:.0f} received; observers: "
-          f"{them.came} came, of which {them.cut} were sent away for stalling; scrapes: "
-          f"{them.scrapes}")
+    print(f"frames: {sent} sent, {sent / seconds:.0f} a second; {received:.0f} received")
+    print(f"observers: {them.came}, of which {them.cut} were sent away for stalling; "
+          f"scrapes: {them.scrapes}")
     print(f"RSS, kB: {start} at the start, {first:.0f} in the first third, {last:.0f} in the last, "
           f"{max(rss for _, rss, _ in samples)} at most, {agent.rss()} at rest")
     # More than are served, with nobody to read, and gone at one and the same time.
     them.kinds, them.number, them.scene_end = ["staller"], 80, time.monotonic() + 60
     for _ in range(100):
         them.turn()
-    most = len(agent.descriptors())
+    most = max(len(agent.descriptors()), *(number for *_, number in samples))
     them.end()
 
     if memory == "compared" and last > first * 1.02 + 1024:
         problems.append("memory has grown")
     until("the descriptors of the start, and no other", agent.descriptors, before, 20)
-    print(f"descriptors: {len(before)} at the start, {max(most, *(number for *_, number in samples))} "
-          f"at most, {len(agent.descriptors())} at rest")
+    print(f"descriptors: {len(before)} at the start, {most} at most, {len(agent.descriptors())} "
+          f"at rest")
     if not received > 1000 * float(minutes):
         problems.append("hardly a frame was received")
 
