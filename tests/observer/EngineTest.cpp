@@ -42,7 +42,10 @@ struct Scene {
          sockets, at, [this]( auto & output ) { return mounts.mount( output ); }, options );
    }
    bool clogged() { return mvrp->sm().mrpAttrLogSm()->isAttrLogOutClogged(); }
-   bool committed( U64 vlan ) { return mvrp->attribute( et1, vlan )->committed; }
+   bool committed( U64 vlan ) {
+      auto const found = mvrp->attribute( et1, vlan );
+      return found && found->committed;
+   }
    // For ten seconds of the sockets at most, and as many of the participant unless it waits.
    template < class Until >
    bool run( Until && until, double pace = 0.01 ) {
