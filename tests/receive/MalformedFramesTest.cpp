@@ -219,7 +219,7 @@ TEST( CutFrames, endAnywhere ) {
                  Message( 9, 7, Bytes( 12, 0x55 ) ), domain6 ),
       mvrpFrame( message( vlans( 10, { JoinIn, New, Lv, Mt } ), vlans( 20, { In } ).leaveAll() ),
                  Message( 9, 3, fromHex( "00 01 11 22 33 44" ) ), vlans( 30, { JoinMt } ) ) };
-   for ( U8 const version : { 0, 1 } ) {
+   for ( U8 const version : { U8{ 0 }, U8{ 1 } } ) {
       for ( Frame const & frame : frames ) {
          Participant participant( &frame == frames ? Mrp::MSRP : Mrp::MVRP );
          Bytes whole = Frame( frame ).version( version );

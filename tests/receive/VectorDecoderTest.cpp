@@ -57,7 +57,7 @@ TEST( VectorValues, stepFromTheFirst ) {
 }
 
 TEST( VectorValues, loseTheUndefinedBitsBesideTheRank ) {
-   for ( U8 const defined : { 0x70, 0x60 } ) { // with the rank, and without
+   for ( U8 const defined : { U8{ 0x70 }, U8{ 0x60 } } ) { // with the rank, and without
       Talker const expected{ .streamId = 1, .priorityAndRank = defined };
       Talker received = expected;
       received.priorityAndRank |= 0x0f;

@@ -7,6 +7,7 @@ namespace {
 using testing::ElementsAre;
 
 constexpr unsigned leaveAllEvent = 6;
+constexpr unsigned internalLeave = 7;
 
 class SendDoor : public testing::Test {
  protected:
@@ -21,17 +22,22 @@ TEST_F( SendDoor, keepsTheValueThatWasSent ) {
               hex( stored( Listener{ 0x100, Ready } ) ) );
 }
 
-TEST_F( SendDoor, borrowsTheParseContext ) {
+// Whatever is queued, the machines run on the interface of the parameters.
+TEST_F( SendDoor, runsWhereTheParametersSayAndBorrowsTheParseContext ) {
    Mrp::MrpParseContext & context = *mvrp.sm().parseContext();
    context.intfIdIs( Pelk::IntfId( et2 ) );
    context.attributeTypeIs( 3 );
    context.attributeKeyIs( 77 );
    for ( unsigned event = 0; event <= 8; ++event ) {
-      mvrp.declare( et1, Vlan{ 10 }, event );
+      mvrp.declare( et1, Vlan{ 10 }, event, { et2 } );
+      EXPECT_EQ( mvrp.states( et2, 10 ), "none" );
       EXPECT_EQ( context.intfId().stringValue(), et2 );
       EXPECT_EQ( context.attributeType(), 3 );
       EXPECT_EQ( context.attributeKey(), 77u );
    }
+   mvrp.declare( et1, Vlan{ 10 }, New );
+   mvrp.declare( et1, Vlan{ 10 }, internalLeave );
+   EXPECT_EQ( mvrp.states( et1, 10 ), "none" );
 }
 
 TEST_F( SendDoor, usesUpTheQueueForAnEventThatItDoesNotKnow ) {
