@@ -134,6 +134,12 @@ TEST_F( RingFileTest, ARestartKeepsWhatWasThere ) {
    EXPECT_THAT( lines(), ElementsAre( "on eth0 at 1" ) );
 }
 
+TEST_F( RingFileTest, WhatIsNoRingFileIsLeftAlone ) {
+   std::ofstream( path_ ) << "precious, and longer than a magic word";
+   EXPECT_THROW( RingFile{ path_ }, std::runtime_error );
+   EXPECT_EQ( bytes().size(), 38u );
+}
+
 class RingReaderTest : public RingFileTest {
  protected:
    RingReaderTest() {
