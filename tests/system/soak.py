@@ -232,12 +232,12 @@ class Client:
 
 
 class Crowd:
-    def __init__(self, path):
+    def __init__(self, path, warm_up):
         self.path, self.clients, self.came = path, [], 0
         self.scrapes, self.samples, self.cut = 0, {}, 0
         self.selector = selectors.DefaultSelector()
-        # More than there ever are later, for the heap to be as large as it gets.
-        self.kinds, self.number, self.scene_end = ["reader"], 15, time.monotonic() + 15
+        # At first more than there ever are later, for the heap to be as large as it gets.
+        self.kinds, self.number, self.scene_end = ["reader"], 15, time.monotonic() + warm_up
 
     def enter(self, kind, address):
         try:
@@ -347,6 +347,7 @@ def row(*cells):
 def crowd(application, minutes, pid, path, memory):
     here, stormy = os.path.realpath(__file__), ["ip", "netns", "exec", "storm", sys.executable]
     agent, seconds = Agent(pid), float(minutes) * 60
+    warm_up = min(120, seconds / 6)
     until("the agent serves", lambda: {"it": os.path.exists(path)}, {"it": True})
     # Once through everything, so that what is made at the first use is there.
     scrape()
@@ -358,7 +359,7 @@ def crowd(application, minutes, pid, path, memory):
     start, begun = agent.rss(), time.monotonic()
     weather = subprocess.Popen(stormy + [here, "storm", application, pid, "s0", "s1"],
                                stdout=subprocess.PIPE)
-    them, samples, next_row = Crowd(path), [], 0
+    them, samples, next_row = Crowd(path, warm_up), [], 0
     row("minute", "RSS kB", "descriptors", "received", "malformed", "attributes", "observers",
         "scrapes")
     while (now := time.monotonic() - begun) < seconds:
@@ -378,7 +379,7 @@ def crowd(application, minutes, pid, path, memory):
     sent = int(weather.communicate(timeout=30)[0])
 
     problems = []
-    warm = [sample for sample in samples if sample[0] > min(120, seconds / 6)]
+    warm = [sample for sample in samples if sample[0] > warm_up]
     third = len(warm) // 3
     first, last = (statistics.median(rss for _, rss, _ in part)
                    for part in (warm[:third], warm[-third:]))
