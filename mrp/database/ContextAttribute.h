@@ -16,9 +16,9 @@ inline MrpIntfTypeApplicant * MrpSm::contextType() const {
    return found_.type;
 }
 
-// How many attributes ahead of a frame's walk the database is brought near: a switch holds more of
-// them than its caches, and without this each would be waited for.
-inline constexpr std::size_t attributesAhead = 12;
+// So many attributes ahead of a frame's walk they are prefetched: a switch holds more of them than
+// its caches do, and without this each would be waited for. Less than a row of the ordered map.
+inline constexpr std::size_t attributesAhead = 32;
 
 // While nothing is pending the tree is all there is, and the neighbour of the attribute found last
 // the most likely: that is the way of a refresh.
@@ -30,7 +30,7 @@ inline MrpAttrDatabase * MrpSm::contextAttributeInTree() const {
       found_.attributeAt = found_.attribute ? state : Found::never;
       if ( found_.attribute ) {
          if ( auto const * const soon = type->mrpAttribute().ahead( attributesAhead ) ) {
-            ( *soon )->willBeRead();
+            ( *soon )->prefetch();
          }
       }
    }

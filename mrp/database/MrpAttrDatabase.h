@@ -43,8 +43,8 @@ class MrpAttrDatabase : public Korv::Entity {
    void registrarStateIs( MrpRegistrarState v ) {
       set( registrarState_, v, &Reactor::onRegistrarState );
    }
-   // Asks the processor to bring the states into its cache.
-   void willBeRead() const { __builtin_prefetch( &registrarState_ ); }
+   // The states, into the processor's cache.
+   void prefetch() const { __builtin_prefetch( &registrarState_ ); }
    // Nothing declared, nothing registered: an attribute in these states is removed.
    bool inDefaultStates() const {
       return applicantState_ == mrpVeryAnxiousObserver && registrarState_ == mrpMt;

@@ -12,9 +12,6 @@ namespace Mrp {
 
 namespace {
 
-// A txLeaveAllExpiryTime of just this says that none has been set, and is compared for equality.
-constexpr Korv::Seconds unsetTxLeaveAllExpiryTime = 0.6;
-
 // The key of the machine that an attribute shares with all of its interface and type.
 MrpAttribute sharedKey( MrpAttribute const & attribute ) {
    return MrpAttribute( attribute.intfId(), attribute.attributeType(), 0 );
@@ -49,7 +46,7 @@ void MrpRegistrarSm::mrpAddAttrToLeavePending() {
       return;
    }
    bool const ownTime = registrarEvent_ == regTxLvAll &&
-                        mrpConfig_->txLeaveAllExpiryTime() != unsetTxLeaveAllExpiryTime;
+                        mrpConfig_->txLeaveAllExpiryTime() != MrpConfig::unsetTxLeaveAllExpiryTime;
    machine->doScheduleLeaveTimer( ownTime ? mrpConfig_->txLeaveAllExpiryTime()
                                           : mrpSm_->mrpGetLeaveTime( attribute.intfId() ) );
 }

@@ -67,7 +67,9 @@ class MrpConfig : public Korv::NamedEntity {
       delAllMembers( intfLeaveAllTime_, &Reactor::onIntfLeaveAllTime );
    }
 
-   // The leave time after a transmitted LeaveAll; exactly 0.6 means: the interface's leave time.
+   // The leave time after a transmitted LeaveAll. Exactly this one means that none has been set,
+   // and that the interface's leave time holds.
+   static constexpr Korv::Seconds unsetTxLeaveAllExpiryTime = 0.6;
    Korv::Seconds txLeaveAllExpiryTime() const { return txLeaveAllExpiryTime_; }
    void txLeaveAllExpiryTimeIs( Korv::Seconds v ) {
       set( txLeaveAllExpiryTime_, v, &Reactor::onTxLeaveAllExpiryTime );
@@ -99,7 +101,7 @@ class MrpConfig : public Korv::NamedEntity {
    Korv::Seconds leaveAllTime_ = MrpTimerConstants::defaultLeaveAllTime;
    IntfTimes intfLeaveTime_;
    IntfTimes intfLeaveAllTime_;
-   Korv::Seconds txLeaveAllExpiryTime_ = 0.6;
+   Korv::Seconds txLeaveAllExpiryTime_ = unsetTxLeaveAllExpiryTime;
    bool mrpFlooding_ = false;
 };
 

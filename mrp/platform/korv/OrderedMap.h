@@ -35,6 +35,11 @@ class OrderedMap {
       K const * begin() const { return keys_.get(); }
       K const * end() const { return keys_.get() + size_; }
 
+      void prefetch() const {
+         __builtin_prefetch( keys_.get() );
+         __builtin_prefetch( values_.get() );
+      }
+
       // For one more, or for so many.
       void makeRoom() {
          if ( size_ == room_ ) {
@@ -223,6 +228,11 @@ class OrderedMap {
          return nullptr;
       }
       last_ = { &rows_[place.row], place.at };
+      // Whoever asks for one member after the other comes here once a row: the next one is to be
+      // near by then. Its first lines do; what follows them the processor fetches by itself.
+      if ( place.row + 1 < rows_.size() ) {
+         rows_[place.row + 1].prefetch();
+      }
       return &last_.row->value( place.at );
    }
 
@@ -256,10 +266,10 @@ class OrderedMap {
          return {};
       }
       Place place = lowerBound( key );
-      if ( isAt( place, key ) || !isPlace( place ) ) {
-         if ( !isPlace( place ) ) {
-            return { place.row + 1, 0 };
-         }
+      if ( !isPlace( place ) ) {
+         return { place.row + 1, 0 };
+      }
+      if ( isAt( place, key ) ) {
          stepForward( place );
       }
       return place;
