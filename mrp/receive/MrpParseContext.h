@@ -55,7 +55,7 @@ class MrpParseContext : public Korv::NamedEntity {
          set( attributeKey_, v, &Reactor::onAttributeKey );
       }
    }
-   // How often interface or type have changed, and how often any of the three has: whoever remembers
+   // How often interface or type have changed, and how often any of the three: whoever remembers
    // what it found for them sees by these whether that still holds.
    U64 placeChanges() const { return placeChanges_; }
    U64 attributeChanges() const { return attributeChanges_; }
