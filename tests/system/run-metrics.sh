@@ -29,9 +29,11 @@ heard right 'VLAN 10 ' 'VLAN 20 ' 'VLAN 21 '
 
 # shellcheck disable=SC2016
 scraped right '
-status, headers, text = get( "/metrics" )
-assert status == 200 and headers[ "Content-Type" ].startswith( "text/plain; version=0.0.4" )
-assert "interface=\"eth0\",type=\"VLAN\",state=\"IN\"} 3\n" in text, text
+text, deadline = "", time.monotonic() + 10
+while "interface=\"eth0\",type=\"VLAN\",state=\"IN\"} 3\n" not in text: # from the next commit on
+   assert time.monotonic() < deadline, text
+   status, headers, text = get( "/metrics" )
+   assert status == 200 and headers[ "Content-Type" ].startswith( "text/plain; version=0.0.4" )
 assert get( "/metrics", "HEAD" )[ 2 ] == ""
 assert get( "/" )[ 0 ] == 404
 status, headers, text = get( "/metrics", "DELETE" )
