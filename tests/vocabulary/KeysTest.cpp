@@ -30,7 +30,7 @@ TEST( Keys, orderGoesFieldByFieldAndNumbersAreUnsigned ) {
 
 TEST( ValueIndex, endsAt64 ) {
    EXPECT_EQ( Korv::fromText< ValueIndex >( "64" ), ValueIndex( 64 ) );
-   for ( U64 const value : { 65, 256, 320 } ) {
+   for ( U64 const value : { 65u, 256u, 320u } ) {
       try {
          ADD_FAILURE() << ValueIndex( value ) << " for " << value;
       } catch ( Korv::RangeException const & failure ) {
