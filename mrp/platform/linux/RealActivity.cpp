@@ -14,10 +14,8 @@ namespace Linux {
 
 namespace {
 
-// A timer that arms itself again for the time that it is must not keep input out for good.
-constexpr int timersARound = 1024;
-
-// So long input waits for timers that are due, or for one of them if that takes longer.
+// So long input waits for timers that are due, or for one of them if that takes longer: also for
+// one that arms itself again and again for the time that it is.
 constexpr Seconds timersTurn = 0.02;
 
 // How late a timer still counts as fired at its time. No loop wakes on the dot; a periodic timer of
@@ -70,7 +68,7 @@ void RealActivity::runUntil( Seconds end ) {
 
 void RealActivity::fireTimers( Seconds time ) {
    turnEnd_ = time + timersTurn;
-   for ( int fired = 0; fired < timersARound && !stopping_; ++fired ) {
+   while ( !stopping_ ) {
       Seconds const due = clock()->nextTime();
       if ( due > time ) {
          return;
