@@ -12,6 +12,7 @@ class Observer : public Korv::NboAttrLog::Output {
  public:
    // It has been told everything.
    explicit Observer( Agent const & agent ) : adapters_( agent.mounts().mount( *this ) ) {
+      heardFromIs( chunk );
       takeAll();
    }
    // From now on it takes nothing more: its output fills, and then there are marks.
@@ -28,7 +29,7 @@ class Observer : public Korv::NboAttrLog::Output {
  protected:
    // As a socket does, from within the engine's work.
    void handleBytes() override {
-      if ( !stalled_ && bytes() >= chunk ) {
+      if ( !stalled_ ) {
          take();
       }
    }

@@ -8,6 +8,9 @@
 namespace Korv::NboAttrLog {
 
 Adapter::~Adapter() {
+   if ( output_ && output_->isNewcomer( *this ) ) {
+      output_->newcomerDel();
+   }
    freeResyncState();
    inputIs( nullptr, 0 );
 }
@@ -26,6 +29,7 @@ void Adapter::doRemountSelf( Output * output ) {
 void Adapter::doStart( Output * output, U64 parent, U16 parentAttrId ) {
    output_ = output;
    identifier_ = output->newIdentifier();
+   doListen();
    doSerializeOrphan();
    if ( parent ) {
       doSerializePlace( parent, parentAttrId );

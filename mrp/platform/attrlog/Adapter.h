@@ -43,6 +43,11 @@ class Adapter {
    void handleAttached( Output * output, U64 parent, U16 parentAttrId ) {
       doStart( output, parent, parentAttrId );
    }
+   // Puts that off until the stream says something else. Meanwhile it hears nothing.
+   void handleNewcomer( Output * output, Notifier const & entity, U64 parent, U16 parentAttrId ) {
+      output_ = output;
+      output->newcomerIs( *this, entity, parent, parentAttrId );
+   }
    // Drops adapters below this one, at most `limit`, which it counts down. If some of the limit is
    // left, none are left below.
    virtual void doDropChildren( std::size_t & limit ) = 0;
@@ -112,6 +117,8 @@ class Adapter {
    virtual bool doSerializeAll() = 0;
    // Not once the entity has gone.
    virtual bool hasEntity() const = 0;
+   // From now on it hears what changes, whatever it heard before.
+   virtual void doListen() = 0;
 
    // Runs what a notification asks for; what it throws ends the stream, not the engine.
    template < class F >
@@ -141,6 +148,8 @@ class Adapter {
    void inputIs( Input * input, U64 identifier );
 
  private:
+   friend class Output; // doStart, of a newcomer
+
    Output * output_ = nullptr;
    Input * input_ = nullptr;
    U64 identifier_ = 0;

@@ -19,7 +19,10 @@ namespace Korv::NboAttrLog {
 template < class E >
 class EntityAdapter : public Adapter, public E::Reactor {
  public:
-   explicit EntityAdapter( E & entity ) { this->notifierIs( &entity ); }
+   explicit EntityAdapter( E & entity, bool listens = true ) {
+      this->isRegisteredNotifieeIs( listens );
+      this->notifierIs( &entity );
+   }
 
    static constexpr char const * typeName() { return E::attributes().typeName; }
    E * entity() const { return const_cast< E * >( this->notifier() ); }
@@ -99,14 +102,15 @@ class EntityAdapter : public Adapter, public E::Reactor {
       // Keeps the entity alive while the adapter does not listen, and would not hear of its end.
       Ptr< E const > unheard;
    };
-   void listensIs( bool listens ) {
-      if ( listens ) {
-         this->isRegisteredNotifieeIs( true );
+   void doListen() override {
+      this->isRegisteredNotifieeIs( true );
+      if constexpr ( gathers ) {
          told_.unheard = nullptr;
-      } else {
-         told_.unheard = entity();
-         this->isRegisteredNotifieeIs( false );
       }
+   }
+   void doStopListening() {
+      told_.unheard = entity();
+      this->isRegisteredNotifieeIs( false );
    }
 
    auto key() const {

@@ -30,7 +30,7 @@ void EntityAdapter< E >::handleAttr() {
       number, [&] { korvHandleSerialize< place >(); },
       [&]( auto & marks ) {
          if constexpr ( gathers ) {
-            listensIs( false );
+            doStopListening();
          } else if constexpr ( kindAt< place > == Kind::queue ) {
             doMarkSpan( marks );
          } else {
@@ -104,24 +104,29 @@ bool EntityAdapter< E >::isPending() const {
 }
 
 // The member's adapter, made and attached if there is none yet. From then on it sends all that is
-// to be said of the member.
+// to be said of the member; of one that is told in one step, not before its values have come too.
 template < class E >
 template < std::size_t place, class Key, class Member >
 void EntityAdapter< E >::nboAttrLogAdapterIs( Key const & key, Member & member ) {
-   auto const make = [&] {
-      return std::make_unique< typename TraitsAt< place >::Adapter >( member );
-   };
+   using Child = typename TraitsAt< place >::Adapter;
+   auto const make = [&] { return std::make_unique< Child >( member, !Child::isSmall ); };
    auto & adapter = std::get< place >( kept_ ).adapters.findOrMake( key, make );
    if ( adapter->entity() != &member ) {
       adapter = make();
    }
    if ( !adapter->output() ) {
+      constexpr U16 number = std::get< place >( table.list ).number;
       adapter->forcedIs( forced() );
-      adapter->handleAttached( output(), identifier(), std::get< place >( table.list ).number );
+      if constexpr ( Child::isSmall ) {
+         adapter->handleNewcomer( output(), member, identifier(), number );
+      } else {
+         adapter->handleAttached( output(), identifier(), number );
+      }
    }
 }
 
-// Drops the adapter of a member that has gone or is another one now; false if there is none.
+// Drops the adapter of a member that has gone or is another one now; false if there is none, or if
+// the stream has not heard of it.
 template < class E >
 template < std::size_t place, class Key >
 bool EntityAdapter< E >::nboAttrLogAdapterDel( Key const & key ) {
@@ -134,7 +139,9 @@ bool EntityAdapter< E >::nboAttrLogAdapterDel( Key const & key ) {
    if ( member && member->ptr() == ( *held )->entity() ) {
       return false;
    }
-   return adapters.erase( key );
+   bool const told = !output() || !output()->isNewcomer( **held );
+   adapters.erase( key );
+   return told;
 }
 
 // One plain message.
@@ -202,9 +209,6 @@ bool EntityAdapter< E >::doSerializeAll() {
             korvHandleSerialize< place >();
          }
       } );
-   }
-   if constexpr ( gathers ) {
-      listensIs( true ); // it may have been on another stream, with a flow pending
    }
    return isSmall;
 }
@@ -297,7 +301,7 @@ U16 EntityAdapter< E >::handleAttrFlowOut( U16 attrId ) {
          return handleAttrFlowOut( firstOwnAttr ); // what has changed since it passed by
       }
       if ( next == 0 ) {
-         listensIs( true );
+         doListen();
       }
    }
    return next;

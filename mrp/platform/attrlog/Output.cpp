@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace Korv::NboAttrLog {
 
@@ -36,8 +37,23 @@ void Output::doMakeRoom( std::size_t count ) {
    buffer_.resize( std::max( 2 * buffer_.size(), end_ + count ) );
 }
 
+void Output::newcomerIs( Adapter & adapter, Notifier const & entity, U64 parent,
+                         U16 parentAttrId ) {
+   doTellNewcomer();
+   newcomer_ = { &adapter, Ptr< Notifier const >( &entity ), parent, parentAttrId };
+   if ( bytes() == 0 ) {
+      handleBytes();
+   }
+}
+
+void Output::doStartNewcomer() {
+   auto const newcomer = std::exchange( newcomer_, {} );
+   newcomer.adapter->doStart( this, newcomer.parent, newcomer.parentAttrId );
+}
+
 void Output::doFlowOut() {
    Turn const turn( *this );
+   doTellNewcomer();
    while ( !flows_.empty() && continueFlowOut() && !failed_ ) {
       flows_.front()->doResumeFlowOut();
    }

@@ -7,10 +7,13 @@
 //
 //  1. Messages are whole in the buffer, in the order in which they were written.
 //  2. An adapter with something pending stands in the queue of flows, once.
+//  3. Of one adapter at most, the newcomer, nothing has been said yet. It is told before any other
+//     message, or when the transport comes for what there is.
 #pragma once
 
 #include "mrp/platform/attrlog/Bytes.h"
 #include "mrp/platform/attrlog/Protocol.h"
+#include "mrp/platform/korv/Notifier.h"
 
 #include <list>
 #include <vector>
@@ -39,6 +42,7 @@ class Output {
    // The next message as far as its header. The writer has room for as many bytes more, all of
    // which are to be written before the message ends.
    ByteWriter nextHeaderIs( U64 entity, S16 attrId, U8 flags, std::size_t payloadBytes ) {
+      doTellNewcomer();
       std::size_t const size = headerBytes + payloadBytes;
       if ( buffer_.size() - end_ < lengthBytes + size ) [[unlikely]] {
          doMakeRoom( lengthBytes + size );
@@ -52,13 +56,29 @@ class Output {
       written_ += lengthBytes + size;
       return writer;
    }
-   void messageEnd() { handleBytes(); }
+   void messageEnd() {
+      if ( bytes() >= heardFrom_ ) {
+         handleBytes();
+      }
+   }
    void doSendMarker( U64 entity, U16 attrId, Marker marker );
 
    // A stream that is not ours to write on, unless it can be made so.
    bool readOnly() const { return readOnly_; }
    void readOnlyIs( bool readOnly ) { readOnly_ = readOnly; }
    virtual bool convertedToWritable() { return false; }
+
+   // A child that gets its values as soon as it is made, as one does that enters the tree, is told
+   // once and with all of them, for the price of a pointer here. The entity is kept until then: its
+   // adapter does not hear of its end.
+   void newcomerIs( Adapter & adapter, Notifier const & entity, U64 parent, U16 parentAttrId );
+   bool isNewcomer( Adapter const & adapter ) const { return newcomer_.adapter == &adapter; }
+   void newcomerDel() { newcomer_ = {}; }
+   void doTellNewcomer() {
+      if ( newcomer_.adapter ) [[unlikely]] {
+         doStartNewcomer();
+      }
+   }
 
    // Something was thrown while an adapter worked off a notification. The engine never hears of it:
    // the stream has lost a change and has to end.
@@ -74,7 +94,8 @@ class Output {
    std::size_t bytes() const { return end_ - gone_; }
    std::span< U8 const > front() const { return { buffer_.data() + gone_, bytes() }; }
    void frontDel( std::size_t count );
-   // Resumes flows for as long as there is room, for one turn. What is left waits for the next.
+   // Tells the newcomer, and resumes flows for as long as there is room, for one turn. What is left
+   // waits for the next.
    void doFlowOut();
    // Bounds what is written while it lives.
    struct Turn {
@@ -84,12 +105,14 @@ class Output {
       ~Turn() { output.turnEnd_ = ~U64{ 0 }; }
       Output & output;
    };
-   // No flow is pending and nothing waits.
-   bool idle() const { return bytes() == 0 && flows_.empty(); }
+   // Nothing waits, no flow is pending and nobody has still to be told of.
+   bool idle() const { return bytes() == 0 && flows_.empty() && !newcomer_.adapter; }
 
  protected:
-   // There is something more in the buffer, or a flow that waits for its turn.
+   // There is something more: at least so many bytes wait as the transport wants to hear of, or a
+   // flow or a newcomer waits for its turn.
    virtual void handleBytes() {}
+   void heardFromIs( std::size_t bytes ) { heardFrom_ = bytes; }
    // Nothing of what waits may be sent any more; a message may have remained half.
    virtual void handleFailed() noexcept {}
 
@@ -98,6 +121,7 @@ class Output {
    using Flows = std::list< Adapter * >;
 
    void doMakeRoom( std::size_t count );
+   void doStartNewcomer();
 
    std::size_t bound_;
    // What waits stands from gone_ to end_; behind it is room.
@@ -107,6 +131,13 @@ class Output {
    U64 written_ = 0; // bytes, ever
    U64 turnEnd_ = ~U64{ 0 };
    Flows flows_;
+   struct {
+      Adapter * adapter = nullptr;
+      Ptr< Notifier const > entity;
+      U64 parent = 0;
+      U16 parentAttrId = 0;
+   } newcomer_;
+   std::size_t heardFrom_ = 1;
    U64 lastIdentifier_ = 0;
    bool readOnly_ = false;
    bool failed_ = false;

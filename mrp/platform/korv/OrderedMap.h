@@ -25,40 +25,45 @@ template < class K, class V >
 class OrderedMap {
    static constexpr std::size_t rowSize = 64;
 
-   // Some members that stand side by side, in memory that doubles.
+   // Some members that stand side by side, in memory that doubles. When the first one goes, as in a
+   // set that is worked off from its front, the others stay where they are.
    class Row {
     public:
       std::size_t size() const { return size_; }
       bool isFull() const { return size_ >= rowSize; }
       K const & key( std::size_t at ) const { return keys_[at]; }
       V & value( std::size_t at ) const { return values_[at]; }
-      K const * begin() const { return keys_.get(); }
-      K const * end() const { return keys_.get() + size_; }
+      K const * begin() const { return keys_; }
+      K const * end() const { return keys_ + size_; }
 
       void prefetch() const {
-         __builtin_prefetch( keys_.get() );
-         __builtin_prefetch( values_.get() );
+         __builtin_prefetch( keys_ );
+         __builtin_prefetch( values_ );
       }
 
-      // For one more, or for so many.
+      // For one more behind the last, or for so many in all.
       void makeRoom() {
-         if ( size_ == room_ ) {
+         if ( keys_ + size_ == keyRoom_.get() + room_ ) {
             makeRoom( std::max( 2 * size_, 1u ) );
          }
       }
       void makeRoom( std::size_t room ) {
          auto keys = std::make_unique< K[] >( room );
          auto values = std::make_unique< V[] >( room );
-         std::copy( keys_.get(), keys_.get() + size_, keys.get() );
-         std::move( values_.get(), values_.get() + size_, values.get() );
-         keys_ = std::move( keys );
-         values_ = std::move( values );
+         std::copy( keys_, keys_ + size_, keys.get() );
+         std::move( values_, values_ + size_, values.get() );
+         keys_ = keys.get();
+         values_ = values.get();
+         keyRoom_ = std::move( keys );
+         valueRoom_ = std::move( values );
          room_ = static_cast< U32 >( room );
       }
       // There is room.
       void insert( std::size_t at, K const & key, V && value ) {
-         std::move_backward( keys_.get() + at, keys_.get() + size_, keys_.get() + size_ + 1 );
-         std::move_backward( values_.get() + at, values_.get() + size_, values_.get() + size_ + 1 );
+         if ( at < size_ ) {
+            std::move_backward( keys_ + at, keys_ + size_, keys_ + size_ + 1 );
+            std::move_backward( values_ + at, values_ + size_, values_ + size_ + 1 );
+         }
          keys_[at] = key;
          values_[at] = std::move( value );
          ++size_;
@@ -66,25 +71,31 @@ class OrderedMap {
       // What stood there, which the caller lets go when the row is whole again.
       V take( std::size_t at ) {
          V taken = std::move( values_[at] );
-         std::move( keys_.get() + at + 1, keys_.get() + size_, keys_.get() + at );
-         std::move( values_.get() + at + 1, values_.get() + size_, values_.get() + at );
+         if ( at == 0 ) {
+            ++keys_;
+            ++values_;
+         } else {
+            std::move( keys_ + at + 1, keys_ + size_, keys_ + at );
+            std::move( values_ + at + 1, values_ + size_, values_ + at );
+         }
          --size_;
          return taken;
       }
       // The members from there on go to the end of the other row, which has room for them.
       void moveTo( Row & other, std::size_t from ) {
-         std::copy( keys_.get() + from, keys_.get() + size_, other.keys_.get() + other.size_ );
-         std::move( values_.get() + from, values_.get() + size_,
-                    other.values_.get() + other.size_ );
+         std::copy( keys_ + from, keys_ + size_, other.keys_ + other.size_ );
+         std::move( values_ + from, values_ + size_, other.values_ + other.size_ );
          other.size_ += size_ - static_cast< U32 >( from );
          size_ = static_cast< U32 >( from );
       }
 
     private:
-      std::unique_ptr< K[] > keys_;
-      std::unique_ptr< V[] > values_;
+      K * keys_ = nullptr; // of the first member
+      V * values_ = nullptr;
       U32 size_ = 0;
       U32 room_ = 0;
+      std::unique_ptr< K[] > keyRoom_;
+      std::unique_ptr< V[] > valueRoom_;
    };
    struct Place {
       std::size_t row = 0;
@@ -189,7 +200,7 @@ class OrderedMap {
       Walk & operator++() {
          if ( changes_ == map_->changes_ ) {
             map_->stepForward( place_ );
-         } else {
+         } else if ( !map_->isNextOf( place_, key_ ) ) {
             place_ = map_->upperBound( key_ );
          }
          settle();
@@ -261,6 +272,16 @@ class OrderedMap {
       auto const at = std::lower_bound( keys.begin(), keys.end(), key );
       return { row, static_cast< std::size_t >( at - keys.begin() ) };
    }
+   // The first member above the key stands there: the one that a walk was at has gone, most often.
+   bool isNextOf( Place const & place, K const & key ) const {
+      if ( !isPlace( place ) || !( key < rows_[place.row].key( place.at ) ) ) {
+         return false;
+      }
+      if ( place.at > 0 ) {
+         return !( key < rows_[place.row].key( place.at - 1 ) );
+      }
+      return place.row == 0 || !( key < *( rows_[place.row - 1].end() - 1 ) );
+   }
    Place upperBound( K const & key ) const {
       if ( size_ == 0 ) {
          return {};
@@ -324,7 +345,7 @@ class OrderedMap {
       Row & row = rows_[place.row];
       std::size_t const keep = place.at == row.size() ? row.size() : row.size() / 2;
       Row upper;
-      upper.makeRoom( row.size() - keep + 1 );
+      upper.makeRoom( keep == row.size() ? rowSize : row.size() - keep + 1 );
       row.moveTo( upper, keep );
       auto const next = static_cast< std::ptrdiff_t >( place.row ) + 1;
       lowest_.insert( lowest_.begin() + next, upper.size() == 0 ? K{} : upper.key( 0 ) );

@@ -55,6 +55,7 @@ class AttrLogServer::Observer : public Korv::NboAttrLog::Output {
    // As much as the kernel takes. A connection that is broken ends from the loop, which hears of
    // it.
    void send() {
+      doTellNewcomer();
       look();
       while ( bytes() > 0 && !failed() ) {
          auto const waiting = front();
@@ -67,6 +68,7 @@ class AttrLogServer::Observer : public Korv::NboAttrLog::Output {
          frontDel( static_cast< std::size_t >( sent ) );
       }
       nextSend_ = bytes() + chunk_;
+      heardFromIs( idle() ? 1 : nextSend_ );
       unsent_ = unsentBytes( socket_ );
       awaitRoom();
    }
@@ -123,6 +125,7 @@ class AttrLogServer::Observer : public Korv::NboAttrLog::Output {
          send();
       } else {
          awaitRoom();
+         heardFromIs( nextSend_ );
       }
    }
 
