@@ -30,14 +30,11 @@ void Adapter::doStart( Output * output, U64 parent, U16 parentAttrId ) {
    output_ = output;
    identifier_ = output->newIdentifier();
    doListen();
-   doSerializeOrphan();
-   if ( parent ) {
-      doSerializePlace( parent, parentAttrId );
-   }
    bool const room = output->continueFlowOut();
-   if ( room && doSerializeAll() ) {
+   if ( room && doSerializeAll( parent, parentAttrId ) ) {
       return;
    }
+   doSerializeOrphan( parent, parentAttrId );
    flowOutIs( firstOwnAttr );
    doMarkAll();
    if ( room ) {

@@ -110,11 +110,12 @@ class Adapter {
    virtual void doMarkAll() = 0;
    // Works off what is pending from the attribute on. 0 when done, else where to come back to.
    virtual U16 handleAttrFlowOut( U16 attrId ) = 0;
-   virtual void doSerializeOrphan() = 0;
-   // The child's place: its key and identifier under the parent's identifier.
-   virtual void doSerializePlace( U64 parent, U16 parentAttrId ) = 0;
-   // Everything in one step, without a flow. False, with nothing done, if that is too much.
-   virtual bool doSerializeAll() = 0;
+   // The orphan record and, if there is a parent, the child's place: its key and identifier under
+   // the parent's identifier.
+   virtual void doSerializeOrphan( U64 parent, U16 parentAttrId ) = 0;
+   // These and everything else, in one step without a flow. False, with nothing done, if that is
+   // too much.
+   virtual bool doSerializeAll( U64 parent, U16 parentAttrId ) = 0;
    // Not once the entity has gone.
    virtual bool hasEntity() const = 0;
    // From now on it hears what changes, whatever it heard before.

@@ -165,11 +165,15 @@ class EntityAdapter : public Adapter, public E::Reactor {
    template < std::size_t place >
    bool korvHandleSerializeColl();
    template < class... Part >
-   void doWrite( U64 entity, S16 attrId, Part const &... part );
+   void doWrite( S16 attrId, Part const &... part );
+   template < class To >
+   void putOwnOrphan( To & to, U64 parent, U16 parentAttrId ) const;
+   template < std::size_t place, class To >
+   void putWhole( To & to ) const;
    template < std::size_t place, class Key, class Member >
    void nboAttrLogAdapterIs( Key const & key, Member & member );
-   template < std::size_t place, class Key >
-   bool nboAttrLogAdapterDel( Key const & key );
+   template < std::size_t place, class Key, class Member >
+   bool nboAttrLogAdapterDel( Key const & key, Member const * member );
 
    // Receiving; the same.
    template < std::size_t place >
@@ -193,9 +197,8 @@ class EntityAdapter : public Adapter, public E::Reactor {
    bool prepareImmediateTransmission( U16 attrId, bool noBuffer ) const override;
    void doMarkAll() override;
    U16 handleAttrFlowOut( U16 attrId ) override;
-   void doSerializeOrphan() override;
-   void doSerializePlace( U64 parent, U16 parentAttrId ) override;
-   bool doSerializeAll() override;
+   void doSerializeOrphan( U64 parent, U16 parentAttrId ) override;
+   bool doSerializeAll( U64 parent, U16 parentAttrId ) override;
    void doDropChildren( std::size_t & limit ) override;
    bool hasEntity() const override { return entity() != nullptr; }
 

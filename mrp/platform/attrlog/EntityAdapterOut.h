@@ -49,10 +49,11 @@ void EntityAdapter< E >::handleMember( Key const & memberKey ) {
    if constexpr ( kindAt< place > == Kind::children ) {
       // Whatever the mode, an adapter goes with its entity. What the stream has never heard of need
       // not be deleted there.
-      known = nboAttrLogAdapterDel< place >( key );
+      auto const * const member = collection< place >().find( key );
+      known = nboAttrLogAdapterDel< place >( key, member ? member->ptr() : nullptr );
       bool const marked =
          flowOut() && std::get< place >( pending().marks ).korvIsDirty.contains( key );
-      if ( !known && !marked && !collection< place >().isMember( key ) ) {
+      if ( !known && !marked && !member ) {
          return;
       }
    }
@@ -128,15 +129,11 @@ void EntityAdapter< E >::nboAttrLogAdapterIs( Key const & key, Member & member )
 // Drops the adapter of a member that has gone or is another one now; false if there is none, or if
 // the stream has not heard of it.
 template < class E >
-template < std::size_t place, class Key >
-bool EntityAdapter< E >::nboAttrLogAdapterDel( Key const & key ) {
+template < std::size_t place, class Key, class Member >
+bool EntityAdapter< E >::nboAttrLogAdapterDel( Key const & key, Member const * member ) {
    auto & adapters = std::get< place >( kept_ ).adapters;
    auto const * const held = adapters.find( key );
-   if ( !held ) {
-      return false;
-   }
-   auto const * const member = collection< place >().find( key );
-   if ( member && member->ptr() == ( *held )->entity() ) {
+   if ( !held || ( member && member == ( *held )->entity() ) ) {
       return false;
    }
    bool const told = !output() || !output()->isNewcomer( **held );
@@ -144,16 +141,11 @@ bool EntityAdapter< E >::nboAttrLogAdapterDel( Key const & key ) {
    return told;
 }
 
-// One plain message.
+// One plain message about this entity.
 template < class E >
 template < class... Part >
-void EntityAdapter< E >::doWrite( U64 about, S16 attrId, Part const &... part ) {
-   ByteWriter writer = output()->nextHeaderIs(
-      about, attrId, plain, ( std::size_t{ 2 } + ... + ByteWriter::size( part ) ) );
-   writer.put( tokenBegin );
-   ( writer.put( part ), ... );
-   writer.put( tokenEnd );
-   output()->messageEnd();
+[[gnu::flatten]] void EntityAdapter< E >::doWrite( S16 attrId, Part const &... part ) {
+   output()->doWrite( [&]( auto & to ) { putMessage( to, identifier(), attrId, part... ); } );
 }
 
 // A scalar, or a queue's span.
@@ -165,12 +157,12 @@ void EntityAdapter< E >::korvHandleSerialize() {
    }
    constexpr auto number = static_cast< S16 >( firstNumber( std::get< place >( table.list ) ) );
    if constexpr ( kindAt< place > == Kind::queue ) {
-      doWrite( identifier(), number, collection< place >().metadata() );
+      doWrite( number, collection< place >().metadata() );
    } else {
       if constexpr ( gathers ) {
          std::get< place >( told_.values ) = value< place >();
       }
-      doWrite( identifier(), number, value< place >() );
+      doWrite( number, value< place >() );
    }
 }
 
@@ -180,35 +172,54 @@ template < std::size_t place, class Key >
 void EntityAdapter< E >::korvHandleSerializeSing( Key const & key ) {
    constexpr auto number = static_cast< S16 >( std::get< place >( table.list ).number );
    auto const & members = collection< place >();
-   if ( !isMember( members, key ) ) {
-      doWrite( identifier(), static_cast< S16 >( -number ), key );
-   } else if constexpr ( kindAt< place > == Kind::queue ) {
-      doWrite( identifier(), number, key, members.at( key ) );
-   } else if constexpr ( kindAt< place > == Kind::map ) {
-      doWrite( identifier(), number, key, *members.find( key ) );
-   } else {
-      nboAttrLogAdapterIs< place >( key, **members.find( key ) );
+   if constexpr ( kindAt< place > == Kind::queue ) {
+      if ( isMember( members, key ) ) {
+         return doWrite( number, key, members.at( key ) );
+      }
+   } else if ( auto const * const member = members.find( key ) ) {
+      if constexpr ( kindAt< place > == Kind::map ) {
+         return doWrite( number, key, *member );
+      } else {
+         return nboAttrLogAdapterIs< place >( key, **member );
+      }
+   }
+   doWrite( static_cast< S16 >( -number ), key );
+}
+
+// The whole of a scalar or of a queue.
+template < class E >
+template < std::size_t place, class To >
+void EntityAdapter< E >::putWhole( To & to ) const {
+   constexpr auto attribute = std::get< place >( table.list );
+   constexpr auto number = static_cast< S16 >( attribute.number );
+   if constexpr ( kindAt< place > == Kind::queue ) {
+      auto const & bytes = collection< place >();
+      putMessage( to, identifier(), static_cast< S16 >( attribute.metadataNumber ),
+                  bytes.metadata() );
+      putMarker( to, identifier(), attribute.number, Marker::begin );
+      for ( U32 i = 0; i < bytes.count(); ++i ) {
+         U32 const slot = bytes.position( i );
+         putMessage( to, identifier(), number, static_cast< U8 >( slot ), bytes.at( slot ) );
+      }
+      putMarker( to, identifier(), attribute.number, Marker::end );
+   } else if constexpr ( !attribute.isKey ) {
+      putMessage( to, identifier(), number, value< place >() );
    }
 }
 
 // A stream begins with hundreds of thousands of attributes: each is sent in one step, with no flow.
+// Flattened, so that the writer's place stays in a register for all of some fifty values.
 template < class E >
-bool EntityAdapter< E >::doSerializeAll() {
+[[gnu::flatten]] bool EntityAdapter< E >::doSerializeAll( U64 parent, U16 parentAttrId ) {
    if constexpr ( isSmall ) {
-      forEachPlace( table, [&]( auto place ) {
-         constexpr auto attribute = std::get< place >( table.list );
-         if constexpr ( kindAt< place > == Kind::queue ) {
-            auto const & bytes = collection< place >();
-            korvHandleSerialize< place >();
-            output()->doSendMarker( identifier(), attribute.number, Marker::begin );
-            for ( U32 i = 0; i < bytes.count(); ++i ) {
-               korvHandleSerializeSing< place >( static_cast< U8 >( bytes.position( i ) ) );
-            }
-            output()->doSendMarker( identifier(), attribute.number, Marker::end );
-         } else if constexpr ( !attribute.isKey ) {
-            korvHandleSerialize< place >();
-         }
+      output()->doWrite( [&]( auto & to ) {
+         putOwnOrphan( to, parent, parentAttrId );
+         forEachPlace( table, [&]( auto place ) { putWhole< place >( to ); } );
       } );
+      if constexpr ( gathers ) {
+         forEachPlace(
+            table, [&]( auto place ) { std::get< place >( told_.values ) = value< place >(); } );
+      }
    }
    return isSmall;
 }
@@ -351,28 +362,18 @@ void EntityAdapter< E >::doDropChildren( std::size_t & limit ) {
 }
 
 template < class E >
-void EntityAdapter< E >::doSerializeOrphan() {
-   constexpr std::string_view type = table.typeName;
+template < class To >
+void EntityAdapter< E >::putOwnOrphan( To & to, U64 parent, U16 parentAttrId ) const {
    auto const ownKey = key();
-   std::size_t const size = 3 * ( sizeof( U8 ) + sizeof( U32 ) ) + ByteWriter::size( type ) +
-                            ByteWriter::size( ownKey ) + ByteWriter::size( identifier() );
-   ByteWriter writer = output()->nextHeaderIs( identifier(), orphanAttr, plain, 2 + size );
-   auto const section = [&]( U8 number, auto const & value ) {
-      writer.put( number );
-      writer.put( static_cast< U32 >( ByteWriter::size( value ) ) );
-      writer.put( value );
-   };
-   writer.put( tokenBegin );
-   section( sectionTypeName, type );
-   section( sectionKey, ownKey );
-   section( sectionIdentifier, identifier() );
-   writer.put( tokenEnd );
-   output()->messageEnd();
+   putOrphan( to, identifier(), table.typeName, ownKey );
+   if ( parent ) {
+      putMessage( to, parent, static_cast< S16 >( parentAttrId ), ownKey, identifier() );
+   }
 }
 
 template < class E >
-void EntityAdapter< E >::doSerializePlace( U64 parent, U16 parentAttrId ) {
-   doWrite( parent, static_cast< S16 >( parentAttrId ), key(), identifier() );
+void EntityAdapter< E >::doSerializeOrphan( U64 parent, U16 parentAttrId ) {
+   output()->doWrite( [&]( auto & to ) { putOwnOrphan( to, parent, parentAttrId ); } );
 }
 
 } // namespace Korv::NboAttrLog

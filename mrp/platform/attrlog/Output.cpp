@@ -16,12 +16,6 @@ Output::Output( std::size_t bound ) : bound_( bound ), buffer_( greetingBytes ) 
    end_ = greetingBytes;
 }
 
-void Output::doSendMarker( U64 entity, U16 attrId, Marker marker ) {
-   nextHeaderIs( entity, static_cast< S16 >( attrId ), transaction, 1 )
-      .put( static_cast< U8 >( marker ) );
-   messageEnd();
-}
-
 void Output::frontDel( std::size_t count ) {
    gone_ += count;
    if ( gone_ == end_ ) {

@@ -11,8 +11,7 @@
 //     message, or when the transport comes for what there is.
 #pragma once
 
-#include "mrp/platform/attrlog/Bytes.h"
-#include "mrp/platform/attrlog/Protocol.h"
+#include "mrp/platform/attrlog/Messages.h"
 #include "mrp/platform/korv/Notifier.h"
 
 #include <list>
@@ -39,29 +38,26 @@ class Output {
    bool continueFlowOut() const { return hasSufficientBuffer() && written_ < turnEnd_; }
    // Counted up from 1, never used twice.
    U64 newIdentifier() { return ++lastIdentifier_; }
-   // The next message as far as its header. The writer has room for as many bytes more, all of
-   // which are to be written before the message ends.
-   ByteWriter nextHeaderIs( U64 entity, S16 attrId, U8 flags, std::size_t payloadBytes ) {
+   // One message or several, which `put( to )` puts to what it is given, twice the same.
+   template < class Put >
+   void doWrite( Put const & put ) {
       doTellNewcomer();
-      std::size_t const size = headerBytes + payloadBytes;
-      if ( buffer_.size() - end_ < lengthBytes + size ) [[unlikely]] {
-         doMakeRoom( lengthBytes + size );
+      ByteCount count;
+      put( count );
+      if ( buffer_.size() - end_ < count.bytes() ) [[unlikely]] {
+         doMakeRoom( count.bytes() );
       }
       ByteWriter writer( buffer_.data() + end_ );
-      writer.put( static_cast< U32 >( size ) );
-      writer.put( entity );
-      writer.put( attrId );
-      writer.put( flags );
-      end_ += lengthBytes + size;
-      written_ += lengthBytes + size;
-      return writer;
-   }
-   void messageEnd() {
+      put( writer );
+      end_ += count.bytes();
+      written_ += count.bytes();
       if ( bytes() >= heardFrom_ ) {
          handleBytes();
       }
    }
-   void doSendMarker( U64 entity, U16 attrId, Marker marker );
+   void doSendMarker( U64 entity, U16 attrId, Marker marker ) {
+      doWrite( [&]( auto & to ) { putMarker( to, entity, attrId, marker ); } );
+   }
 
    // A stream that is not ours to write on, unless it can be made so.
    bool readOnly() const { return readOnly_; }

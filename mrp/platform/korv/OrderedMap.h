@@ -147,13 +147,15 @@ class OrderedMap {
    // The value under the key, made by `make()` if there is none yet.
    template < class Make >
    V & findOrMake( K const & key, Make && make ) {
-      if ( !isBehindAll( key ) ) {
+      bool const behindAll = isBehindAll( key );
+      if ( !behindAll ) {
          if ( V * const found = find( key ) ) {
             return *found;
          }
       }
       V fresh = make();
-      Place const place = insertAt( placeOf( key ), key, std::move( fresh ) );
+      Place const place =
+         insertAt( behindAll ? end() : lowerBound( key ), key, std::move( fresh ) );
       last_ = { &rows_[place.row], place.at };
       return rows_[place.row].value( place.at );
    }
@@ -298,12 +300,9 @@ class OrderedMap {
    // Of a key above all, the usual newcomer when runs are put in.
    bool isBehindAll( K const & key ) const { return size_ == 0 || highest() < key; }
    K const & highest() const { return rows_.back().key( rows_.back().size() - 1 ); }
-   Place placeOf( K const & key ) const {
-      if ( size_ == 0 ) {
-         return {};
-      }
-      return isBehindAll( key ) ? Place{ rows_.size() - 1, rows_.back().size() }
-                                : lowerBound( key );
+   // Where such a one goes.
+   Place end() const {
+      return size_ == 0 ? Place{} : Place{ rows_.size() - 1, rows_.back().size() };
    }
 
    // Room for one more, by doubling.
@@ -333,7 +332,9 @@ class OrderedMap {
       Row & row = rows_[place.row];
       row.makeRoom();
       row.insert( place.at, key, std::move( value ) );
-      lowest_[place.row] = row.key( 0 );
+      if ( place.at == 0 ) {
+         lowest_[place.row] = key;
+      }
       ++size_;
       ++changes_;
       return place;
