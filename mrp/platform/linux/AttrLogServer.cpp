@@ -22,7 +22,7 @@ constexpr Seconds checkDelay = 0.1;
 
 // A tree of hundreds of thousands of adapters is not dropped at once: the engine is waiting.
 constexpr std::size_t teardownPiece = 5000;
-constexpr Seconds teardownDelay = 0.001;
+constexpr Seconds teardownDelay = 0.01;
 
 } // namespace
 
@@ -68,14 +68,15 @@ class AttrLogServer::Observer : public Korv::NboAttrLog::Output {
          frontDel( static_cast< std::size_t >( sent ) );
       }
       nextSend_ = bytes() + chunk_;
-      heardFromIs( idle() ? 1 : nextSend_ );
       unsent_ = unsentBytes( socket_ );
       awaitRoom();
    }
    bool broken() const { return broken_ || failed(); }
-   // Woken when the socket takes more, for as long as there is more.
+   // Woken when the socket takes more, for as long as there is more. Then nothing need be heard of
+   // single messages.
    void awaitRoom() {
       bool const more = !idle() || broken();
+      heardFromIs( more ? nextSend_ : 1 );
       watch_->eventsIs( DescriptorWatch::reading | ( more ? DescriptorWatch::writing : 0u ) );
       if ( isWaitedFor() ) {
          server_.check_.doRunWithin( checkDelay );
@@ -125,7 +126,6 @@ class AttrLogServer::Observer : public Korv::NboAttrLog::Output {
          send();
       } else {
          awaitRoom();
-         heardFromIs( nextSend_ );
       }
    }
 
