@@ -126,8 +126,7 @@ void EntityAdapter< E >::nboAttrLogAdapterIs( Key const & key, Member & member )
    }
 }
 
-// Drops the adapter of a member that has gone or is another one now; false if there is none, or if
-// the stream has not heard of it.
+// Drops the adapter of a member that has gone or is another one now; false if there is none.
 template < class E >
 template < std::size_t place, class Key, class Member >
 bool EntityAdapter< E >::nboAttrLogAdapterDel( Key const & key, Member const * member ) {
@@ -136,9 +135,7 @@ bool EntityAdapter< E >::nboAttrLogAdapterDel( Key const & key, Member const * m
    if ( !held || ( member && member == ( *held )->entity() ) ) {
       return false;
    }
-   bool const told = !output() || !output()->isNewcomer( **held );
-   adapters.erase( key );
-   return told;
+   return adapters.erase( key );
 }
 
 // One plain message about this entity.

@@ -40,9 +40,11 @@ void Output::newcomerIs( Adapter & adapter, Notifier const & entity, U64 parent,
    }
 }
 
-void Output::doStartNewcomer() {
-   auto const newcomer = std::exchange( newcomer_, {} );
-   newcomer.adapter->doStart( this, newcomer.parent, newcomer.parentAttrId );
+void Output::doTellNewcomer() {
+   if ( newcomer_.adapter ) {
+      auto const newcomer = std::exchange( newcomer_, {} );
+      newcomer.adapter->doStart( this, newcomer.parent, newcomer.parentAttrId );
+   }
 }
 
 void Output::doFlowOut() {
