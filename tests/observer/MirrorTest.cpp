@@ -119,6 +119,16 @@ struct Watcher : MrpAttrDatabase::Reactor {
 };
 
 // A watcher hears of what has changed, also across connections.
+TEST( Mirror, hasAnAttributeThoughNothingElseIsSaid ) {
+   Original original;
+   auto & vlans = original.vlans();
+   MirrorLine line( original.mounts );
+   line.moveAll();
+   vlans.mrpAttributeIs( 10 )->registrarStateIs( mrpMt );
+   line.moveAll();
+   EXPECT_EQ( textOf( line.mirror() ), textOf( original ) );
+}
+
 TEST( Mirror, keepsItsEntitiesFromStreamToStream ) {
    Original original;
    auto & vlans = original.vlans();

@@ -43,7 +43,7 @@ class Adapter {
    void handleAttached( Output * output, U64 parent, U16 parentAttrId ) {
       doStart( output, parent, parentAttrId );
    }
-   // Puts that off until the next one comes or the turn ends. Meanwhile it hears nothing.
+   // Puts that off until the stream says something else. Meanwhile it hears nothing.
    void handleNewcomer( Output * output, Notifier const & entity, U64 parent, U16 parentAttrId ) {
       output_ = output;
       output->newcomerIs( *this, entity, parent, parentAttrId );

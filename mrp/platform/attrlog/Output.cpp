@@ -40,11 +40,9 @@ void Output::newcomerIs( Adapter & adapter, Notifier const & entity, U64 parent,
    }
 }
 
-void Output::doTellNewcomer() {
-   if ( newcomer_.adapter ) {
-      auto const newcomer = std::exchange( newcomer_, {} );
-      newcomer.adapter->doStart( this, newcomer.parent, newcomer.parentAttrId );
-   }
+void Output::doStartNewcomer() {
+   auto const newcomer = std::exchange( newcomer_, {} );
+   newcomer.adapter->doStart( this, newcomer.parent, newcomer.parentAttrId );
 }
 
 void Output::doFlowOut() {

@@ -7,8 +7,9 @@
 //
 //  1. Messages are whole in the buffer, in the order in which they were written.
 //  2. An adapter with something pending stands in the queue of flows, once.
-//  3. Of one adapter at most, the newcomer, nothing has been said yet. It is told when another one
-//     comes, or the transport comes for what there is.
+//  3. Of one adapter at most, the newcomer, nothing has been said yet. It is told before any other
+//     message, so that the end of a collection does not overtake its last member, or when the
+//     transport comes for what there is.
 #pragma once
 
 #include "mrp/platform/attrlog/Messages.h"
@@ -41,6 +42,7 @@ class Output {
    // One message or several, which `put( to )` puts to what it is given, twice the same.
    template < class Put >
    void doWrite( Put const & put ) {
+      doTellNewcomer();
       ByteCount count;
       put( count );
       if ( buffer_.size() - end_ < count.bytes() ) [[unlikely]] {
@@ -69,7 +71,11 @@ class Output {
    void newcomerIs( Adapter & adapter, Notifier const & entity, U64 parent, U16 parentAttrId );
    bool isNewcomer( Adapter const & adapter ) const { return newcomer_.adapter == &adapter; }
    void newcomerDel() { newcomer_ = {}; }
-   void doTellNewcomer();
+   void doTellNewcomer() {
+      if ( newcomer_.adapter ) [[unlikely]] {
+         doStartNewcomer();
+      }
+   }
 
    // Something was thrown while an adapter worked off a notification. The engine never hears of it:
    // the stream has lost a change and has to end.
@@ -112,6 +118,7 @@ class Output {
    using Flows = std::list< Adapter * >;
 
    void doMakeRoom( std::size_t count );
+   void doStartNewcomer();
 
    std::size_t bound_;
    // What waits stands from gone_ to end_; behind it is room.
