@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <fstream>
+#include <iterator>
+#include <sstream>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,12 +20,14 @@ std::string contents( std::string const & path ) {
 
 } // namespace
 
-Outcome mrp( Lines const & arguments ) {
+Outcome mrp( std::string const & words ) {
    std::string const base =
       std::filesystem::temp_directory_path() / ( "mrp-run-" + std::to_string( getpid() ) );
    pid_t const child = fork();
    if ( child == 0 ) {
-      std::vector< char const * > argv{ "mrp" };
+      std::istringstream in( "mrp " + words );
+      Lines const arguments( std::istream_iterator< std::string >( in ), {} );
+      std::vector< char const * > argv;
       for ( std::string const & argument : arguments ) {
          argv.push_back( argument.c_str() );
       }

@@ -26,8 +26,9 @@ struct Outcome {
    nlohmann::json json() const { return nlohmann::json::parse( out ); }
 };
 
-// In a process of its own: rand() starts anew, and the filter is that of this run's application.
-Outcome mrp( Lines const & arguments );
+// `mrp` with these words, in a process of its own: rand() starts anew, and the filter is that of
+// this run's application.
+Outcome mrp( std::string const & words );
 
 // It ended with status 2, and all it said was one line of error with these words.
 void expectRefused( Outcome const & outcome, std::string const & words );

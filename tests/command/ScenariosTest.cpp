@@ -59,7 +59,7 @@ TEST_P( Scenarios, HaveTheResultExpected ) {
    std::ifstream in( folder / ( GetParam() + expectation ) );
    json const expected = json::parse( in );
    Variable const regular( noRandomization, "1" );
-   auto const outcome = mrp( { "script", "--json", folder / ( GetParam() + ".json" ) } );
+   auto const outcome = mrp( "script --json " + ( folder / ( GetParam() + ".json" ) ).string() );
 
    EXPECT_EQ( outcome.err, "" );
    EXPECT_EQ( outcome.status, expected.contains( "aborted" ) ? 1 : 0 );

@@ -28,12 +28,10 @@ constexpr char const * oneFrame = "first-join-is-registered";
 
 class ScriptTest : public CommandTest {
  protected:
-   Outcome run( std::string const & text, Lines const & options = { "--json" } ) const {
-      Lines arguments{ "script", file( "script.json", text ) };
-      arguments.insert( arguments.end(), options.begin(), options.end() );
-      return mrp( arguments );
+   Outcome run( std::string const & text, std::string const & options = "--json" ) const {
+      return mrp( "script " + options + " " + file( "script.json", text ) );
    }
-   Outcome run( json const & script, Lines const & options = { "--json" } ) const {
+   Outcome run( json const & script, std::string const & options = "--json" ) const {
       return run( script.dump(), options );
    }
    void expectError( Outcome const & outcome, std::string const & words ) const {
@@ -50,7 +48,7 @@ std::string block( std::string const & text, std::string const & from ) {
 
 TEST_F( ScriptTest, TheExampleOfTheDocumentationPrintsWhatStandsThere ) {
    std::string const text = contents( "docs/scenario-scripts.md" );
-   auto const outcome = run( block( text, "```json" ), {} );
+   auto const outcome = run( block( text, "```json" ), "" );
    EXPECT_EQ( outcome.err, "" );
    EXPECT_EQ( outcome.out, block( text, "prints\n\n```" ) );
 }
@@ -66,7 +64,7 @@ TEST_F( ScriptTest, AFileThatIsNoScriptIsSaidToBeNone ) {
    for ( auto const & [text, words] : files ) {
       expectError( run( text ), words );
    }
-   expectRefused( mrp( { "script", path( "missing" ) } ), "mrp: " + path( "missing" ) + ": " );
+   expectRefused( mrp( "script " + path( "missing" ) ), "mrp: " + path( "missing" ) + ": " );
 }
 
 // Where something else is put into a good script, and what is then said.
@@ -135,7 +133,7 @@ TEST_F( ScriptTest, TsharkReadsInTheCaptureWhatWasSent ) {
    if ( std::system( "tshark --version > /dev/null 2>&1" ) != 0 ) {
       GTEST_SKIP() << "tshark is not installed";
    }
-   ASSERT_EQ( run( scenario( everything ), { "--out", path( "out" ) } ).status, 0 );
+   ASSERT_EQ( run( scenario( everything ), "--out " + path( "out" ) ).status, 0 );
    std::string command = "tshark -n -c 1 -r '" + path( "out/Ethernet1.pcap" ) +
                          "' -T fields -E separator=/s -e _ws.malformed -e _ws.expert.message";
    for ( std::string const field :
@@ -157,7 +155,7 @@ TEST_F( ScriptTest, TheSameScriptGivesTheSameResultAndCaptures ) {
    json script = scenario( oneFrame );
    script["until"] = 100;
    auto const once = run( script );
-   auto const again = run( script, { "-j", "--out", path( "out" ) } );
+   auto const again = run( script, "-j --out " + path( "out" ) );
    EXPECT_EQ( again.out, once.out );
    auto const transmitted = once.json()["transmitted"];
    ASSERT_GT( transmitted.size(), 5u );
@@ -168,7 +166,7 @@ TEST_F( ScriptTest, TheSameScriptGivesTheSameResultAndCaptures ) {
    EXPECT_DOUBLE_EQ( static_cast< double >( written[5].time ) / 1e9, transmitted[5]["time"] );
 
    script["interfaces"]["Ethernet1/1"] = script["interfaces"]["Ethernet1"];
-   EXPECT_THAT( run( script, { "--out", path( "out" ) } ).err,
+   EXPECT_THAT( run( script, "--out " + path( "out" ) ).err,
                 HasSubstr( "Ethernet1/1 cannot name a file" ) );
 }
 
