@@ -20,7 +20,7 @@ import sys
 import time
 from pathlib import Path
 
-OBSERVER = Path(__file__).resolve().parents[2] / "tests/system/observer.py"
+OBSERVER = Path(__file__).resolve().parents[2] / "examples/observer.py"
 dice = random.Random(1)
 
 
