@@ -68,18 +68,6 @@ TEST_F( ReplayTest, NanosecondsAreExactAndComeOutAgain ) {
    EXPECT_EQ( Command::hexText( written[0].bytes ), transmitted[0]["frame"] );
 }
 
-TEST_F( ReplayTest, AnInterfaceIsThereFromTheStartAlsoWhereItsCaptureIsEmpty ) {
-   auto const empty = capture( "empty.pcap", {} );
-   auto const document = replay( "--tail 15.1 one=" + empty + " two=" + empty ).json();
-   EXPECT_EQ( document["interfaces"].dump(), R"([{"name":"one","received":0,"transmitted":1},)"
-                                             R"({"name":"two","received":0,"transmitted":1}])" );
-   // Each has said its LeaveAll. The source address counts up with the interfaces.
-   for ( auto const & frame : document["transmitted"] ) {
-      EXPECT_EQ( frame["frame"].get< std::string >().substr( 12, 12 ),
-                 frame["interface"] == "one" ? "020000000001" : "020000000002" );
-   }
-}
-
 TEST_F( ReplayTest, TheFilterHoldsBackWhatIsNotTheApplications ) {
    auto const mixed =
       capture( "mixed.pcap", { heard( 0, 1 ),
@@ -107,7 +95,6 @@ TEST_F( ReplayTest, ADamagedCaptureGivesItsFramesUpToThere ) {
                                                       ": cut in the middle [^\n]*\n" ) );
 }
 
-// Tests run in the root of the repository.
 TEST_F( ReplayTest, TheShippedCapturesTellOfVlansAndStreamsThatComeAndGo ) {
    std::string told;
    for ( std::string const & line : indications( "examples/captures/vlans.pcap" ) ) {

@@ -66,9 +66,7 @@ TEST_F( RingTest, ADamagedFileIsReadAsFarAsItGoes ) {
 TEST_F( RingTest, TracesAreSwitchedByTheEnvironment ) {
    {
       Variable const trace( "MRP_TRACE", "Mrp/8" );
-      testing::internal::CaptureStderr();
-      mrp( "script tests/scenarios/first-join-is-registered.json" );
-      EXPECT_THAT( testing::internal::GetCapturedStderr(),
+      EXPECT_THAT( mrp( "script tests/scenarios/first-join-is-registered.json" ).err,
                    ::testing::ContainsRegex( "Mrp/8 [A-Za-z]+.cpp:[0-9]+ " ) );
    }
    Variable const wrong( "MRP_TRACE", "8" );

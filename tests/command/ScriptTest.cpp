@@ -4,8 +4,6 @@
 
 #include <gmock/gmock.h>
 
-#include <fstream>
-
 namespace CommandTest {
 
 namespace {
@@ -13,12 +11,6 @@ namespace {
 using namespace TestSupport;
 using nlohmann::json;
 using ::testing::HasSubstr;
-
-// Tests run in the root of the repository.
-std::string contents( std::string const & path ) {
-   std::ifstream in( path );
-   return std::string( std::istreambuf_iterator< char >( in ), {} );
-}
 
 json scenario( std::string const & name ) {
    return json::parse( contents( "tests/scenarios/" + name + ".json" ) );
