@@ -116,6 +116,17 @@ class RunTest : public ::testing::Test {
    std::deque< Station > stations_;
 };
 
+TEST_F( RunTest, WhoComesLateHearsAtOnceWhatWasDeclaredBefore ) {
+   Station & talking = vlanStation( { 10 } );
+   Station & listening = vlanStation( {} );
+   wire( talking, "eth0", listening );
+   talking.start();
+   run( 5 );
+   listening.start();
+   run( 0.3 );
+   EXPECT_THAT( listening.printed(), ElementsAre( "eth0 join VLAN 10 JoinMt" ) );
+}
+
 TEST_F( RunTest, ABridgePassesOnWhatIsRegisteredOnAnotherPortAndWhatItDeclaresItself ) {
    Station & three = vlanStation( { 13 }, { "p0", "p1", "p2" } );
    Station & left = vlanStation( { 10, 11, 13 } );

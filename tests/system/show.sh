@@ -3,6 +3,7 @@
 # restart included, in a pipe and in a terminal.
 # shellcheck source-path=SCRIPTDIR source=stations.bash
 . "$(dirname "$0")/stations.bash"
+command -v script > /dev/null || skip "no script (package bsdutils)"
 
 # shows 'OPTION...' PATTERN...: `mrp show` has a line of each, or has before long.
 shown() {
