@@ -173,6 +173,8 @@ TEST( ShowTest, countsForMonitoringAndNamesNoVlan ) {
    };
    std::string const few = metrics();
    std::pair< char const *, char const * > const samples[] = {
+      { "mrp_frames_received_total", R"(} 2)" },
+      { "mrp_join_indications_total", R"(} 4)" },
       { "mrp_leave_indications_total", R"(} 0)" },
       { "mrp_incorrect_versions_total", R"(} 1)" },
       { "mrp_interface_leave_time_seconds", R"(,interface="eth1"} 1.25)" },
