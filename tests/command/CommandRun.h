@@ -19,15 +19,18 @@ using TestSupport::Bytes;
 using Lines = std::vector< std::string >;
 
 struct Outcome {
-   int status; // -1: it did not exit by itself
+   int status; // 128 and more: it did not exit by itself
    std::string out;
    std::string err;
 
    nlohmann::json json() const { return nlohmann::json::parse( out ); }
 };
 
-// In a process of its own: rand() starts anew, and the filter is that of this run's application.
-Outcome mrp( Lines const & arguments );
+// Of a file. Tests run in the root of the repository.
+std::string contents( std::string const & path );
+
+// `mrp` with these words.
+Outcome mrp( std::string const & words );
 
 // It ended with status 2, and all it said was one line of error with these words.
 void expectRefused( Outcome const & outcome, std::string const & words );

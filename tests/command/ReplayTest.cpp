@@ -22,15 +22,14 @@ CapturedFrame heard( double time, U16 vlan, Event event = New ) {
    return { start + std::llround( time * 1e9 ), mvrpFrame( vlans( vlan, { event } ) ) };
 }
 
-Lines withOptions( Lines options, std::string const & application = "mvrp" ) {
-   options.insert( options.begin(), { "replay", "--application", application, "--json" } );
-   return options;
+Outcome replay( std::string const & words ) {
+   return mrp( "replay --application mvrp --json " + words );
 }
 
 // "0.6 eth0 join 10"
-Lines indications( Lines const & options ) {
+Lines indications( std::string const & words ) {
    Lines lines;
-   auto const document = mrp( withOptions( options ) ).json();
+   auto const document = replay( words ).json();
    for ( auto const & indication : document["indications"] ) {
       lines.push_back(
          indication["time"].dump() + " " + indication["interface"].get< std::string >() + " " +
@@ -41,35 +40,24 @@ Lines indications( Lines const & options ) {
 
 class ReplayTest : public CommandTest {};
 
-TEST_F( ReplayTest, WhatIsDueAtTheTimeOfAFrameHappensBeforeIt ) {
-   // The leave is due 0.6 s behind the Lv.
-   auto const joinedAgain = [&]( double time ) {
-      return indications( { capture(
-         "c.pcap", { heard( 0, 10 ), heard( 1, 10, Lv ), heard( time, 10, JoinIn ) } ) } );
-   };
-   EXPECT_THAT( joinedAgain( 1.6 ),
-                ElementsAre( "0.0 eth0 join 10", "1.6 eth0 leave 10", "1.6 eth0 join 10" ) );
-   EXPECT_THAT( joinedAgain( 1.599999 ), ElementsAre( "0.0 eth0 join 10" ) );
-}
-
 TEST_F( ReplayTest, FramesGoInTheOrderOfTheirTimesThenOfTheCapturesThenOfTheFile ) {
    auto const a = "a=" + capture( "a.pcap", { heard( 0, 6 ) } );
    auto const b = "b=" + capture( "b.pcap", { heard( 0, 7 ), heard( 0, 5 ) } );
-   EXPECT_THAT( indications( { b, a } ),
+   EXPECT_THAT( indications( b + " " + a ),
                 ElementsAre( "0.0 b join 7", "0.0 b join 5", "0.0 a join 6" ) );
-   EXPECT_THAT( indications( { a, b } ),
+   EXPECT_THAT( indications( a + " " + b ),
                 ElementsAre( "0.0 a join 6", "0.0 b join 7", "0.0 b join 5" ) );
    // The earliest is neither the first of its file nor of the first file, and is held back.
    auto const c = "c=" + capture( "c.pcap", { heard( 0.25, 2 ),
                                               { start - 500 * ms, mvrpFrame().type( 0x0800 ) } } );
-   EXPECT_THAT( indications( { a, c } ), ElementsAre( "0.5 a join 6", "0.75 c join 2" ) );
+   EXPECT_THAT( indications( a + " " + c ), ElementsAre( "0.5 a join 6", "0.75 c join 2" ) );
 }
 
 TEST_F( ReplayTest, NanosecondsAreExactAndComeOutAgain ) {
    // VLAN 9 answers the LeaveAll with an In.
    auto const input =
       capture( "c.pcap", { heard( 0, 9 ), { start + 123, mvrpFrame( vlanLeaveAll() ) } } );
-   auto const outcome = mrp( withOptions( { "--out", path( "out/deep" ), "p1=" + input } ) );
+   auto const outcome = replay( "--out " + path( "out/deep" ) + " p1=" + input );
    ASSERT_EQ( outcome.status, 0 ) << outcome.err;
    auto const transmitted = outcome.json()["transmitted"];
    ASSERT_EQ( transmitted.size(), 1u );
@@ -80,21 +68,6 @@ TEST_F( ReplayTest, NanosecondsAreExactAndComeOutAgain ) {
    EXPECT_EQ( Command::hexText( written[0].bytes ), transmitted[0]["frame"] );
 }
 
-TEST_F( ReplayTest, AnInterfaceIsThereFromTheStartAlsoWhereItsCaptureIsEmpty ) {
-   auto const empty = capture( "empty.pcap", {} );
-   auto const document =
-      mrp( withOptions( { "--tail", "15.1", "one=" + empty, "two=" + empty } ) ).json();
-   EXPECT_EQ( document["interfaces"].dump(), R"([{"name":"one","received":0,"transmitted":1},)"
-                                             R"({"name":"two","received":0,"transmitted":1}])" );
-   // Its LeaveAll, 10 to 15 s after the start. The source address counts up with the interfaces.
-   for ( auto const & frame : document["transmitted"] ) {
-      EXPECT_GE( frame["time"], 10 );
-      EXPECT_LE( frame["time"], 15 );
-      EXPECT_EQ( frame["frame"].get< std::string >().substr( 12, 12 ),
-                 frame["interface"] == "one" ? "020000000001" : "020000000002" );
-   }
-}
-
 TEST_F( ReplayTest, TheFilterHoldsBackWhatIsNotTheApplications ) {
    auto const mixed =
       capture( "mixed.pcap", { heard( 0, 1 ),
@@ -102,61 +75,38 @@ TEST_F( ReplayTest, TheFilterHoldsBackWhatIsNotTheApplications ) {
                                { start, mvrpFrame( vlans( 3, { New } ) ).to( 0x0180c200'0042 ) },
                                { start, mvrpFrame( vlans( 4, { New } ) ).tag( 5 ) },
                                { start, { 1, 2, 3 } } } );
-   EXPECT_EQ( mrp( withOptions( { mixed } ) ).json()["counters"]["numOfPktsProcessed"], 2 );
-   auto const text = mrp( { "replay", "--application", "MVRP", mixed } ).out;
+   EXPECT_EQ( replay( mixed ).json()["counters"]["numOfPktsProcessed"], 2 );
+   auto const text = mrp( "replay --application MVRP " + mixed ).out;
    EXPECT_THAT( text, ::testing::ContainsRegex( "held back by the filter\neth0 +2 +0 +3\n" ) );
    EXPECT_THAT( text, HasSubstr( "tagged with VLAN 5; VLAN 4 New" ) );
 
-   EXPECT_THAT( indications( { "--ethertype", "0x1234", mixed } ),
-                ElementsAre( "0.0 eth0 join 2" ) );
-   EXPECT_THAT( indications( { "--ethertype", "4660", mixed } ), ElementsAre( "0.0 eth0 join 2" ) );
-   EXPECT_THAT( indications( { "--address", "01:80:C2:00:00:42", mixed } ),
+   EXPECT_THAT( indications( "--ethertype 0x1234 " + mixed ), ElementsAre( "0.0 eth0 join 2" ) );
+   EXPECT_THAT( indications( "--address 01:80:C2:00:00:42 " + mixed ),
                 ElementsAre( "0.0 eth0 join 3" ) );
-}
-
-TEST_F( ReplayTest, AttributesAreThoseOfTheMachinesSorted ) {
-   auto const b = "b=" + capture( "b.pcap", { heard( 0, 10 ), heard( 0, 9 ) } );
-   auto const a = "a=" + capture( "a.pcap", { heard( 0, 4094, JoinIn ) } );
-   // The database takes them in 0.1 s later.
-   for ( bool const committed : { false, true } ) {
-      auto const document =
-         mrp( withOptions( { "--tail", committed ? "0.1" : "0", b, a } ) ).json();
-      auto const row = [&]( std::size_t i, char const * interface, char const * key ) {
-         auto const & attribute = document["attributes"].at( i );
-         EXPECT_EQ( attribute["interface"], interface );
-         EXPECT_EQ( attribute["key"], key );
-         EXPECT_EQ( attribute["registrarState"], "mrpIn" );
-         EXPECT_EQ( attribute["committed"], committed );
-      };
-      row( 0, "a", "4094" );
-      row( 1, "b", "9" );
-      row( 2, "b", "10" );
-   }
 }
 
 TEST_F( ReplayTest, ADamagedCaptureGivesItsFramesUpToThere ) {
    auto const cut = capture( "cut.pcap", { heard( 0, 10 ), heard( 1, 11 ), heard( 2, 12 ) } );
    fs::resize_file( cut, fs::file_size( cut ) - 5 );
-   auto const outcome = mrp( withOptions( { cut } ) );
+   auto const outcome = replay( cut );
    EXPECT_EQ( outcome.status, 0 );
    EXPECT_EQ( outcome.json()["interfaces"][0]["received"], 2 );
    EXPECT_THAT( outcome.err, ::testing::MatchesRegex( "mrp: warning: " + cut +
                                                       ": cut in the middle [^\n]*\n" ) );
 }
 
-// Tests run in the root of the repository.
 TEST_F( ReplayTest, TheShippedCapturesTellOfVlansAndStreamsThatComeAndGo ) {
    std::string told;
-   for ( std::string const & line : indications( { "examples/captures/vlans.pcap" } ) ) {
+   for ( std::string const & line : indications( "examples/captures/vlans.pcap" ) ) {
       told += line.substr( line.find( "eth0" ) + 4 );
    }
    EXPECT_THAT( told, ::testing::StartsWith( " join 10 join 11 join 12 join 13 leave 12 leave 13 "
                                              "join 100 leave 11" ) );
-   std::string const streams = "examples/captures/streams.pcap";
-   auto const document = mrp( withOptions( { streams }, "msrp" ) ).json();
+   std::string const streams = "replay --application msrp examples/captures/streams.pcap";
+   auto const document = mrp( streams + " --json" ).json();
    EXPECT_EQ( document["counters"]["numOfMalformedPkts"], 0 );
    EXPECT_EQ( document["attributes"].size(), 4u ); // one of each type
-   auto const text = mrp( { "replay", "--application", "msrp", streams } ).out;
+   auto const text = mrp( streams ).out;
    EXPECT_THAT( text, HasSubstr( "   4.000000  eth0  join   Listener 02:00:00:00:00:66:00:00 "
                                  "JoinMt (Asking Failed)\n" ) );
    EXPECT_THAT( text, ::testing::Not( HasSubstr( "not readable" ) ) );
@@ -167,38 +117,6 @@ TEST_F( ReplayTest, TheShippedCapturesTellOfVlansAndStreamsThatComeAndGo ) {
    for ( std::string const name : { "vlans.pcap", "streams.pcap" } ) {
       std::string const compare = "cmp examples/captures/" + name + " " + path( name );
       EXPECT_EQ( std::system( compare.c_str() ), 0 );
-   }
-}
-
-TEST_F( ReplayTest, WhatIsWrongIsSaidInOneLine ) {
-   auto const good = capture( "good.pcap", {} );
-   auto const old = capture( "old.pcap", { { 0, mvrpFrame() } } );
-   auto const now = capture( "now.pcap", { heard( 0, 1 ) } );
-   auto const text = file( "text", "hello" );
-   auto const wifi = capture( "wifi.pcap", {} );
-   std::fstream( wifi, std::ios::in | std::ios::out ).seekp( 20 ).put( 105 ); // its link type
-   std::pair< Lines, std::string > const cases[] = {
-      { {}, "subcommand" },
-      { { "replay", "--application", "mvrp" }, "CAPTURE" },
-      { withOptions( { good }, "gvrp" ), "mvrp or msrp" },
-      { withOptions( { good, good } ), "interface eth0" },
-      { withOptions( { "=" + good } ), "NAME=FILE" },
-      { withOptions( { "--tail", "1e", good } ), "--tail: '1e'" },
-      { withOptions( { "--ethertype", "65536", good } ), "--ethertype: '65536'" },
-      { withOptions( { "--ethertype", "88f5", good } ), "--ethertype: '88f5'" },
-      { withOptions( { "--address", "01:80:c2:00:00", good } ), "no MAC address" },
-      { withOptions( { path( "missing" ) } ), path( "missing" ) + ": No such file" },
-      { withOptions( { text } ), text + ": not a capture" },
-      { withOptions( { "a=" + good, "b=" + wifi } ), wifi + ": link type IEEE802_11" },
-      { withOptions( { "a=" + good, "b=" + old, "c=" + now } ), "19675 days" },
-      { withOptions( { "--out", path( "" ), "good=" + good } ), "would be overwritten" },
-      { withOptions( { "--out", text, good } ), text + ": " },
-   };
-   for ( auto const & [arguments, words] : cases ) {
-      expectRefused( mrp( arguments ), words );
-   }
-   for ( char const * const asked : { "-h", "--version" } ) {
-      EXPECT_EQ( mrp( { asked } ).status, 0 );
    }
 }
 

@@ -1,5 +1,4 @@
-// What `mrp ring` prints, and how logs, traces and the ring are switched by the user.
-#include "mrp/observability/Logs.h"
+// What `mrp ring` prints, and how the environment switches traces.
 #include "mrp/observability/RingSites.h"
 
 #include "command/run/Observation.h"
@@ -18,28 +17,24 @@ using ::testing::HasSubstr;
 
 class RingTest : public CommandTest {
  protected:
-   static Command::RunSettings settings() {
+   // A file of two levels, the process gone.
+   std::string ringFile() const {
       Command::RunOptions options;
       options.application = Mrp::MVRP;
       options.interfaces = { "eth0" };
-      return Command::runSettings( options );
-   }
-   // A file of two levels, the process gone.
-   std::string ringFile() const {
-      Command::RunSettings with = settings();
-      with.ring = path( "ring" );
-      Command::Observation const observation( with );
+      options.ring = path( "ring" );
+      Command::Observation const observation( Command::runSettings( options ) );
       Pelk::IntfId const intfId( "eth0" );
       Sornlog::log( Mrp::Ring::leaveAllEventIsTrue, intfId );
       Sornlog::log( Mrp::Ring::joinDiscarded, intfId, Korv::U8{ 3 }, Korv::U8{ 1 } );
       Sornlog::log( Mrp::Ring::flushOccurred );
-      return with.ring;
+      return *options.ring;
    }
 };
 
 TEST_F( RingTest, PrintsMessagesInOrderOfTime ) {
    std::string const file = ringFile();
-   Outcome const all = mrp( { "ring", file } );
+   Outcome const all = mrp( "ring " + file );
    EXPECT_EQ( all.status, 0 );
    EXPECT_EQ( all.err, "" );
    EXPECT_THAT( all.out, ::testing::MatchesRegex(
@@ -48,30 +43,11 @@ TEST_F( RingTest, PrintsMessagesInOrderOfTime ) {
                             ".*  4  Join was discarded by MSRP, interface: eth0, attrType: 3, "
                             "attrEvent: 1\n"
                             ".*  8  Flush! event occurred\n" ) );
-   auto const records = mrp( { "ring", "--json", "--level", "2-4", file } ).json().at( "records" );
+   auto const records = mrp( "ring --json --level 2-4 " + file ).json().at( "records" );
    ASSERT_EQ( records.size(), 1u );
    EXPECT_EQ( records[0].at( "level" ), 4 );
    EXPECT_EQ( records[0].at( "message" ), Mrp::Ring::joinDiscarded.message );
    EXPECT_EQ( records[0].at( "arguments" ), nlohmann::json::parse( R"(["eth0", 3, 1])" ) );
-}
-
-TEST_F( RingTest, SaysWhatIsWrong ) {
-   std::string const bad = file( "bad", std::string( 20000, 'x' ) );
-   std::pair< Lines, std::string > const cases[] = {
-      { { "ring" }, "FILE" },
-      { { "ring", path( "none" ) }, path( "none" ) + ": No such file or directory\n" },
-      { { "ring", path( "" ) }, path( "" ) + ": Is a directory\n" },
-      { { "ring", bad }, bad + ": it is no ring file\n" },
-      { { "ring", "/dev/zero" }, "/dev/zero: it is no ring file\n" },
-      { { "ring", "--level", "12", bad }, "--level: '12' is no level: 0 to 9" },
-      { { "run", "--application", "mvrp", "--trace", "Mrp/99", "lo" },
-        "trace: '99' is no level: 0 to 9" },
-      { { "run", "--application", "mvrp", "--ring", bad, "lo" },
-        "ring: " + bad + ": it is no ring file, and is left alone\n" },
-   };
-   for ( auto const & [arguments, words] : cases ) {
-      expectRefused( mrp( arguments ), words );
-   }
 }
 
 TEST_F( RingTest, ADamagedFileIsReadAsFarAsItGoes ) {
@@ -81,7 +57,7 @@ TEST_F( RingTest, ADamagedFileIsReadAsFarAsItGoes ) {
    std::fstream( file, std::ios::in | std::ios::out | std::ios::binary )
       .seekp( static_cast< std::streamoff >( record + offsetof( Record, argumentBytes ) ) )
       .put( 1 );
-   Outcome const outcome = mrp( { "ring", file } );
+   Outcome const outcome = mrp( "ring " + file );
    EXPECT_EQ( outcome.status, 1 );
    EXPECT_THAT( outcome.out, HasSubstr( "Flush! event occurred" ) );
    EXPECT_THAT( outcome.err, HasSubstr( "1 records left out that no process has written" ) );
@@ -90,32 +66,12 @@ TEST_F( RingTest, ADamagedFileIsReadAsFarAsItGoes ) {
 TEST_F( RingTest, TracesAreSwitchedByTheEnvironment ) {
    {
       Variable const trace( "MRP_TRACE", "Mrp/8" );
-      testing::internal::CaptureStderr();
-      mrp( { "script", "tests/scenarios/first-join-is-registered.json" } );
-      EXPECT_THAT( testing::internal::GetCapturedStderr(),
+      EXPECT_THAT( mrp( "script tests/scenarios/first-join-is-registered.json" ).err,
                    ::testing::ContainsRegex( "Mrp/8 [A-Za-z]+.cpp:[0-9]+ " ) );
    }
    Variable const wrong( "MRP_TRACE", "8" );
-   EXPECT_THAT( mrp( { "ring", ringFile() } ).err,
+   EXPECT_THAT( mrp( "ring " + ringFile() ).err,
                 HasSubstr( "mrp: MRP_TRACE: '8' is no HANDLE/LEVELS, such as Mrp/4-8\n" ) );
-}
-
-TEST_F( RingTest, LogsGoWhereTheyAreTold ) {
-   using Target = Command::LogTarget;
-   std::pair< Target, char const * > const cases[] = {
-      { Target::errors, "[^\n]* MRP_ERROR: an error\n" },
-      { Target::standardError, "[^\n]* MRP_JOIN: a join\n[^\n]* MRP_ERROR: an error\n" },
-      { Target::none, "" },
-   };
-   for ( auto const & [target, lines] : cases ) {
-      Command::RunSettings with = settings();
-      with.log = target;
-      Command::Observation const observation( with );
-      testing::internal::CaptureStderr();
-      Mrp::MRP_JOIN.log( "a join" );
-      Mrp::MRP_ERROR.log( "an error" );
-      EXPECT_THAT( testing::internal::GetCapturedStderr(), ::testing::MatchesRegex( lines ) );
-   }
 }
 
 } // namespace

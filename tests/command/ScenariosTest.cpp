@@ -10,7 +10,6 @@
 #include "tests/command/CommandRun.h"
 #include "tests/support/Decode.h"
 
-#include <fstream>
 #include <regex>
 
 namespace CommandTest {
@@ -20,7 +19,6 @@ namespace {
 namespace fs = std::filesystem;
 using nlohmann::json;
 
-// Tests run in the root of the repository.
 fs::path const folder = "tests/scenarios";
 constexpr char const * expectation = ".expected.json";
 
@@ -56,10 +54,9 @@ void differences( json const & expected, json const & actual, std::string const 
 class Scenarios : public CommandTest, public ::testing::WithParamInterface< std::string > {};
 
 TEST_P( Scenarios, HaveTheResultExpected ) {
-   std::ifstream in( folder / ( GetParam() + expectation ) );
-   json const expected = json::parse( in );
+   json const expected = json::parse( contents( folder / ( GetParam() + expectation ) ) );
    Variable const regular( noRandomization, "1" );
-   auto const outcome = mrp( { "script", "--json", folder / ( GetParam() + ".json" ) } );
+   auto const outcome = mrp( "script --json " + ( folder / ( GetParam() + ".json" ) ).string() );
 
    EXPECT_EQ( outcome.err, "" );
    EXPECT_EQ( outcome.status, expected.contains( "aborted" ) ? 1 : 0 );

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Frames of all sizes and kinds on a cable: small and large MTUs, tags, and a storm of what is
-# foreign or broken, in which registrations stay.
+# Many frames on a cable: at small and large MTUs, and in a storm of what is foreign or broken, in
+# which registrations stay.
 # shellcheck source-path=SCRIPTDIR source=stations.bash
 . "$(dirname "$0")/stations.bash"
 
@@ -18,7 +18,6 @@ for mtu in 100 9000; do
    capture right eth0
    run left left --application mvrp --declare "$odd" eth0
    run right right --application mvrp eth0
-   heard right 'VLAN 1 ' 'VLAN 2047 ' 'VLAN 4093 '
    until_true all_joined || fail "$(count right join) joins at MTU $mtu"
    stop left
    heard right 'leave +VLAN 4093$'
@@ -31,56 +30,29 @@ for mtu in 100 9000; do
       [ "$read" = "$odd" ] || fail "tshark reads other VLANs: $read"
    fi
 done
-ip -n left link set eth0 mtu 1500
-ip -n right link set eth0 mtu 1500
 
-# frames.py one TAG: a frame on eth0 that joins three VLANs, with the tag in hexadecimal.
-# frames.py storm NUMBER: that many frames that say nothing which is valid of VLANs below 100.
-cat > "$work/frames.py" <<'PY'
+# 100,000 frames, of which none says anything valid.
+cat > "$work/storm.py" <<'PY'
 import random
 import socket
-import sys
 
 out = socket.socket(socket.AF_PACKET, socket.SOCK_RAW)
 out.bind(("eth0", 0))
-addresses = bytes.fromhex("0180c2000021 020000000099")
 # VLAN 100, 101, 102 JoinIn.
 good = bytes.fromhex("00 01 02 0003 0064 2b 0000 0000")
 wrong_length = bytes.fromhex("00 01 07 0003 0064 2b 0000 0000")
-
-
-def send(behind):
-    while True:
-        try:
-            return out.send(addresses + behind)
-        except OSError:
-            pass  # no room at the moment
-
-
-if sys.argv[1] == "one":
-    send(bytes.fromhex(sys.argv[2]) + b"\x88\xf5" + good)
-else:
-    dice = random.Random(1)
-    for i in range(0, int(sys.argv[2]), 4):
-        send(b"\x88\xf6" + good)  # another type
-        send(b"\x88\xf5" + good[: dice.randrange(len(good))])
-        send(b"\x88\xf5" + wrong_length + dice.randbytes(dice.randrange(1000)))
-        send(bytes.fromhex("81000005 81000006 88f5") + good)  # a tag in a tag
+dice = random.Random(1)
+sent = 0
+while sent < 100000:
+    frame = (b"\x88\xf6" + good,  # another type
+             b"\x88\xf5" + good[: dice.randrange(len(good))],
+             b"\x88\xf5" + wrong_length + dice.randbytes(dice.randrange(1000)),
+             bytes.fromhex("81000005 81000006 88f5") + good)[sent % 4]  # a tag in a tag
+    try:
+        sent += out.send(bytes.fromhex("0180c2000021 020000000099") + frame) > 0
+    except OSError:
+        pass  # no room at the moment
 PY
-
-# A tag in front changes nothing, not even one of VLAN 0 and priority 0.
-run left left --application mvrp eth0
-run right right --application mvrp --declare 30 "${short[@]}" eth0
-heard left 'join +VLAN 30 ' # so the right is listening
-stop left
-for tag in 81000005 8100e007 81000000; do
-   on left python3 "$work/frames.py" one $tag
-   heard right 'join +VLAN 100 ' 'join +VLAN 101 ' 'join +VLAN 102 '
-   heard right 'leave +VLAN 102$'
-done
-stop right
-
-# The storm.
 run left left --application mvrp --declare 10,20-29 "${short[@]}" eth0
 run right right --application mvrp --declare 30 "${short[@]}" --trace Mrp/4 --ring "$work/ring" eth0
 heard right 'join +VLAN 10 ' 'join +VLAN 29 '
@@ -89,16 +61,17 @@ arrived() {
    on right cat /sys/class/net/eth0/statistics/rx_packets
 }
 before=$(arrived)
-on left python3 "$work/frames.py" storm 100000
+on left python3 "$work/storm.py"
 [ $(( $(arrived) - before )) -ge 100000 ] || fail "the storm has not arrived"
 kill -USR1 "${pids[right]}"
 # LV: a LeaveAll's answer may stand in the queue behind the storm.
 heard right 'eth0 +VLAN +10 .* (IN|LV)( |$)' 'eth0 +VLAN +20-29 .* (IN|LV)( |$)'
-[ "$(count right 'leave +VLAN (10|2.)$')" = 0 ] || fail "a registration was lost in the storm"
+[ "$(count right 'leave')" = 0 ] || fail "a registration was lost in the storm"
 [ "$(count left leave)" = 0 ] || fail "a registration was lost in the storm"
+said right '^Mrp/4 [A-Za-z]+\.cpp:[0-9]+ '
 stop left
 heard right 'leave +VLAN 10$' 'leave +VLAN 29$'
-grep -Eq '^Mrp/4 [A-Za-z]+\.cpp:[0-9]+ ' "$work/right.err" || fail "no trace of what was broken"
+
 # What the ring holds is there after the process.
 stop right KILL || true
 "$MRP" ring "$work/ring" > "$work/right-ring.out" || fail "the ring is not to be read"

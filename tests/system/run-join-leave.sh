@@ -27,10 +27,13 @@ decode right eth0 'Multiple VLAN Registration Protocol'
 # Killed: it ages out with the LeaveAlls of the other, and not before.
 run left left --application mvrp --declare 10 "${short[@]}" eth0
 run right right --application mvrp "${short[@]}" --json eth0
-heard right '"kind":"join".*"key":"10"'
+heard right '^\{"time":[0-9.]+,"interface":"eth0","kind":"join","attributeType":1,'\
+'"attributeEvent":"[a-zA-Z]+","key":"10","value":"000a"\}$'
+kill -USR1 "${pids[right]}"
+heard right '^\{"time":[0-9.]+,"kind":"attributes","attributes":\[\{.*"registrarState":"mrpIn"'
 stop left KILL && fail "SIGKILL is survived"
 heard right '"kind":"leave".*"key":"10"'
-grep -q 'warning: a leave-all-time of 2.5 s' "$work/right.err" || fail "no warning of the times"
+said right 'warning: a leave-all-time of 2.5 s'
 stop right
 
 # Who comes back is heard at once. The link goes and comes, and no timer has to run for either to

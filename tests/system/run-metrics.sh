@@ -40,8 +40,13 @@ status, headers, text = get( "/metrics", "DELETE" )
 assert status == 405 and headers[ "Allow" ] == "GET, HEAD"
 ' || fail "the scrape is not what it should be"
 
-# Nobody else gets at it, and nobody else gets its port.
+# Nobody else gets at it, unless it is told to serve others; and nobody else gets its port.
 ! scraped left 'get( "/metrics", host = "10.0.0.2:9100" )' || fail "other hosts get at the metrics"
+run open left --application mvrp --metrics 10.0.0.1:9100 --socket none "${long[@]}" eth0
+others_get() {
+   scraped right 'sys.exit( get( "/metrics", host = "10.0.0.1:9100" )[ 0 ] != 200 )'
+}
+until_true others_get || fail "the address that was asked for is not served"
 refused right '^mrp: metrics: tcp:127.0.0.1:9100: .*in use' --application msrp \
    --metrics 127.0.0.1:9100 --socket none eth0
 
@@ -77,11 +82,3 @@ heard right 'VLAN 30 '
 wait "${pids[hostile]}" || fail "a scrape behind silent clients is not served"
 unset 'pids[hostile]'
 stop right || fail "SIGTERM does not end the command with 0"
-
-# Told to, it serves others.
-run right right --application mvrp --metrics 10.0.0.2:9100 --socket none "${long[@]}" eth0
-others_get() {
-   scraped left 'sys.exit( get( "/metrics", host = "10.0.0.2:9100" )[ 0 ] != 200 )'
-}
-until_true others_get || fail "the address that was asked for is not served"
-stop right

@@ -4,12 +4,7 @@
 # shellcheck source-path=SCRIPTDIR source=stations.bash
 . "$(dirname "$0")/stations.bash"
 
-# observe NAME PATH: what the observer prints is that name's.
-observe() {
-   python3 "$MRP_SOURCE_DIR/tests/system/observer.py" "$2" > "$work/$1.out" 2> "$work/$1.err" &
-   pids[$1]=$!
-   marks[$1]=0
-}
+observer=( python3 "$MRP_SOURCE_DIR/examples/observer.py" )
 is_socket() {
    [ -S "$1" ]
 }
@@ -24,16 +19,15 @@ run right right --application mvrp "${long[@]}" eth0
 umask 022
 until_true is_socket $usual || fail "no socket at the usual place"
 [ "$(stat -c %a /run/mrp $usual | xargs)" = "700 600" ] || fail "others may come near the stream"
-observe early $usual
+launch early "${observer[@]}" $usual
 
 # A second one finds the usual place taken. That costs it the stream and a warning.
 run left left --application mvrp --declare 10,20-21 "${long[@]}" eth0
 heard early '^\+ eth0 type 1 key 10 .. IN$' 'key 20 .. IN$' 'key 21 .. IN$'
-[ "$(grep -c 'warning: no mirror stream: unix:/run/mrp/mvrp.sock: it is taken (--socket' \
-   "$work/left.err")" = 1 ] || fail "no warning of the usual place"
+said left 'warning: no mirror stream: unix:/run/mrp/mvrp.sock: it is taken \(--socket'
 
 # One that comes late has the same picture. Both see what goes.
-observe late $usual
+launch late "${observer[@]}" $usual
 heard late '^\+ eth0 type 1 key 10 .. IN$' 'key 20 .. IN$' 'key 21 .. IN$'
 stop left
 heard early '^- eth0 type 1 key 10 .. LV$'
@@ -41,33 +35,26 @@ heard late '^- eth0 type 1 key 10 .. LV$'
 
 # A place that was asked for has to be free.
 echo kept > "$work/file"
-mvrp=( --application mvrp eth0 )
-refused left "mrp: socket: unix:$usual: it is taken" "${mvrp[@]}" --socket $usual
-refused left "mrp: socket: unix:$work/file: it is taken" "${mvrp[@]}" --socket "$work/file"
+for place in $usual "$work/file"; do
+   refused left "mrp: socket: unix:$place: it is taken" --application mvrp eth0 --socket "$place"
+done
 [ "$(cat "$work/file")" = kept ] || fail "a file that is no socket is gone"
-refused left "mrp: socket: unix:$work/none/at: .*No such file" "${mvrp[@]}" \
+refused left "mrp: socket: unix:$work/none/at: .*No such file" --application mvrp eth0 \
    --socket "unix:$work/none/at"
 
-# What a killed one leaves behind the next one takes; one that is stopped leaves nothing.
+# What a killed one leaves behind the next one takes; one that is stopped leaves nothing, not even
+# one that is told again and again.
 stop right KILL && fail "SIGKILL is survived"
 heard early '^end$'
-[ -S $usual ] || fail "the socket went by itself"
+is_socket $usual || fail "the socket went by itself"
 run right right --application mvrp "${long[@]}" eth0
-reads() {
-   python3 -c 'import socket, sys
-s = socket.socket( socket.AF_UNIX ); s.settimeout( 5 ); s.connect( sys.argv[ 1 ] )
-sys.exit( s.recv( 8 ) != b"MrpAttrL" )' "$1" 2> /dev/null
-}
-until_true reads $usual || fail "the abandoned socket was not taken over"
+until_true "$MRP" show $usual > /dev/null 2>&1 || fail "the abandoned socket was not taken over"
 [ ! -s "$work/right.err" ] || fail "something is said about it"
 stop right || fail "SIGTERM does not end the command with 0"
 [ ! -e $usual ] || fail "the socket is left behind"
-# Nor does one leave it that is told again and again.
 run right right --application mvrp "${long[@]}" eth0
 until_true is_socket $usual || fail "no socket at the usual place"
 while kill "${pids[right]}" 2> /dev/null; do :; done
-wait "${pids[right]}" || true
-unset "pids[right]"
 [ ! -e $usual ] || fail "the socket is left behind by a second signal"
 
 # A place of its own, or none.

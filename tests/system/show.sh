@@ -3,6 +3,7 @@
 # restart included, in a pipe and in a terminal.
 # shellcheck source-path=SCRIPTDIR source=stations.bash
 . "$(dirname "$0")/stations.bash"
+command -v script > /dev/null || skip "no script (package bsdutils)"
 
 # shows 'OPTION...' PATTERN...: `mrp show` has a line of each, or has before long.
 shown() {
@@ -16,19 +17,43 @@ shown() {
 shows() {
    until_true shown "$@" || fail "mrp show has not printed: $*"
 }
-# watch NAME OPTION...: `mrp show --watch` under that name.
-watch() {
-   local name=$1
-   shift
-   "$MRP" show --watch "$@" > "$work/$name.out" 2> "$work/$name.err" &
-   pids[$name]=$!
-   marks[$name]=0
-}
-# terminal: `mrp show --watch` at one, by the script on standard input.
+
+# terminal: `mrp show --watch` at one of 24 lines of 80 characters, which then says how it ended and
+# whether the terminal is as it was. Keys are what is written to the descriptor 9.
 terminal() {
-   cat > "$work/script"
-   python3 "$MRP_SOURCE_DIR/tests/system/terminal.py" "$work/script" "$MRP" show --watch \
-      2> "$work/terminal.err" || fail "not at a terminal"
+   cat > "$work/session" << SESSION
+trap : INT # the shell's own
+stty rows 24 cols 80
+tty > "$work/tty"
+before=\$(stty -g)
+sh -c 'echo \$\$ > "$work/watch.pid"; exec "$MRP" show --watch'
+echo "ended with \$?"
+[ "\$before" = "\$(stty -g)" ] && echo as it was
+SESSION
+   [ -p "$work/keys" ] || mkfifo "$work/keys"
+   launch screen sh -c "exec script -q -f -c 'sh $work/session' /dev/null < $work/keys"
+   exec 9> "$work/keys"
+}
+# does COMMAND...: what is seen from then on comes of it.
+does() {
+   marks[screen]=$(stat -c %s "$work/screen.out")
+   "$@"
+}
+# sees PATTERN...: the terminal has been written each of these, across lines.
+has_seen() {
+   local pattern
+   for pattern; do
+      tail -c "+$(( marks[screen] + 1 ))" "$work/screen.out" | tr -d '\r' |
+         grep -Pzo -- "$pattern" > /dev/null || return 1
+   done
+}
+sees() {
+   until_true has_seen "$@" || fail "the terminal has not been written: $*"
+}
+terminal_ends() {
+   sees '\e\[\?25h\e\[\?1049l' 'ended with 0' 'as it was'
+   exec 9>&-
+   wait "${pids[screen]}" || true
 }
 
 host left right
@@ -39,13 +64,9 @@ status=0
 "$MRP" show 2> "$work/none.err" || status=$?
 [ $status = 2 ] || fail "exit status $status with nothing to show"
 grep -q 'no socket is in /run/mrp; .*mrp run --application' "$work/none.err" || fail "no word of it"
-status=0
-"$MRP" show tcp:nowhere:7000 2> "$work/none.err" || status=$?
-[ $status = 2 ] || fail "exit status $status for an address that cannot be one"
-grep -q "tcp:nowhere:7000: 'nowhere' is no IPv4 address" "$work/none.err" || fail "no word of it"
 
 # Watching begins before there is anything.
-watch lines --json /run/mrp/mvrp.sock
+launch lines "$MRP" show --watch --json /run/mrp/mvrp.sock
 heard lines '"connected":false,"problem":".*No such file'
 
 run left left --application mvrp --declare 10,20-22 "${long[@]}" eth0
@@ -57,23 +78,35 @@ shows '--state QA --state IN --interface eth0 --type vlan' '^eth0 +20 +QA +IN$'
 heard lines '"key":"39","applicantState":.*"registrar":"IN"'
 shows --metrics '^mrp_registrar_attributes\{.*interface="eth0".*state="IN"\} 11$'
 
-# A second one is found too, in one document; filters hold for both.
-run streams left --application msrp "${long[@]}" eth0 \
-   --talker stream=02:00:00:00:00:01:00:07,dest=91:e0:f0:00:00:07,frame-size=100
-shows '' '^MSRP at ' '^MVRP at ' '^eth0 +02:00:00:00:00:01:00:07 +QA +MT +91:e0:f0:00:00:07 '
+# A second one is found too, in one document, which has the same members whatever there is.
+run streams left --application msrp "${long[@]}" --listener 02:00:00:00:00:01:00:09 \
+   --talker stream=02:00:00:00:00:01:00:07,dest=91:e0:f0:00:00:07,frame-size=100 eth0
+shows '' '^MSRP at ' '^MVRP at ' '^eth0 +02:00:00:00:00:01:00:07 +QA +MT +91:e0:f0:00:00:07 ' \
+   '^eth0 +02:00:00:00:00:01:00:09 +QA +MT +Asking Failed$'
 "$MRP" show --json | python3 -c '
 import json, sys
 msrp, mvrp = json.load(sys.stdin)["participants"]
-assert msrp["application"] == "MSRP" and mvrp["application"] == "MVRP"
+with open(sys.argv[1]) as watched:
+    nobody = json.loads(watched.readline())["participants"][0]
+assert nobody.keys() == msrp.keys() == mvrp.keys()
+assert msrp["application"] == "MSRP" and mvrp["config"]["leaveAllTime"] == 300
 assert [a["fields"]["vlan"] for a in mvrp["attributes"]] == [10, 20, 21, 22, *range(30, 40)]
-assert msrp["attributes"][0]["fields"]["maxFrameSize"] == 100
-assert mvrp["counters"]["numOfPktsProcessed"] > 0' || fail "the document is another"
+assert mvrp["counters"]["numOfPktsProcessed"] > 0
+talker, listener, domain, _ = msrp["attributes"]
+assert talker["fields"]["maxFrameSize"] == 100
+assert domain["fields"] == {"srClass": 5, "priority": 2, "vlan": 2}
+assert listener == {
+    "interface": "eth0", "attributeType": 3, "key": "144115188075921417",
+    "applicantState": "mrpQuietActive", "registrarState": "mrpMt",
+    "applicant": "QA", "registrar": "MT", "value": "020000000001000901000000",
+    "fields": {"stream": "02:00:00:00:00:01:00:09", "declaration": "askingFailed"}}
+' "$work/lines.out" || fail "the document is another"
 [ "$("$MRP" show --metrics | grep -c '^# TYPE mrp_frames_received_total ')" = 1 ] ||
    fail "a metric is described twice"
 stop streams
 
 # What changes is told to watchers; and that it has gone, and come back as another.
-watch text /run/mrp/mvrp.sock
+launch text "$MRP" show --watch /run/mrp/mvrp.sock
 heard text '^eth0 +30-39 '
 stop right
 heard text '^eth0 +20 +QA +MT$|^eth0 +20-22 +QA +MT$|^eth0 +10 '
@@ -91,33 +124,32 @@ timeout "$patience" "$MRP" show --watch | head -n 1 > "$work/head.out"
 [ "${PIPESTATUS[0]}" != 124 ] || fail "it goes on without a reader"
 grep -q '^MVRP at' "$work/head.out" || fail "no first line"
 
-disown "${pids[left]}" # that a shell says nothing when it is killed
 # At a terminal: too many lines, more room, what is new stands out, a restart, and back.
-terminal << SCRIPT
-expect mrp show +[0-9:]+ +unix:/run/mrp/mvrp.sock +connected
-expect \r\neth0 +77 +QA +MT
-size 10 60
-expect \.\.\. 4 more lines below, 0 above
-type j\x1b[B
-expect flooding.*\.\.\. 2 more lines below, 2 above
-type kkkk
-expect \.\.\. 4 more lines below, 0 above
-type j
-expect \.\.\. 3 more lines below, 1 above
-size 24 80
-expect \x1b\[H.*MVRP at unix:/run/mrp/mvrp.sock
-run kill -KILL ${pids[left]}
-expect MVRP at unix:[^ ]*: not connected, trying again.*problem +[a-z]
-run ip netns exec left $MRP run --application mvrp --declare 78 ${long[*]} eth0 > /dev/null 2>&1 &
-expect \x1b\[7meth0 +78 +QA +MT
-expect \r\neth0 +78 +QA +MT
-type q
-ends
-SCRIPT
-for signal in SIGINT SIGTERM; do
-   terminal << SCRIPT
-expect eth0 +78
-signal $signal
-ends
-SCRIPT
-done
+terminal
+sees 'mrp show +[0-9:]+ +unix:/run/mrp/mvrp.sock +connected' '\neth0 +77 +QA +MT'
+does stty -F "$(cat "$work/tty")" rows 10 cols 60
+sees '\.\.\. 4 more lines below, 0 above'
+does printf 'j\033[B' >&9
+sees 'flooding' '\.\.\. 2 more lines below, 2 above'
+does printf kkkk >&9
+sees '\.\.\. 4 more lines below, 0 above'
+does printf j >&9
+sees '\.\.\. 3 more lines below, 1 above'
+does stty -F "$(cat "$work/tty")" rows 24 cols 80
+sees 'MVRP at unix:/run/mrp/mvrp.sock'
+does stop left KILL || true
+sees 'MVRP at unix:[^ ]*: not connected, trying again' 'problem +[a-z]'
+does run left left --application mvrp --declare 78 "${long[@]}" eth0
+sees '\e\[7meth0 +78 +QA +MT' '\neth0 +78 +QA +MT'
+does printf q >&9
+terminal_ends
+
+terminal
+sees 'eth0 +78'
+does printf '\003' >&9
+terminal_ends
+
+terminal
+sees 'eth0 +78'
+does kill "$(cat "$work/watch.pid")"
+terminal_ends

@@ -73,17 +73,21 @@ quiet() {
 on() {
    ip netns exec "$@"
 }
-# run NAME HOST OPTION...: `mrp run` under that name, with its output in files of that name. Not by
-# `on`: in the background that would be one more shell, which would get the signals.
-run() {
-   local name=$1 host=$2
-   shift 2
+# launch NAME COMMAND...: in the background, under that name, with its output in files of that name.
+# Not by `on`: that would be one more shell, which would get the signals.
+launch() {
+   local name=$1
+   shift
    # Here, as whoever looks next may be there before the command.
    : > "$work/$name.out"
    : > "$work/$name.err"
-   ip netns exec "$host" "$MRP" run "$@" > "$work/$name.out" 2> "$work/$name.err" &
+   "$@" > "$work/$name.out" 2> "$work/$name.err" &
    pids[$name]=$!
    marks[$name]=0
+}
+# run NAME HOST OPTION...: `mrp run` under that name.
+run() {
+   launch "$1" ip netns exec "$2" "$MRP" run "${@:3}"
 }
 # stop NAME [SIGNAL]: and its exit status is the result.
 stop() {
@@ -115,6 +119,10 @@ until_true() {
       [ $SECONDS -lt $end ] || return 1
       sleep 0.05
    done
+}
+# said NAME PATTERN: on standard error, or does before long.
+said() {
+   until_true grep -Eq -- "$2" "$work/$1.err" || fail "$1 has not said: $2"
 }
 has_lines() {
    local name=$1 line

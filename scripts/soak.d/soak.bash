@@ -1,7 +1,7 @@
-# shellcheck shell=bash source-path=SCRIPTDIR source=stations.bash
+# shellcheck shell=bash source-path=SCRIPTDIR source=../../tests/system/stations.bash
 # What scripts/soak starts: soak.bash APPLICATION MINUTES. One host is the storm, with a cable to
 # each of the two ports of the other, which runs the command.
-. "$(dirname "$0")/stations.bash"
+. "$(dirname "$0")/../../tests/system/stations.bash"
 
 application=$1 minutes=$2
 host agent storm

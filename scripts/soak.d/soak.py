@@ -18,7 +18,9 @@ import struct
 import subprocess
 import sys
 import time
+from pathlib import Path
 
+OBSERVER = Path(__file__).resolve().parents[2] / "examples/observer.py"
 dice = random.Random(1)
 
 
@@ -406,7 +408,7 @@ def crowd(application, minutes, pid, path, memory):
     if not received > 1000 * float(minutes):
         problems.append("hardly a frame was received")
 
-    observer = subprocess.Popen([sys.executable, os.path.dirname(here) + "/observer.py", path],
+    observer = subprocess.Popen([sys.executable, OBSERVER, path],
                                 stdout=subprocess.PIPE, text=True)
     key = int.from_bytes(JOINED[application][1][:8], "big")
     if subprocess.call(stormy + [here, "join", application, "s0", "s1"]) != 0:
@@ -414,7 +416,7 @@ def crowd(application, minutes, pid, path, memory):
     signal.signal(signal.SIGALRM, lambda *_: observer.kill())
     signal.alarm(30)
     for line in observer.stdout:
-        if re.match(rf"\+ p0 type 1 key {key} .. IN ", line):
+        if re.match(rf"\+ p0 type 1 key {key} .. IN$", line):
             break
     else:
         problems.append("an observer does not see the join")

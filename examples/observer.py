@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Follows a mirror stream, with docs/mirror-stream.md for all that it knows, and prints the
-attributes that come (+) and go (-), a changed one as both; their values are passed over:
+"""observer.py SOCKET: follows a mirror stream, with docs/mirror-stream.md for all that it knows, and
+prints the attributes that come (+) and go (-), a changed one as both; their values are passed over:
 
     + eth0 type 1 key 10 VO IN
 """
