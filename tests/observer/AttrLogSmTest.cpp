@@ -78,12 +78,5 @@ TEST( AttrLogSm, isCloggedByMoreThanHalfOfTheBuffer ) {
    EXPECT_FALSE( sm->isAttrLogOutClogged() );
 }
 
-TEST( AttrLogSm, isNotCloggedWithoutAStream ) {
-   auto const closed = smOf( -5 );
-   EXPECT_EQ( closed->attrLogSockFd(), -1 );
-   EXPECT_FALSE( closed->isAttrLogOutClogged() );
-   EXPECT_FALSE( Korv::newValidPtr< MrpAttrLogSm >( nullptr )->isAttrLogOutClogged() );
-}
-
 } // namespace
 } // namespace TestSupport

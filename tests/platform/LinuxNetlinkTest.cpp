@@ -189,14 +189,6 @@ TEST_F( LinuxLinkTable, whatIsNotSoundIsLeftOut ) {
       table.handleDatagram( bytes );
       EXPECT_EQ( changes(), "" );
    }
-   // Values of a wrong length say nothing, and hide nothing behind them.
-   Bytes wrong = attribute( IFLA_MTU, { 1, 2, 3 } );
-   append( wrong, attribute( IFLA_ADDRESS, Bytes( 20 ) ) );
-   append( wrong, attribute( IFLA_PROTINFO, { 1 } ) );
-   announce( link( 2, "lan", wrong ) );
-   EXPECT_EQ( changes(), "eth0- lan+" );
-   EXPECT_EQ( table.link( "lan" )->mtu, 0u );
-   EXPECT_FALSE( table.link( "lan" )->addr );
 }
 
 } // namespace

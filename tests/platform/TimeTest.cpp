@@ -83,17 +83,15 @@ TEST_F( Time, ofTheWheelIsTheFirstTickAtOrAfterThatAskedFor ) {
    }
 }
 
-TEST_F( Time, ofTheWheelMayBeTakenBack ) {
+TEST_F( Time, ofTheWheelMayBeTakenBackHoweverFar ) {
    WheelTimer timer( writes( 'a' ), wheel );
    for ( Seconds const far : { Korv::never, 1e300, std::numeric_limits< double >::infinity() } ) {
       timer.timeMinIs( Korv::now() + 0.1 );
       timer.timeMinIs( far );
       EXPECT_EQ( activity.nextTime(), Korv::never );
-      activity.advanceBy( 1 );
    }
-   EXPECT_TRUE( times.empty() );
-   timer.timeMinIs( 5 ); // back from there
-   activity.advanceTo( 5 );
+   timer.timeMinIs( 5 );
+   activity.advanceTo( 6 );
    EXPECT_EQ( times, Times{ 5 } );
 }
 
