@@ -1,9 +1,10 @@
 // Packet access to real interfaces, the way of a participant: a wish on one side, the Pam in the
 // collection on the other.
+#include "mrp/platform/interface/EthDevPamManager.h"
+#include "mrp/platform/interface/NetNsIntfStatusManagerRoot.h"
 #include "mrp/platform/linux/Host.h"
 #include "mrp/platform/pelk/ReceivePool.h"
 
-#include "tests/platform/HostPams.h"
 #include "tests/platform/LinuxScene.h"
 #include "tests/platform/Timers.h"
 
@@ -39,6 +40,34 @@ class Reader : public Pelk::Pam::Reactor {
    std::function< void() > action;
 };
 
+// What a participant sets up for packet access: wishes on one side, the collection on the other.
+class Pams : public Interface::EthDevPamCollection::Reactor {
+ public:
+   explicit Pams( Host & host )
+      : root_( new Interface::NetNsIntfStatusManagerRoot( nullptr, host.allIntfStatusDir(), nullptr,
+                                                          false ) ) {
+      notifierIs( collection.ptr() );
+      root_->intfStatusManagerIs( nullptr, devices_, host.network(), "default" );
+   }
+   void onIntfPam( Pelk::IntfId const & intfId ) override {
+      changes += ( collection->intfPam( intfId ) ? "+" : "-" ) + intfId.stringValue();
+   }
+
+ private:
+   Korv::Ptr< Interface::DeviceIntfStatusDir > devices_ =
+      new Interface::DeviceIntfStatusDir( "devices" );
+   Korv::Ptr< Interface::NetNsIntfStatusManagerRoot > root_;
+
+ public:
+   std::string changes; // "+va-va": what has come and gone
+   Korv::Ptr< Interface::PamDesiredIntfDir > const desired =
+      new Interface::PamDesiredIntfDir( "desired" );
+   Korv::Ptr< Interface::EthDevPamCollection > const collection =
+      new Interface::EthDevPamCollection( "pams" );
+   Korv::Ptr< Interface::EthDevPamManager > const manager =
+      new Interface::EthDevPamManager( desired, collection, devices_ );
+};
+
 class LinuxPam : public Scene {
  protected:
    void SetUp() override {
@@ -55,13 +84,11 @@ class LinuxPam : public Scene {
       pams->manager->rxQueueFramesIs( mvrpSettings().rxQueueFrames );
       pams->manager->enabledIs( true );
       isWanted( true );
-      EXPECT_EQ( changes(), "+va" ); // within the wish
+      EXPECT_EQ( pams->changes, "+va" ); // within the wish
       reader.notifierIs( pam() );
    }
    void isWanted( bool wanted ) { pams->desired->intfDesiredIs( va, wanted ); }
    Pam * pam() const { return static_cast< Pam * >( pams->collection->intfPam( va ) ); }
-   // "+va-va": all up to now.
-   std::string const & changes() { return changes_ += pams->changes(); }
    bool readUntil( std::size_t count ) {
       return runUntil( [&] { return reader.frames.size() >= count; } );
    }
@@ -80,11 +107,8 @@ class LinuxPam : public Scene {
 
    std::optional< Wire > wire;
    std::optional< Host > host;
-   std::optional< Platform::HostPams > pams;
+   std::optional< Pams > pams;
    Reader reader;
-
- private:
-   std::string changes_;
 };
 
 TEST_F( LinuxPam, framesAreAsTheyWereOnTheWire ) {
@@ -238,23 +262,23 @@ TEST_F( LinuxPam, ofALinkThatGoesDownCostsOneErrorAndStays ) {
    EXPECT_LE( activity.wakeUps() - wakeUps, 10u );
    run( "ip link set va up" );
    EXPECT_TRUE( carries() );
-   EXPECT_EQ( changes(), "+va" ); // the same still
+   EXPECT_EQ( pams->changes, "+va" ); // the same still
 }
 
 TEST_F( LinuxPam, ofAnInterfaceThatComesBackUnderItsNameIsAnotherOne ) {
    Korv::Ptr< Pam > const dead( pam() );
    run( "ip link del va" );
-   ASSERT_TRUE( runUntil( [&] { return changes() == "+va-va"; } ) );
+   ASSERT_TRUE( runUntil( [&] { return pams->changes == "+va-va"; } ) );
    dead->txPkt( pkt( numberedFrame() ) );
    EXPECT_EQ( dead->lastSendError(), ENXIO );
    std::string const comes = "ip link add name va type veth peer name vb && ip link set va up && "
                              "ip link set vb up";
    run( comes );
-   ASSERT_TRUE( runUntil( [&] { return changes() == "+va-va+va"; } ) );
+   ASSERT_TRUE( runUntil( [&] { return pams->changes == "+va-va+va"; } ) );
    EXPECT_TRUE( carries() );
    // Both changes between two looks at the kernel.
    run( "ip link del va && " + comes );
-   ASSERT_TRUE( runUntil( [&] { return changes() == "+va-va+va-va+va"; } ) );
+   ASSERT_TRUE( runUntil( [&] { return pams->changes == "+va-va+va-va+va"; } ) );
    EXPECT_TRUE( carries() );
 }
 

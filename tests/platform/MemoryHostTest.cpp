@@ -1,43 +1,21 @@
-// Packet access in memory: from a wish to a Pam, and frames that wait in it and travel on wires.
-#include "mrp/platform/memory/Host.h"
+// Packet access in memory: frames that wait in a Pam and travel on wires.
+#include "mrp/platform/memory/Network.h"
 #include "mrp/platform/memory/VirtualActivity.h"
 #include "mrp/platform/memory/Wire.h"
-#include "mrp/platform/pelk/PktManager.h"
+#include "mrp/platform/pelk/ReceivePool.h"
 
-#include "tests/platform/HostPams.h"
 #include "tests/platform/Timers.h"
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <optional>
+#include <string>
+
 namespace Memory {
 namespace {
 
-Pelk::IntfId const one( "one" ), two( "two" );
-
-TEST( PamManager, aPamComesAndGoesWithTheWishAndTheDevice ) {
-   Host host;
-   Platform::HostPams pams( host );
-   host.interfaceIs( one );
-   pams.desired->intfDesiredIs( one, true );
-   EXPECT_EQ( pams.changes(), "" ); // not enabled
-   pams.manager->rxQueueFramesIs( 2 );
-   pams.manager->enabledIs( true );
-   EXPECT_EQ( host.pam( one )->settings().rxQueueFrames, 2u );
-   pams.desired->intfDesiredIs( one, true );
-   pams.desired->intfDesiredIs( two, true );
-   EXPECT_EQ( pams.changes(), "+one" );
-   host.interfaceIs( two );
-   host.interfaceDel( two );
-   host.interfaceIs( two );
-   EXPECT_EQ( pams.changes(), "+two-two+two" );
-   EXPECT_EQ( pams.collection->intfPam( two ), host.pam( two ) );
-   pams.desired->intfDesiredIs( one, false );
-   EXPECT_EQ( host.pam( one ), nullptr ); // closed, too
-   pams.desired->intfDesiredIs( one, true );
-   pams.desired->intfDesiredDel( two );
-   pams.manager->enabledIs( false );
-   EXPECT_EQ( pams.changes(), "-one+one-two-one" );
-}
+Pelk::IntfId const one( "one" );
 
 // A device with a Pam, whose reader does what it is told.
 struct End : Pelk::Pam::Reactor {
@@ -97,39 +75,33 @@ TEST( MemoryPam, aReaderMayCloseThePamsThatWereToHearTheSame ) {
    EXPECT_FALSE( end.pam );
 }
 
-TEST( Wire, framesArriveAfterTheDelayBehindTheTimersInTheOrderOfSending ) {
+TEST( Wire, framesArriveAfterTheDelayBehindTheTimersAndGoWithTheWire ) {
    VirtualActivity activity;
    End sender, receiver;
-   Wire wire;
-   wire.join( sender.device );
+   std::optional< Wire > wire( std::in_place );
+   wire->join( sender.device );
+   wire->join( receiver.device );
+   wire->delayIs( 0.1 );
    std::string heard;
    receiver.action = [&] { heard += static_cast< char >( receiver.read() ); };
-   auto const send = [&]( char letter ) {
-      auto const pkt = Pelk::globalPktManager().newPkt();
-      pkt->newSharedHeadData( 15 );
-      pkt->frontData()[14] = static_cast< Pelk::U8 >( letter );
-      sender.pam->txPkt( pkt );
+   auto const send = [&]( Pelk::U8 letter ) {
+      Frame frame( 14 );
+      frame.push_back( letter );
+      sender.pam->txPkt( Pelk::receivePool().newPkt( frame.data(), frame.size() ) );
    };
-   Platform::Timer review( [&] { heard += " review "; }, Korv::Clock::Rank::review );
-   {
-      Wire second;
-      second.join( sender.device );
-      for ( Wire * const each : { &wire, &second } ) {
-         each->join( receiver.device );
-         each->delayIs( 0.1 );
-      }
-      send( 'a' );
-      send( 'b' );
-      review.timeMinIs( 0.1 );
-      activity.advanceTo( 0.05 );
-      send( 'c' );
-      activity.advanceTo( 0.099 );
-      EXPECT_EQ( heard, "" );
-      activity.advanceTo( 0.1 );
-      EXPECT_EQ( heard, " review aabb" );
-   } // takes its frames with it
+   Platform::Timer review( [&] { heard += "review "; }, Korv::Clock::Rank::review );
+   send( 'a' );
+   send( 'b' );
+   review.timeMinIs( 0.1 );
+   activity.advanceTo( 0.05 );
+   send( 'c' );
+   activity.advanceTo( 0.099 );
+   EXPECT_EQ( heard, "" );
+   activity.advanceTo( 0.1 );
+   EXPECT_EQ( heard, "review ab" );
+   wire.reset();
    activity.advanceTo( 1 );
-   EXPECT_EQ( heard, " review aabbc" );
+   EXPECT_EQ( heard, "review ab" );
 }
 
 } // namespace
