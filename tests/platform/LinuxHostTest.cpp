@@ -92,7 +92,7 @@ TEST_F( LinuxHost, rolesFollowThePortsOfBridges ) {
    };
    for ( auto const & [change, role] : table ) {
       run( std::string( "ip link set " ) + change );
-      EXPECT_TRUE( runUntil( [&] { return roleAt( *host ) == role; } ) ) << change;
+      EXPECT_TRUE( runUntil( [&, role = role] { return roleAt( *host ) == role; } ) ) << change;
       EXPECT_TRUE( host->network()->hasDevice( va ) );
    }
 
