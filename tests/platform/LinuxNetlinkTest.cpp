@@ -62,6 +62,11 @@ Bytes link( int index, std::string const & name, Bytes const & attributes = {},
    return body;
 }
 
+Bytes forwardingPort( int index, std::string const & name ) {
+   Bytes const state = attribute( IFLA_BRPORT_STATE, { BR_STATE_FORWARDING } );
+   return link( index, name, attribute( IFLA_PROTINFO | NLA_F_NESTED, state ), AF_BRIDGE );
+}
+
 class LinuxLinkTable : public testing::Test {
  protected:
    void announce( Bytes const & link ) { table.handleDatagram( message( RTM_NEWLINK, link ) ); }
@@ -103,10 +108,8 @@ TEST_F( LinuxLinkTable, whatADumpDoesNotMentionHasGone ) {
    dump( { link( 2, "eth0" ), link( 3, "eth1" ) } );
    EXPECT_EQ( asked(), "LP" );
    EXPECT_EQ( changes(), "eth0+ eth1+" );
-   Bytes const forwards = attribute( IFLA_BRPORT_STATE, { BR_STATE_FORWARDING } );
-   announce( link( 3, "eth1", attribute( IFLA_PROTINFO | NLA_F_NESTED, forwards ), AF_BRIDGE ) );
-   EXPECT_EQ( changes(), "eth1+" );
-   EXPECT_EQ( table.link( "eth1" )->portState, BR_STATE_FORWARDING );
+   announce( forwardingPort( 3, "eth1" ) );
+   changes();
    table.doDump();
    answer( RTM_NEWLINK, link( 3, "eth1" ) );
    announce( link( 4, "eth2" ) ); // comes meanwhile
@@ -114,6 +117,15 @@ TEST_F( LinuxLinkTable, whatADumpDoesNotMentionHasGone ) {
    EXPECT_EQ( changes(), "eth2+ eth0-" );
    done();
    EXPECT_EQ( changes(), "eth1+" );
+   EXPECT_FALSE( table.link( "eth1" )->portState );
+}
+
+TEST_F( LinuxLinkTable, aPortThatLeavesItsBridgeIsStillALink ) {
+   announce( link( 3, "eth1" ) );
+   announce( forwardingPort( 3, "eth1" ) );
+   EXPECT_EQ( table.link( "eth1" )->portState, BR_STATE_FORWARDING );
+   table.handleDatagram( message( RTM_DELLINK, forwardingPort( 3, "eth1" ) ) );
+   ASSERT_EQ( changes(), "eth1+ eth1+ eth1+" );
    EXPECT_FALSE( table.link( "eth1" )->portState );
 }
 
