@@ -8,7 +8,6 @@
 #include "mrp/platform/linux/RealActivity.h"
 
 #include "tests/support/Participant.h"
-#include "tests/support/Random.h"
 #include "tests/support/TreeText.h"
 
 #include <gmock/gmock.h>
@@ -112,10 +111,10 @@ class Engine : public testing::TestWithParam< char const * > {
 
 Linux::AttrLogServer::Options const soonFull{ .bound = 4000, .sendBuffer = 4000, .stallLimit = 0 };
 
-TEST_P( Engine, commitsNothingWhileItsObserverReadsNothing ) {
+TEST_P( Engine, commitsNothingUntilOneOfItsObserversKeepsUp ) {
    Scene scene( address(), soonFull );
-   Observer observer( scene );
-   stall( scene, observer );
+   Observer stalled( scene );
+   stall( scene, stalled );
    Participant & mvrp = *scene.mvrp;
    mvrp.clear();
    mvrp.receive( et1, mvrpFrame( vlans( 20, { JoinIn, JoinIn, JoinIn } ) ) );
@@ -129,19 +128,11 @@ TEST_P( Engine, commitsNothingWhileItsObserverReadsNothing ) {
       EXPECT_FALSE( scene.committed( vlan ) ) << vlan;
    }
 
-   observer.connection.readingIs( true );
-   EXPECT_TRUE( scene.run( [&] { return scene.committed( 30 ) && observer.equal(); } ) );
-   EXPECT_EQ( observer.connection.streams(), 1u ) << observer.connection.lastError();
-}
-
-TEST_P( Engine, waitsForNobodyWhileAnotherKeepsUp ) {
-   Scene scene( address(), soonFull );
-   Observer stalled( scene );
-   stall( scene, stalled );
    Observer other( scene );
-   scene.mvrp->receive( et1, mvrpFrame( vlans( 20, { JoinIn } ) ) );
-   EXPECT_TRUE( scene.run( [&] { return scene.committed( 20 ) && other.equal(); } ) );
-   EXPECT_EQ( scene.server->observers(), 2u );
+   EXPECT_TRUE( scene.run( [&] { return scene.committed( 30 ) && other.equal(); } ) );
+   stalled.connection.readingIs( true );
+   EXPECT_TRUE( scene.run( [&] { return stalled.equal(); } ) );
+   EXPECT_EQ( stalled.connection.streams(), 1u ) << stalled.connection.lastError();
 }
 
 // Who has nothing to take is not to blame, and time counts from when there is something. The
@@ -168,46 +159,6 @@ TEST_P( Engine, sendsAwayWhoTakesNothingForTooLong ) {
    EXPECT_TRUE( scene.run( [&] { return one.equal() && other.equal(); } ) );
    EXPECT_GT( one.connection.streams(), 1u );
    EXPECT_EQ( other.connection.streams(), 1u ) << other.connection.lastError();
-}
-
-void step( Participant & mvrp, Random & random ) {
-   std::string const & intf = random.oneOf( { et1, et2 } );
-   auto const vlan = static_cast< U16 >( 1 + random.below( 40 ) );
-   switch ( random.below( 8 ) ) {
-   case 0: mvrp.lib().mrpInterfaceDisable( Pelk::IntfId( intf ) ); break;
-   case 1: mvrp.lib().mrpInterfaceEnable( Pelk::IntfId( intf ) ); break;
-   case 2: mvrp.declare( intf, Vlan{ vlan }, random.below( 6 ) ); break;
-   case 3: mvrp.receive( intf, mvrpFrame( vlans( vlan, { Lv, Lv, Lv, Lv } ) ) ); break;
-   default: mvrp.receive( intf, mvrpFrame( vlans( vlan, { JoinIn, New, JoinMt, In, JoinIn } ) ) );
-   }
-   mvrp.advanceBy( random.below( 3 ) * 0.2 );
-}
-
-TEST_P( Engine, equalsEachObserversTreeWhateverHappens ) {
-   for ( U64 seed = 1; seed <= 40; ++seed ) {
-      Random random( seed );
-      Scene scene( address(), soonFull );
-      std::vector< std::unique_ptr< Observer > > observers( 3 );
-      for ( int i = 0; i < 100; ++i ) {
-         step( *scene.mvrp, random );
-         auto & observer = observers[random.below( observers.size() )];
-         if ( !observer ) {
-            observer = std::make_unique< Observer >( scene );
-         } else if ( random.below( 8 ) == 0 ) {
-            observer = nullptr;
-         } else {
-            observer->connection.readingIs( random.below( 3 ) == 0 );
-         }
-         scene.sockets.runFor( 0 );
-      }
-      for ( auto & reader : observers ) {
-         if ( reader ) {
-            reader->connection.readingIs( true );
-            ASSERT_TRUE( scene.run( [&] { return reader->equal(); }, 0 ) ) << "seed " << seed;
-            EXPECT_LE( reader->connection.streams(), 1u ) << reader->connection.lastError();
-         }
-      }
-   }
 }
 
 TEST_P( Engine, isFoundAgain ) {
@@ -275,6 +226,18 @@ TEST( Observers, mustNotSpeak ) {
    ASSERT_TRUE( scene.run( [&] { return scene.server->observers() == 1; } ) );
    ASSERT_EQ( ::send( peer.number(), "hello", 5, MSG_NOSIGNAL ), 5 );
    EXPECT_TRUE( scene.run( [&] { return scene.server->observers() == 0; } ) );
+}
+
+TEST( Server, takesItsPathAlongUnlessAnotherHasItByNow ) {
+   std::string const path = testing::TempDir() + "mrp-path-" + std::to_string( ::getpid() );
+   Scene scene( "unix:" + path );
+   std::filesystem::remove( path );
+   {
+      Linux::AttrLogServer const other( scene.sockets, scene.server->address(), nullptr );
+      scene.server.reset();
+      EXPECT_TRUE( std::filesystem::exists( path ) );
+   }
+   EXPECT_FALSE( std::filesystem::exists( path ) );
 }
 
 } // namespace

@@ -1,8 +1,10 @@
-// Packet access to real interfaces.
+// Packet access to real interfaces, the way of a participant: a wish on one side, the Pam in the
+// collection on the other.
+#include "mrp/platform/interface/EthDevPamManager.h"
+#include "mrp/platform/interface/NetNsIntfStatusManagerRoot.h"
 #include "mrp/platform/linux/Host.h"
 #include "mrp/platform/pelk/ReceivePool.h"
 
-#include "tests/platform/HostPams.h"
 #include "tests/platform/LinuxScene.h"
 #include "tests/platform/Timers.h"
 
@@ -38,37 +40,79 @@ class Reader : public Pelk::Pam::Reactor {
    std::function< void() > action;
 };
 
+// What a participant sets up for packet access: wishes on one side, the collection on the other.
+class Pams : public Interface::EthDevPamCollection::Reactor {
+ public:
+   explicit Pams( Host & host )
+      : root_( new Interface::NetNsIntfStatusManagerRoot( nullptr, host.allIntfStatusDir(), nullptr,
+                                                          false ) ) {
+      notifierIs( collection.ptr() );
+      root_->intfStatusManagerIs( nullptr, devices_, host.network(), "default" );
+   }
+   void onIntfPam( Pelk::IntfId const & intfId ) override {
+      changes += ( collection->intfPam( intfId ) ? "+" : "-" ) + intfId.stringValue();
+   }
+
+ private:
+   Korv::Ptr< Interface::DeviceIntfStatusDir > devices_ =
+      new Interface::DeviceIntfStatusDir( "devices" );
+   Korv::Ptr< Interface::NetNsIntfStatusManagerRoot > root_;
+
+ public:
+   std::string changes; // "+va-va": what has come and gone
+   Korv::Ptr< Interface::PamDesiredIntfDir > const desired =
+      new Interface::PamDesiredIntfDir( "desired" );
+   Korv::Ptr< Interface::EthDevPamCollection > const collection =
+      new Interface::EthDevPamCollection( "pams" );
+   Korv::Ptr< Interface::EthDevPamManager > const manager =
+      new Interface::EthDevPamManager( desired, collection, devices_ );
+};
+
 class LinuxPam : public Scene {
  protected:
    void SetUp() override {
       Scene::SetUp();
-      if ( !IsSkipped() ) {
-         wire.emplace( "vb" );
-         host.emplace( activity );
-         host->interfaceIs( va );
+      if ( IsSkipped() ) {
+         return;
       }
+      wire.emplace( "vb" );
+      host.emplace( activity );
+      host->interfaceIs( va );
+      pams.emplace( *host );
+      pams->manager->filterProgramIs( mvrpSettings().filterProgram );
+      pams->manager->destinationIs( mvrpSettings().destination );
+      pams->manager->rxQueueFramesIs( mvrpSettings().rxQueueFrames );
+      pams->manager->enabledIs( true );
+      isWanted( true );
+      EXPECT_EQ( pams->changes, "+va" ); // within the wish
+      reader.notifierIs( pam() );
    }
-   // Opens va, with a reader.
-   void open( KernelNetInfo::PamSettings const & settings = mvrpSettings() ) {
-      opened = host->network()->newPam( va, settings );
-      ASSERT_TRUE( opened );
-      pam = host->pam( va );
-      reader.notifierIs( opened.ptr() );
+   void isWanted( bool wanted ) { pams->desired->intfDesiredIs( va, wanted ); }
+   Pam * pam() const { return static_cast< Pam * >( pams->collection->intfPam( va ) ); }
+   bool readUntil( std::size_t count ) {
+      return runUntil( [&] { return reader.frames.size() >= count; } );
    }
    static Korv::Ptr< Pelk::Pkt > pkt( Frame const & frame ) {
       return Pelk::receivePool().newPkt( frame.data(), frame.size() );
    }
+   // Frames go both ways.
+   bool carries() {
+      reader.frames.clear();
+      reader.notifierIs( pam() );
+      Wire const end( "vb" );
+      end.send( numberedFrame( 1 ) );
+      pam()->txPkt( pkt( numberedFrame( 2 ) ) );
+      return readUntil( 1 ) && end.heard().size() == 1;
+   }
 
    std::optional< Wire > wire;
    std::optional< Host > host;
+   std::optional< Pams > pams;
    Reader reader;
-   Korv::Ptr< Pelk::EthDevPam > opened;
-   Pam * pam = nullptr;
 };
 
 TEST_F( LinuxPam, framesAreAsTheyWereOnTheWire ) {
    run( "ip link set va mtu 65535 && ip link set vb mtu 65535" );
-   open();
    std::vector< Frame > wanted{
       numberedFrame( 1 ), numberedFrame( 2, { 0x81, 0x00, 0x60, 0x05 } ), // VLAN 5 at priority 3
       numberedFrame( 3, { 0x81, 0x00, 0x00, 0x00 } ), // a priority tag of priority 0, all zeros
@@ -88,27 +132,25 @@ TEST_F( LinuxPam, framesAreAsTheyWereOnTheWire ) {
    other.pop_back(); // the longest that there is room for
    wire->send( other );
    wanted.push_back( other );
-   ASSERT_TRUE( runUntil( [&] { return reader.frames.size() >= wanted.size(); } ) );
+   ASSERT_TRUE( readUntil( wanted.size() ) );
    EXPECT_EQ( reader.frames, wanted );
-   EXPECT_EQ( pam->received(), wanted.size() );
-   EXPECT_EQ( pam->heldBack(), 2u );
-   EXPECT_EQ( pam->tooLong(), 1u );
+   EXPECT_EQ( pam()->received(), wanted.size() );
+   EXPECT_EQ( pam()->heldBack(), 2u );
+   EXPECT_EQ( pam()->tooLong(), 1u );
 }
 
 TEST_F( LinuxPam, aPortOfABridgeHearsTheGroupAddressToo ) {
    run( "ip link add name br0 type bridge && ip link set br0 up && ip link set va master br0" );
    char const * const takesPart = "ip maddress show dev va | grep -q 01:80:c2:00:00:21";
-   open();
    EXPECT_EQ( std::system( takesPart ), 0 );
    wire->send( numberedFrame( 1, { 0x81, 0x00, 0x00, 0x00 } ) );
-   ASSERT_TRUE( runUntil( [&] { return reader.frames.size() == 1; } ) );
+   ASSERT_TRUE( readUntil( 1 ) );
    EXPECT_EQ( reader.frames[0], numberedFrame( 1, { 0x81, 0x00, 0x00, 0x00 } ) );
-   opened = nullptr;
+   isWanted( false );
    EXPECT_NE( std::system( takesPart ), 0 );
 }
 
 TEST_F( LinuxPam, whatThisHostSendsItDoesNotHear ) {
-   open();
    auto const second = host->network()->newPam( va, mvrpSettings() );
    Wire const neighbourly( "va" ); // another program of this host
    neighbourly.send( numberedFrame( 1 ) );
@@ -116,12 +158,12 @@ TEST_F( LinuxPam, whatThisHostSendsItDoesNotHear ) {
    Frame head( inTwoParts->frontData(), inTwoParts->frontData() + 14 );
    inTwoParts->delSharedHeadData( 14 );
    inTwoParts->privateHeadIs( head.data(), head.size() );
-   pam->txPkt( inTwoParts );
+   pam()->txPkt( inTwoParts );
    EXPECT_EQ( wire->heard(), ( std::vector< Frame >{ numberedFrame( 1 ), numberedFrame( 2 ) } ) );
    activity.runFor( 0.02 );
    EXPECT_EQ( reader.announced, 0 );
    EXPECT_FALSE( second->rxPkt() );
-   EXPECT_EQ( pam->sent(), 1u );
+   EXPECT_EQ( pam()->sent(), 1u );
 }
 
 TEST_F( LinuxPam, nothingUnfilteredEverWaits ) {
@@ -148,10 +190,9 @@ TEST_F( LinuxPam, nothingUnfilteredEverWaits ) {
 }
 
 TEST_F( LinuxPam, framesLeftWhereTheyAreCostNothingUntilTheNext ) {
-   open();
    reader.reading = false;
    wire->send( numberedFrame( 1 ) );
-   EXPECT_TRUE( opened->hasDataOnSocket() ); // ahead of its announcement
+   EXPECT_TRUE( pam()->hasDataOnSocket() ); // ahead of its announcement
    ASSERT_TRUE( runUntil( [&] { return reader.announced > 0; } ) );
    activity.runFor( 0.01 );
    int const first = reader.announced;
@@ -164,12 +205,11 @@ TEST_F( LinuxPam, framesLeftWhereTheyAreCostNothingUntilTheNext ) {
    ASSERT_TRUE( runUntil( [&] { return reader.announced > first; } ) );
    reader.reading = true;
    wire->send( numberedFrame( 3 ) );
-   ASSERT_TRUE( runUntil( [&] { return reader.frames.size() == 3; } ) );
+   ASSERT_TRUE( readUntil( 3 ) );
    EXPECT_EQ( reader.frames[0], numberedFrame( 1 ) );
 }
 
 TEST_F( LinuxPam, aStormHoldsUpNoTimer ) {
-   open();
    constexpr std::size_t frames = 5'000;
    for ( std::size_t i = 0; i < frames; ++i ) {
       wire->send( numberedFrame( static_cast< Korv::U8 >( i ) ) );
@@ -183,68 +223,34 @@ TEST_F( LinuxPam, aStormHoldsUpNoTimer ) {
    int fired = 0;
    Platform::Timer periodic( nullptr );
    periodic.action = [&] {
-      fired += pam->hasDataOnSocket() ? 1 : 0;
+      fired += pam()->hasDataOnSocket() ? 1 : 0;
       periodic.timeMinIs( Korv::now() + 0.01 );
    };
-   auto const lost = pam->overrun(); // where the system grants no such queue
+   auto const lost = pam()->overrun(); // where the system grants no such queue
    ASSERT_LT( lost, frames / 2 ) << "net.core.rmem_max is too small for this test";
    periodic.timeMinIs( Korv::now() );
-   ASSERT_TRUE( runUntil( [&] { return reader.frames.size() == frames - lost; } ) );
+   ASSERT_TRUE( readUntil( frames - lost ) );
    EXPECT_GE( fired, 5 ); // of 10 and more
    EXPECT_EQ( reader.frames.back()[numberAt], static_cast< Korv::U8 >( frames - lost - 1 ) );
 }
 
 TEST_F( LinuxPam, theReaderMayCloseItWhileItReads ) {
-   open();
    std::vector< char > inItsPlace;
    reader.action = [&] {
-      opened = nullptr;
+      isWanted( false );
       inItsPlace = std::vector< char >( sizeof( Pam ), 'x' ); // so that a use of it shows
    };
    wire->send( numberedFrame( 1 ) );
    wire->send( numberedFrame( 2 ) );
-   ASSERT_TRUE( runUntil( [&] { return !opened; } ) );
+   ASSERT_TRUE( runUntil( [&] { return !pam(); } ) );
    activity.runFor( 0.01 );
    EXPECT_EQ( reader.announced, 1 );
    EXPECT_FALSE( host->pam( va ) );
 }
 
-// The way of a participant: wishes on one side, the collection on the other.
-class LinuxPams : public LinuxPam {
- protected:
-   void SetUp() override {
-      LinuxPam::SetUp();
-      if ( IsSkipped() ) {
-         return;
-      }
-      pams.emplace( *host );
-      pams->manager->filterProgramIs( mvrpSettings().filterProgram );
-      pams->manager->destinationIs( mvrpSettings().destination );
-      pams->manager->enabledIs( true );
-      pams->desired->intfDesiredIs( va, true );
-      EXPECT_EQ( changes(), "+va" ); // within the wish
-   }
-   // "+va-va": all up to now.
-   std::string const & changes() { return changes_ += pams->changes(); }
-   Pam * inCollection() const { return static_cast< Pam * >( pams->collection->intfPam( va ) ); }
-   bool carries() {
-      reader.frames.clear();
-      reader.notifierIs( inCollection() );
-      Wire const end( "vb" );
-      end.send( numberedFrame( 1 ) );
-      inCollection()->txPkt( pkt( numberedFrame( 2 ) ) );
-      return runUntil( [&] { return reader.frames.size() == 1; } ) && end.heard().size() == 1;
-   }
-
-   std::optional< Platform::HostPams > pams;
-
- private:
-   std::string changes_;
-};
-
-TEST_F( LinuxPams, aLinkThatGoesDownCostsOneError ) {
+TEST_F( LinuxPam, ofALinkThatGoesDownCostsOneErrorAndStays ) {
    EXPECT_TRUE( carries() );
-   Pam * const before = inCollection();
+   Pam * const before = pam();
    run( "ip link set va down" );
    ASSERT_TRUE( runUntil( [&] { return before->receiveErrors() > 0; } ) );
    auto const wakeUps = activity.wakeUps();
@@ -256,27 +262,27 @@ TEST_F( LinuxPams, aLinkThatGoesDownCostsOneError ) {
    EXPECT_LE( activity.wakeUps() - wakeUps, 10u );
    run( "ip link set va up" );
    EXPECT_TRUE( carries() );
-   EXPECT_EQ( changes(), "+va" ); // the same still
+   EXPECT_EQ( pams->changes, "+va" ); // the same still
 }
 
-TEST_F( LinuxPams, anInterfaceThatComesBackUnderItsNameIsAnotherOne ) {
-   Korv::Ptr< Pam > const dead( inCollection() );
+TEST_F( LinuxPam, ofAnInterfaceThatComesBackUnderItsNameIsAnotherOne ) {
+   Korv::Ptr< Pam > const dead( pam() );
    run( "ip link del va" );
-   ASSERT_TRUE( runUntil( [&] { return changes() == "+va-va"; } ) );
+   ASSERT_TRUE( runUntil( [&] { return pams->changes == "+va-va"; } ) );
    dead->txPkt( pkt( numberedFrame() ) );
    EXPECT_EQ( dead->lastSendError(), ENXIO );
-   char const * const comes = "ip link add name va type veth peer name vb && ip link set va up && "
-                              "ip link set vb up";
+   std::string const comes = "ip link add name va type veth peer name vb && ip link set va up && "
+                             "ip link set vb up";
    run( comes );
-   ASSERT_TRUE( runUntil( [&] { return changes() == "+va-va+va"; } ) );
+   ASSERT_TRUE( runUntil( [&] { return pams->changes == "+va-va+va"; } ) );
    EXPECT_TRUE( carries() );
    // Both changes between two looks at the kernel.
-   run( std::string( "ip link del va && " ) + comes );
-   ASSERT_TRUE( runUntil( [&] { return changes() == "+va-va+va-va+va"; } ) );
+   run( "ip link del va && " + comes );
+   ASSERT_TRUE( runUntil( [&] { return pams->changes == "+va-va+va-va+va"; } ) );
    EXPECT_TRUE( carries() );
 }
 
-TEST_F( LinuxPam, othersThanEthernetAreNotOpened ) {
+TEST_F( LinuxPam, isForEthernetAlone ) {
    if ( std::system( "ip tuntap add name t0 mode tun 2> /dev/null" ) != 0 ) {
       GTEST_SKIP() << "no tun devices here";
    }

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <memory>
+#include <optional>
 #include <string>
 
 namespace Korv {
@@ -40,6 +40,7 @@ class NotifierTest : public testing::Test {
       std::function< void() > action;
    };
 
+   // Who hears of one.
    std::string change() {
       heard.clear();
       subject->numberIs( subject->number() + 1 );
@@ -48,46 +49,32 @@ class NotifierTest : public testing::Test {
 
    Ptr< Subject > subject = new Subject;
    std::string heard;
+   std::optional< Watcher > a{ std::in_place, *this, 'a' }, b{ std::in_place, *this, 'b' },
+      c{ std::in_place, *this, 'c' }, d;
 };
 
 TEST_F( NotifierTest, callsWatchersAtOnceInOrderAndOnlyOnChange ) {
-   Watcher a( *this, 'a' ), b( *this, 'b' );
-   a.action = [&] { EXPECT_EQ( subject->number(), 7u ); };
+   a->action = [&] { EXPECT_EQ( subject->number(), 7u ); };
    subject->numberIs( 7 );
-   EXPECT_EQ( heard, "ab" );
    subject->numberIs( 7 );
-   EXPECT_EQ( heard, "ab" );
+   EXPECT_EQ( heard, "abc" );
 }
 
-TEST_F( NotifierTest, aWatcherThatHasGoneIsNotCalled ) {
-   auto a = std::make_unique< Watcher >( *this, 'a' );
-   auto b = std::make_unique< Watcher >( *this, 'b' );
-   Watcher c( *this, 'c' ), d( *this, 'd' );
+TEST_F( NotifierTest, aWatcherThatGoesIsNotCalledAndOneThatComesHearsTheNextChange ) {
+   Watcher last( *this, 'l' );
    a->action = [&] {
-      a = nullptr; // itself
-      b = nullptr; // the next
-      c.notifierIs( Ptr< Subject const >() );
+      a.reset(); // itself
+      b.reset(); // the next
+      c->notifierIs( Ptr< Subject const >() );
+      d.emplace( *this, 'd' );
    };
-   EXPECT_EQ( change(), "ad" );
-   EXPECT_EQ( change(), "d" );
-}
-
-TEST_F( NotifierTest, aWatcherThatHasComeHearsTheNextChange ) {
-   std::unique_ptr< Watcher > late;
-   Watcher a( *this, 'a' ), b( *this, 'b' );
-   a.action = [&] {
-      a.action = nullptr;
-      late = std::make_unique< Watcher >( *this, 'l' );
-   };
-   EXPECT_EQ( change(), "ab" );
-   EXPECT_EQ( change(), "abl" );
+   EXPECT_EQ( change(), "al" );
+   EXPECT_EQ( change(), "ld" );
 }
 
 TEST_F( NotifierTest, aChangeWithinAChangeIsHeardByAll ) {
-   Watcher a( *this, 'a' ), b( *this, 'b' );
-   auto c = std::make_unique< Watcher >( *this, 'c' );
-   a.action = [&] {
-      a.action = [&] { c = nullptr; };
+   a->action = [&] {
+      a->action = [&] { c.reset(); };
       heard += '(';
       subject->numberIs( 1000 );
       heard += ')';
@@ -96,24 +83,22 @@ TEST_F( NotifierTest, aChangeWithinAChangeIsHeardByAll ) {
 }
 
 TEST_F( NotifierTest, aNotifierThatGoesLeavesItsWatchers ) {
-   Watcher a( *this, 'a' ), b( *this, 'b' );
-   a.action = [&] { subject = nullptr; };
+   a->action = [&] { subject = nullptr; };
    EXPECT_EQ( change(), "a" );
-   EXPECT_EQ( a.notifier(), nullptr );
-   EXPECT_EQ( b.notifier(), nullptr );
+   EXPECT_EQ( a->notifier(), nullptr );
+   EXPECT_EQ( b->notifier(), nullptr );
 
    subject = new Subject;
-   Watcher const single( *this, 's' );
+   d.emplace( *this, 'd' ); // the only one
    subject = nullptr;
-   EXPECT_EQ( single.notifier(), nullptr );
+   EXPECT_EQ( d->notifier(), nullptr );
 }
 
 TEST_F( NotifierTest, whatAWatcherThrowsEndsTheNotificationAndNothingElse ) {
-   Watcher a( *this, 'a' ), b( *this, 'b' ), c( *this, 'c' );
-   b.action = [] { throw 1; };
+   b->action = [] { throw 1; };
    EXPECT_THROW( change(), int );
    EXPECT_EQ( heard, "ab" );
-   b.action = nullptr;
+   b->action = nullptr;
    EXPECT_EQ( change(), "abc" );
 }
 

@@ -1,28 +1,42 @@
-#include "mrp/platform/pelk/Pkt.h"
-
+// Packets and where their memory comes from, and the filter that runs over them in software.
 #include "mrp/platform/pelk/PktManager.h"
 #include "mrp/platform/pelk/ReceivePool.h"
+#include "mrp/platform/pelk/SockFilterProgram.h"
 
 #include <gtest/gtest.h>
 
-#include <numeric>
+#include <algorithm>
 #include <vector>
 
 namespace Pelk {
 namespace {
 
-constexpr std::size_t frameBytes = 60;
+using Bytes = std::vector< U8 >;
 
-// Over a received frame of bytes 1, 2, 3 ...: data at the front of the buffer, no room before it.
-Korv::Ptr< Pkt > countingPkt() {
-   std::vector< U8 > frame( frameBytes );
-   std::iota( frame.begin(), frame.end(), U8{ 1 } );
-   return receivePool().newPkt( frame.data(), frame.size() );
+Bytes dataOf( Pkt const & pkt ) {
+   return Bytes( pkt.frontData(), pkt.frontData() + pkt.frontBytes() );
+}
+
+// Any jump of the parser ends in them.
+TEST( ReceivePool, holdsZerosBehindEachFrameWhateverWentBefore ) {
+   ReceivePool pool;
+   // Shorter, longer, beyond the usual size and back.
+   for ( std::size_t const size : { 1500u, 60u, 14u, 700u, 699u, 9000u, 64u, 70'000u, 15u } ) {
+      SCOPED_TRACE( size );
+      Bytes const frame( size, 0xff );
+      auto const pkt = pool.newPkt( frame.data(), size );
+      auto const & buffer = *pkt->sharedBuffer();
+      EXPECT_EQ( dataOf( *pkt ), frame );
+      ASSERT_GE( buffer.size() - size, 65'535u + 8'192u );
+      EXPECT_EQ( std::count( pkt->frontData() + size, buffer.buffer() + buffer.size(), 0 ),
+                 buffer.size() - size );
+   }
+   EXPECT_FALSE( pool.newPkt( Bytes( 13 ).data(), 13 ) ); // a runt
 }
 
 TEST( Pkt, readingBeyondTheDataWrapsItsLengthAndGoesOnInTheBuffer ) {
-   auto const pkt = countingPkt();
-   pkt->delSharedHeadData( frameBytes + 3 );
+   auto const pkt = receivePool().newPkt( Bytes( 60 ).data(), 60 );
+   pkt->delSharedHeadData( 63 );
    EXPECT_EQ( pkt->bytes(), static_cast< std::size_t >( -3 ) );
    EXPECT_EQ( pkt->frontBytes(), static_cast< std::size_t >( -3 ) );
    pkt->delSharedHeadData( 65'535 );
@@ -30,27 +44,6 @@ TEST( Pkt, readingBeyondTheDataWrapsItsLengthAndGoesOnInTheBuffer ) {
    auto const & buffer = *pkt->sharedBuffer();
    pkt->delSharedHeadData( buffer.size() - buffer.room() ); // the end itself counts as within
    EXPECT_DEATH( pkt->delSharedHeadData( 1 ), "ptrWithinRegion\\( data_, buffer_, size_ \\)" );
-}
-
-TEST( Pkt, newHeadWithoutRoomMovesTheDataToTheEndOfALargerBuffer ) {
-   auto const pkt = countingPkt();
-   std::size_t const size = pkt->sharedBuffer()->size();
-   pkt->delSharedHeadData( 2 );
-   pkt->newSharedHeadData( 2 ); // just the room there is
-   EXPECT_EQ( pkt->sharedBuffer()->size(), size );
-   EXPECT_EQ( *pkt->frontData(), 1 );
-
-   pkt->newSharedHeadData( 5 );
-   auto const & buffer = *pkt->sharedBuffer();
-   EXPECT_EQ( buffer.size(), size + 5 );
-   EXPECT_EQ( buffer.room() + buffer.dataBytes(), buffer.size() );
-   std::vector< U8 > expected( frameBytes + 5 );
-   std::iota( expected.begin() + 5, expected.end(), U8{ 1 } );
-   EXPECT_EQ( std::vector< U8 >( pkt->frontData(), pkt->frontData() + pkt->bytes() ), expected );
-
-   pkt->delSharedTailData( 40 );
-   EXPECT_EQ( pkt->frontBytes(), 25u );
-   EXPECT_EQ( pkt->frontData()[24], 20 );
 }
 
 TEST( PktManager, limitsThePacketsThatLiveAndMakesThemOfZeros ) {
@@ -61,12 +54,26 @@ TEST( PktManager, limitsThePacketsThatLiveAndMakesThemOfZeros ) {
       auto const pkt = manager.newPkt();
       EXPECT_FALSE( manager.newPkt() );
       pkt->newSharedHeadData( 1515 );
-      EXPECT_EQ( pkt->sharedBuffer()->size(), 1515u );
-      EXPECT_EQ( std::accumulate( pkt->frontData(), pkt->frontData() + 1515, 0 ), 0 );
-      std::fill( pkt->frontData(), pkt->frontData() + 1515, U8{ 0xff } );
+      EXPECT_EQ( dataOf( *pkt ), Bytes( 1515 ) );
+      std::fill_n( pkt->frontData(), 1515, U8{ 0xff } );
       pkt->delSharedTailData( 1000 );
       pkt->newSharedHeadData( 9000 ); // beyond its first buffer
+      Bytes grown( 9000 );
+      grown.resize( 9515, 0xff );
+      EXPECT_EQ( dataOf( *pkt ), grown );
    }
+}
+
+// What the program of an application lets pass is tested with the participants, tests/frame.
+TEST( SockFilterProgram, rejectsAFrameThatEndsBeforeWhatIsLookedAt ) {
+   Bytes const bytes( 60 );
+   auto acceptsLoadAt = [&]( U32 place ) {
+      SockFilterInstruction const steps[] = { { 0x20, 0, 0, place }, { 0x06, 0, 0, 1 } };
+      return SockFilterProgram( 2, steps ).accepts( bytes.data(), bytes.size() );
+   };
+   EXPECT_TRUE( acceptsLoadAt( 56 ) );
+   EXPECT_FALSE( acceptsLoadAt( 57 ) );
+   EXPECT_FALSE( acceptsLoadAt( 0xffffffff ) ); // no wrap-around
 }
 
 } // namespace
