@@ -99,6 +99,26 @@ bool Participant::isIdle() const {
           lib_->mrpOutIntfQueue().empty();
 }
 
+void Participant::endStandby() {
+   if ( sm_->standbyMode() ) {
+      sm_->standbyModeIs( false );
+      sm_->handleStandbyMode();
+   }
+}
+
+void Participant::settingIs( unsigned which, Pelk::IntfId intfId, double leaveTime,
+                             double leaveAllTime, bool on ) {
+   switch ( which ) {
+   case 0: config_->leaveTimeIs( leaveTime ); break;
+   case 1: config_->leaveAllTimeIs( leaveAllTime ); break;
+   case 2: config_->intfLeaveTimeIs( intfId, leaveTime ); break;
+   case 3: config_->intfLeaveAllTimeIs( intfId, leaveAllTime ); break;
+   case 4: config_->txLeaveAllExpiryTimeIs( leaveTime ); break;
+   case 5: config_->mrpFloodingIs( on ); break;
+   default: config_->timersEnabledIs( on ); break;
+   }
+}
+
 std::vector< std::string > Participant::said() const { return lines( sent_, false ); }
 std::vector< std::string > Participant::saidWithTimes() const { return lines( sent_, true ); }
 

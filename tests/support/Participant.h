@@ -76,6 +76,13 @@ class Participant {
    // all notifications it has to be so.
    bool isIdle() const;
 
+   void endStandby();
+
+   // Changes one value of the configuration, for those who do anything at any time: which of seven,
+   // and what it becomes if it is a leave time, one of LeaveAll, or a switch.
+   void settingIs( unsigned which, Pelk::IntfId intfId, double leaveTime, double leaveAllTime,
+                   bool on );
+
    void advanceTo( double time ) { activity_->advanceTo( time ); }
    void advanceBy( double duration ) { activity_->advanceBy( duration ); }
 
