@@ -1,6 +1,6 @@
-// What the kernel says of links, as it never would: any bytes as datagrams, and sound messages of
-// any content and order. Whatever comes, a link stands under its own name, and no two have one
-// index.
+// What the kernel says of links, as it never would: any bytes as datagrams, or behind the header of
+// a sound message, in any order. Whatever comes, a link stands under its own name, and no two have
+// one index.
 #include "mrp/platform/linux/LinkTable.h"
 
 #include "tests/fuzz/script/Check.h"
@@ -18,56 +18,33 @@
 namespace {
 
 using namespace Fuzz;
-using Korv::U32;
+using namespace TestSupport;
 
 constexpr U32 ownPort = 77;
 
-template < class T >
-void append( Bytes & bytes, T const & what ) {
-   auto const * const from = reinterpret_cast< U8 const * >( &what );
-   bytes.insert( bytes.end(), from, from + sizeof what );
-}
-
-void appendAttribute( Bytes & bytes, Input & input ) {
-   constexpr unsigned short types[] = { IFLA_IFNAME,
-                                        IFLA_MTU,
-                                        IFLA_ADDRESS,
-                                        IFLA_PROTINFO,
-                                        IFLA_PROTINFO | NLA_F_NESTED,
-                                        IFLA_LINKINFO,
-                                        IFLA_MASTER,
-                                        0 };
-   unsigned short const type = types[input.byte() % std::size( types )];
-   Bytes const content = input.bytes( input.byte() % 20u );
-   append( bytes,
-           rtattr{ static_cast< unsigned short >( sizeof( rtattr ) + content.size() ), type } );
-   bytes.insert( bytes.end(), content.begin(), content.end() );
-   bytes.resize( ( bytes.size() + 3 ) / 4 * 4 );
-}
-
+// With a proper header, and any bytes for its attributes.
 Bytes message( Input & input, U32 sequence ) {
-   constexpr unsigned short types[] = { RTM_NEWLINK, RTM_NEWLINK, RTM_DELLINK,
-                                        NLMSG_DONE,  NLMSG_ERROR, RTM_NEWADDR };
+   constexpr U16 types[] = { RTM_NEWLINK, RTM_NEWLINK, RTM_DELLINK,
+                             NLMSG_DONE,  NLMSG_ERROR, RTM_NEWADDR };
    U8 const flags = input.byte();
-   nlmsghdr header{};
-   header.nlmsg_type = types[input.byte() % std::size( types )];
-   header.nlmsg_flags = static_cast< unsigned short >( ( flags & 1 ? NLM_F_MULTI : 0 ) |
-                                                       ( flags & 2 ? NLM_F_DUMP_INTR : 0 ) );
-   header.nlmsg_pid = flags & 4 ? 0 : ownPort;
-   header.nlmsg_seq = sequence - ( flags & 8 ? 1u : 0u );
-   Bytes bytes;
-   append( bytes, header );
-   ifinfomsg link{};
-   link.ifi_family = flags & 16 ? AF_BRIDGE : AF_UNSPEC;
-   link.ifi_type = ARPHRD_ETHER;
-   link.ifi_index = input.byte() % 6;
-   link.ifi_flags = flags & 32 ? IFF_UP : 0;
-   append( bytes, link );
-   for ( U32 count = input.byte() % 5u; count > 0; --count ) {
-      appendAttribute( bytes, input );
-   }
-   header.nlmsg_len = static_cast< U32 >( bytes.size() );
-   std::memcpy( bytes.data(), &header, sizeof header );
+   struct {
+      nlmsghdr header{};
+      ifinfomsg link{};
+   } start;
+   start.header.nlmsg_type = types[input.byte() % std::size( types )];
+   start.header.nlmsg_flags =
+      static_cast< U16 >( ( flags & 1 ? NLM_F_MULTI : 0 ) | ( flags & 2 ? NLM_F_DUMP_INTR : 0 ) );
+   start.header.nlmsg_pid = flags & 4 ? 0 : ownPort;
+   start.header.nlmsg_seq = sequence - ( flags & 8 ? 1u : 0u );
+   start.link.ifi_family = flags & 16 ? AF_BRIDGE : AF_UNSPEC;
+   start.link.ifi_type = ARPHRD_ETHER;
+   start.link.ifi_index = input.byte() % 6;
+   start.link.ifi_flags = flags & 32 ? IFF_UP : 0;
+   Bytes const attributes = input.bytes( input.byte() );
+   start.header.nlmsg_len = static_cast< U32 >( sizeof start + attributes.size() );
+   Bytes bytes( sizeof start );
+   std::memcpy( bytes.data(), &start, sizeof start );
+   put( bytes, attributes );
    return bytes;
 }
 

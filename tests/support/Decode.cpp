@@ -2,39 +2,14 @@
 
 #include <algorithm>
 #include <sstream>
+#include <utility>
 
 namespace TestSupport {
 
 namespace {
 
-struct Kind {
-   char const * name;
-   std::size_t size;
-   // Of the fields that step from one value of a vector to the next. They come first, and the first
-   // of them is the key.
-   unsigned stepping[2];
-   bool declares; // events of a listener behind the others
-
-   bool hasStream() const { return stepping[0] == 8; }
-};
-
-constexpr Kind noKind{ "?", 0, {}, false };
-
-Kind kindOf( Protocol protocol, U8 type ) {
-   static constexpr Kind mvrp[] = { noKind, { "vlan", 2, { 2 }, false } };
-   static constexpr Kind msrp[] = { noKind,
-                                    { "talker", 25, { 8, 6 }, false },
-                                    { "failed", 34, { 8, 6 }, false },
-                                    { "listener", 8, { 8 }, true },
-                                    { "domain", 4, { 1, 1 }, false } };
-   if ( protocol == Protocol::mvrp ) {
-      return type < std::size( mvrp ) ? mvrp[type] : noKind;
-   }
-   return type < std::size( msrp ) ? msrp[type] : noKind;
-}
-
 // The value i steps behind the FirstValue.
-Bytes stepped( Kind const & kind, Bytes const & first, U64 i ) {
+Bytes stepped( WireKind const & kind, Bytes const & first, U64 i ) {
    Bytes value;
    for ( unsigned const size : kind.stepping ) {
       put( value, number( first, value.size(), size ) + i, size );
@@ -52,9 +27,9 @@ class Reader {
       take( 6 );
       decoded_.from = take( 6 );
       U64 const type = take( 2 );
-      if ( type == etherType( Protocol::msrp ) ) {
-         decoded_.protocol = Protocol::msrp;
-      } else if ( type != etherType( Protocol::mvrp ) ) {
+      bool const isMsrp = type == etherType( Protocol::msrp );
+      decoded_.protocol = isMsrp ? Protocol::msrp : Protocol::mvrp;
+      if ( type != etherType( decoded_.protocol ) ) {
          fault( "type ", std::hex, type );
          return decoded_;
       }
@@ -91,10 +66,8 @@ class Reader {
    }
 
    Bytes takeBytes( std::size_t size ) {
-      Bytes bytes;
-      while ( bytes.size() < size && ok() ) {
-         bytes.push_back( static_cast< U8 >( take( 1 ) ) );
-      }
+      Bytes bytes( size );
+      std::ranges::generate( bytes, [&] { return static_cast< U8 >( ok() ? take( 1 ) : 0 ); } );
       return bytes;
    }
 
@@ -102,7 +75,7 @@ class Reader {
       DecodedMessage message;
       message.type = static_cast< U8 >( take( 1 ) );
       U64 const length = take( 1 );
-      Kind const kind = kindOf( decoded_.protocol, message.type );
+      WireKind const & kind = wireKind( decoded_.protocol, message.type );
       if ( !ok() || length != kind.size || kind.size == 0 ) {
          fault( "type ", unsigned{ message.type }, " with AttributeLength ", length );
          return;
@@ -120,7 +93,7 @@ class Reader {
       decoded_.messages.push_back( std::move( message ) );
    }
 
-   DecodedVector readVector( Kind const & kind ) {
+   DecodedVector readVector( WireKind const & kind ) {
       DecodedVector vector;
       U64 const header = take( 2 );
       Bytes const first = takeBytes( kind.size );
@@ -171,33 +144,29 @@ std::vector< Declared > Decoded::values() const {
 }
 
 std::string Decoded::text() const {
-   std::ostringstream out;
-   char const * apart = "";
+   std::string all;
+   auto const add = [&]( std::string const & apart, std::string const & text ) {
+      all += ( all.empty() || all.back() == '{' ? "" : apart ) + text;
+   };
    for ( DecodedMessage const & message : messages ) {
-      Kind const kind = kindOf( protocol, message.type );
-      out << apart << kind.name;
-      char const * before = "{";
+      WireKind const & kind = wireKind( protocol, message.type );
+      add( " ", std::string( kind.name ) + '{' );
       for ( DecodedVector const & vector : message.vectors ) {
-         out << before << ( vector.leaveAll ? "LeaveAll" : "" );
-         before = vector.leaveAll ? " " : "";
-         for ( Declared const & value : vector.values ) {
-            out << before << ( kind.hasStream() ? std::hex : std::dec )
-                << ( kind.hasStream() ? "0x" : "" ) << value.key << ' ' << name( value.event );
-            if ( kind.declares ) {
-               out << ' ' << name( value.declaration );
-            }
-            before = ", ";
+         std::string apart = "; ";
+         if ( vector.leaveAll ) {
+            add( std::exchange( apart, " " ), "LeaveAll" );
          }
-         before = "; ";
+         for ( Declared const & value : vector.values ) {
+            add( std::exchange( apart, ", " ), kind.text( value.key ) + ' ' + name( value.event ) );
+            all += kind.declares ? std::string( " " ) + name( value.declaration ) : "";
+         }
       }
-      out << '}';
-      apart = " ";
+      all += '}';
    }
    for ( std::string const & fault : faults ) {
-      out << apart << '!' << fault;
-      apart = " ";
+      add( " ", '!' + fault );
    }
-   return out.str();
+   return all;
 }
 
 Decoded decode( Bytes const & frame ) { return Reader( frame ).read(); }

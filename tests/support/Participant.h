@@ -19,6 +19,7 @@
 #include "tests/support/Mrpdu.h"
 #include "tests/support/RecordingLib.h"
 
+#include <map>
 #include <memory>
 
 namespace TestSupport {
@@ -107,15 +108,10 @@ class Participant {
    template < class Value >
    void declare( std::string const & interface, Value const & value, unsigned event,
                  std::vector< std::string > const & queued ) {
-      sendAttribute( interface, load( value ), event, queued );
+      lib_->txValueIs( Value::type, stored( value ) );
+      sendAttribute( interface, Value::type, event, queued );
    }
 
-   // Loads the Tx field; the attribute's type.
-   template < class Value >
-   U8 load( Value const & value ) {
-      lib_->txValueIs( Value::type, stored( value ) );
-      return Value::type;
-   }
    // mrpSendAttribute with whatever the Tx field holds.
    void sendAttribute( std::string const & interface, U8 type, unsigned event,
                        std::vector< std::string > const & queued );
@@ -149,15 +145,12 @@ class Participant {
    Memory::VirtualActivity & activity() { return *activity_; }
 
  private:
-   using Counts = std::vector< std::pair< std::string, U64 > >;
-   Counts counts() const;
-
    std::unique_ptr< Memory::VirtualActivity > ownActivity_;
    Memory::VirtualActivity * activity_;
    std::unique_ptr< Memory::Host > host_;
    Protocol protocol_;
    std::vector< SentFrame > sent_;
-   Counts counted_;
+   std::map< std::string, U64 > counted_;
    Korv::Ptr< RecordingLib > lib_;
    Korv::Ptr< Mrp::MrpConfig > config_;
    Korv::Ptr< Mrp::MrpStatus > status_;
