@@ -13,6 +13,13 @@ constexpr Korv::Seconds settledLeaveAllTime = 6;
 constexpr Korv::Seconds settledLeaveTime = 1.2;
 constexpr Korv::Seconds slack = 0.5; // for ticks and wires
 
+// Streams whose values change, and from where on those are that have one value.
+constexpr U64 firstChanging = 0x1000;
+constexpr U64 firstStream = 0x8000'0000'0000'0100;
+bool changes( Kind const & kind ) {
+   return kind.attributeKey() >= firstChanging && kind.attributeKey() < firstStream;
+}
+
 } // namespace
 
 Scene::Scene( Mrp::MrpApplication application, U64 seed )
@@ -28,7 +35,7 @@ void Scene::run() {
 }
 
 void Scene::build() {
-   buildAttributes();
+   buildKinds();
    // A pair, hosts on one segment, or a chain whose inner agents have two ports and may bridge.
    enum Shape { pair, shared, chain, bridges };
    Shape const shape = random_.oneOf( { pair, pair, pair, pair, shared, chain, chain, bridges } );
@@ -50,9 +57,6 @@ void Scene::build() {
                                                      agents_[j]->ports().front() ) );
       }
    }
-   for ( Attribute & attribute : attributes_ ) {
-      attribute.home = random_.oneOf( ports_ );
-   }
    for ( Port * const port : ports_ ) {
       if ( random_.chance( 0.9 ) ) {
          port->agent->enabledIs( *port, true );
@@ -62,25 +66,24 @@ void Scene::build() {
 
 // Neighbours share vectors, and in a vector the FirstValue speaks for all: values that change stand
 // apart from all others.
-void Scene::buildAttributes() {
+void Scene::buildKinds() {
    U32 const many = random_.chance( 0.1 ) ? 60 : 6;
    valuesSettle_ = many == 6;
    U32 const run = 1 + random_.below( many );
    U32 const apart = random_.below( many );
    bool const isMvrp = application_ == Mrp::MVRP;
    for ( U8 type = 1; type <= ( isMvrp ? vlanType : listenerType ); ++type ) {
-      U64 const first = isMvrp ? 1 + random_.below( 4000 ) : 0x8000'0000'0000'0100;
+      U64 const first = isMvrp ? 1 + random_.below( 4000 ) : firstStream;
       for ( U64 i = 0; i < run; ++i ) {
-         attributes_.push_back( { Kind( type, first + i ) } );
+         kinds_.emplace_back( type, first + i );
       }
       for ( U64 i = 0; i < apart; ++i ) {
-         U64 const key = isMvrp ? 1 + random_.below( 4095 ) : 0x1000 + 16 * i;
-         attributes_.push_back( { Kind( type, key ), !isMvrp } );
+         kinds_.emplace_back( type, isMvrp ? 1 + random_.below( 4095 ) : firstChanging + 16 * i );
       }
    }
    if ( !isMvrp ) {
-      attributes_.push_back( { Kind( domainType, 5 ) } );
-      attributes_.push_back( { Kind( domainType, 6 ) } );
+      kinds_.emplace_back( domainType, 5 );
+      kinds_.emplace_back( domainType, 6 );
    }
 }
 
@@ -96,9 +99,9 @@ Agent::Setting Scene::buildSetting( U32 number, U32 ports ) {
       random_.oneOf( { Mtu( 1500 ), Mtu( 1500 ), Mtu(), Mtu( 9000 ), Mtu( 300 ), Mtu( 1 ) } );
    valuesSettle_ = valuesSettle_ && setting.mtu.value_or( 1500 ) >= 1500;
    setting.refuses = random_.chance( 0.3 );
-   for ( Attribute const & attribute : attributes_ ) {
-      if ( setting.refuses && !attribute.changes && random_.chance( 0.2 ) ) {
-         setting.refused.insert( attribute.kind );
+   for ( Kind const & kind : kinds_ ) {
+      if ( setting.refuses && !changes( kind ) && random_.chance( 0.2 ) ) {
+         setting.refused.insert( kind );
       }
    }
    return setting;
@@ -140,25 +143,24 @@ void Scene::operate() {
    case 6: agent.wakeUp(); break;
    case 7: sayMuch( port ); break;
    case 8: agent.cleanUp( port ); break;
-   case 9: agent.cleanUpAttribute( port, anyAttribute().kind ); break;
+   case 9: agent.cleanUpAttribute( port, anyKind() ); break;
    default: agent.sm().mrpPamSm()->transmitAllLeaveAll( port.intfId ); break;
    }
 }
 
 // A few of them meet again and again.
-Scene::Attribute const & Scene::anyAttribute() {
-   std::size_t const few = std::min< std::size_t >( attributes_.size(), 3 );
-   return attributes_[random_.below( random_.chance( 0.5 ) ? few : attributes_.size() )];
+Kind const & Scene::anyKind() {
+   std::size_t const few = std::min< std::size_t >( kinds_.size(), 3 );
+   return kinds_[random_.below( random_.chance( 0.5 ) ? few : kinds_.size() )];
 }
 
-void Scene::say( Port & port, Attribute const & attribute, unsigned event, U32 times ) {
+void Scene::say( Port & port, Kind const & kind, unsigned event, U32 times ) {
    Agent & agent = *port.agent;
-   Kind const & kind = attribute.kind;
-   U32 const variant = attribute.changes ? random_.below( 3 ) : 0;
+   U64 const key = kind.attributeKey();
+   U32 const variant = changes( kind ) ? random_.below( 3 ) : 0;
    if ( !agent.bridges() && !agent.mayRefuse( kind ) &&
-        ( !attribute.changes || attribute.home == &port ) ) {
-      Bytes const value =
-         storedValue( agent.protocol(), kind.attributeType(), kind.attributeKey(), variant );
+        ( !changes( kind ) || ports_[key / 16 % ports_.size()] == &port ) ) {
+      Bytes const value = storedValue( agent.protocol(), kind.attributeType(), key, variant );
       agent.send( port, kind, value, event, times );
    }
 }
@@ -168,14 +170,14 @@ void Scene::sayAnything( Port & port ) {
    unsigned const event = random_.oneOf(
       { 0u, 1u, 1u, 1u, 1u, 3u, 3u, 5u, 5u, 5u, 6u, 7u, random_.oneOf( { 2u, 4u, 8u, 255u } ) } );
    U32 const times = random_.oneOf( { 0u, 1u, 1u, 1u, 1u, 1u, 1u, 1u, 2u } );
-   say( port, anyAttribute(), event, times );
+   say( port, anyKind(), event, times );
 }
 
 void Scene::sayMuch( Port & port ) {
    unsigned const event = random_.oneOf( { 1u, 1u, 5u } );
    U32 const step = 1 + random_.below( 2 );
-   for ( auto i = random_.below( attributes_.size() ); i < attributes_.size(); i += step ) {
-      say( port, attributes_[i], event );
+   for ( auto i = random_.below( kinds_.size() ); i < kinds_.size(); i += step ) {
+      say( port, kinds_[i], event );
    }
 }
 
@@ -232,13 +234,8 @@ void Scene::settle() {
       config.mrpFloodingIs( false );
    }
    for ( Port * const port : ports_ ) {
-      Agent & agent = *port->agent;
-      if ( random_.chance( 0.2 ) ) {
-         agent.config().intfLeaveTimeIs( port->intfId, 0.8 );
-         agent.config().intfLeaveAllTimeIs( port->intfId, leaveAllTime_ );
-      }
       if ( !port->enabled && random_.chance( 0.8 ) ) {
-         agent.enabledIs( *port, true );
+         port->agent->enabledIs( *port, true );
       }
       if ( random_.chance( 0.8 ) ) {
          plug( *port, true );
@@ -256,7 +253,7 @@ void Scene::checkAll() {
    for ( Port * const port : ports_ ) {
       checkAlways( *port, 1.5 * leaveAllTime_ );
       std::string const & fault = port->agent->fault();
-      require( fault.empty(), *port, " or another of its agent has sent or been told ", fault );
+      require( fault.empty(), *port, ": ", fault );
    }
 }
 
@@ -315,7 +312,6 @@ void Scene::verify() {
 
    leaveAllTime_ = 1e6;
    for ( auto const & agent : agents_ ) {
-      agent->config().intfLeaveAllTimeDelAll();
       agent->config().leaveAllTimeIs( leaveAllTime_ );
    }
    converge( 5 );

@@ -24,26 +24,20 @@ class Scene {
    void run();
 
  private:
-   struct Attribute {
-      Kind kind;
-      // Where the value changes there is one port that ever declares it. All others have one value
-      // for all: several declarers' values would overwrite each other.
-      bool changes = false;
-      Port const * home = nullptr;
-   };
-
    void build();
-   void buildAttributes();
+   void buildKinds();
    Agent::Setting buildSetting( U32 number, U32 ports );
    void disturb();
    void operate();
    void settle();
    void verify();
 
-   Attribute const & anyAttribute();
+   Kind const & anyKind();
    void sayAnything( Port & port );
    void sayMuch( Port & port );
-   void say( Port & port, Attribute const & attribute, unsigned event, U32 times = 1 );
+   // Where the value changes there is one port that ever declares it. All others have one value for
+   // all: several declarers' values would overwrite each other.
+   void say( Port & port, Kind const & kind, unsigned event, U32 times = 1 );
    void plug( Port & port, bool in );
 
    void phaseIs( Phase phase );
@@ -61,7 +55,7 @@ class Scene {
    std::vector< Port * > ports_; // of all agents
    Link::Faults faults_;
    std::vector< std::unique_ptr< Link > > links_;
-   std::vector< Attribute > attributes_;
+   std::vector< Kind > kinds_;       // the attributes that there are
    bool valuesSettle_ = true;        // two ports a segment, and a frame for all that they declare
    Korv::Seconds leaveAllTime_ = 60; // the longest that is or was configured
 };

@@ -31,13 +31,7 @@ U64 seeds = 1000;
 #endif
 U64 firstSeed = 1;
 
-// Repeats the seed at hand; global for when that ends in an assertion.
-std::string repeatCommand;
-
-// Throws a Violation.
 void runSeed( Mrp::MrpApplication application, U64 seed ) {
-   repeatCommand = "   tests-simulation --gtest_filter='*/" + Mrp::stringValue( application ) +
-                   "' --first-seed=" + std::to_string( seed ) + " --seeds=1 --trace\n";
    Scene( application, seed ).run();
    if ( U32 const left = Pelk::globalPktManager().pkts() ) {
       throw Violation( std::to_string( left ) + " packets are left" );
@@ -52,11 +46,11 @@ std::vector< std::string > traceOf( Mrp::MrpApplication application, U64 seed ) 
 
 // Ends the process, with 0 if all seeds pass.
 void runSeeds( Mrp::MrpApplication application ) {
-   Korv::assertionHandlerIs( []( char const * text ) {
-      std::cout << "asserted: " << text << '\n' << repeatCommand << std::flush;
-   } );
+   static U64 seed; // for when it ends in an assertion
+   Korv::assertionHandlerIs(
+      []( char const * text ) { std::cout << "seed " << seed << ": " << text << std::endl; } );
    U64 failed = 0;
-   for ( U64 seed = firstSeed; seed < firstSeed + seeds; ++seed ) {
+   for ( seed = firstSeed; seed < firstSeed + seeds; ++seed ) {
       try {
          runSeed( application, seed );
          // A seed has one trace, which a few are enough to show.
@@ -64,7 +58,7 @@ void runSeeds( Mrp::MrpApplication application ) {
             throw Violation( "two traces" );
          }
       } catch ( Violation const & violation ) {
-         std::cout << "seed " << seed << ": " << violation.what() << '\n' << repeatCommand;
+         std::cout << "seed " << seed << ": " << violation.what() << '\n';
          ++failed;
       }
    }

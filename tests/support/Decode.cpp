@@ -27,9 +27,8 @@ class Reader {
       take( 6 );
       decoded_.from = take( 6 );
       U64 const type = take( 2 );
-      bool const isMsrp = type == etherType( Protocol::msrp );
-      decoded_.protocol = isMsrp ? Protocol::msrp : Protocol::mvrp;
-      if ( type != etherType( decoded_.protocol ) ) {
+      isMsrp_ = type == etherType( Protocol::msrp );
+      if ( !isMsrp_ && type != etherType( Protocol::mvrp ) ) {
          fault( "type ", std::hex, type );
          return decoded_;
       }
@@ -71,39 +70,49 @@ class Reader {
       return bytes;
    }
 
-   void readMessage() {
-      DecodedMessage message;
-      message.type = static_cast< U8 >( take( 1 ) );
-      U64 const length = take( 1 );
-      WireKind const & kind = wireKind( decoded_.protocol, message.type );
-      if ( !ok() || length != kind.size || kind.size == 0 ) {
-         fault( "type ", unsigned{ message.type }, " with AttributeLength ", length );
-         return;
-      }
-      bool const isMsrp = decoded_.protocol == Protocol::msrp;
-      U64 const listLength = isMsrp ? take( 2 ) : 0;
-      std::size_t const start = at_;
-      do {
-         message.vectors.push_back( readVector( kind ) );
-      } while ( ok() && peek() != 0 );
-      take( 2 );
-      if ( ok() && isMsrp && at_ - start != listLength ) {
-         fault( "AttributeListLength ", listLength, " of a list of ", at_ - start );
-      }
-      decoded_.messages.push_back( std::move( message ) );
+   void say( std::string const & apart, std::string const & text ) {
+      std::string & said = decoded_.said;
+      said += ( said.empty() || said.back() == '{' ? "" : apart ) + text;
    }
 
-   DecodedVector readVector( WireKind const & kind ) {
-      DecodedVector vector;
+   void readMessage() {
+      U64 const type = take( 1 );
+      U64 const length = take( 1 );
+      Protocol const protocol = isMsrp_ ? Protocol::msrp : Protocol::mvrp;
+      WireKind const & kind = wireKind( protocol, static_cast< U8 >( type ) );
+      if ( !ok() || length != kind.size || kind.size == 0 ) {
+         fault( "type ", type, " with AttributeLength ", length );
+         return;
+      }
+      if ( type < std::exchange( lastType_, type ) ) {
+         fault( "type ", type, " behind a higher one" );
+      }
+      say( " ", std::string( kind.name ) + '{' );
+      U64 const listLength = isMsrp_ ? take( 2 ) : 0;
+      std::size_t const start = at_;
+      do {
+         readVector( kind );
+      } while ( ok() && peek() != 0 );
+      take( 2 );
+      if ( ok() && isMsrp_ && at_ - start != listLength ) {
+         fault( "AttributeListLength ", listLength, " of a list of ", at_ - start );
+      }
+      decoded_.said += '}';
+   }
+
+   void readVector( WireKind const & kind ) {
       U64 const header = take( 2 );
       Bytes const first = takeBytes( kind.size );
       U64 const n = header & 0x1fff;
-      vector.leaveAll = ( header & 0x2000 ) != 0;
+      bool const isLeaveAll = ( header & 0x2000 ) != 0;
+      std::string apart = "; ";
+      if ( isLeaveAll ) {
+         say( std::exchange( apart, " " ), "LeaveAll" );
+      }
       if ( ( header & 0xc000 ) != 0 ) {
          fault( "bits 15 and 14 of a VectorHeader" );
       }
-      if ( n == 0 &&
-           ( !vector.leaveAll || std::ranges::any_of( first, []( U8 b ) { return b != 0; } ) ) ) {
+      if ( n == 0 && ( !isLeaveAll || first != Bytes( kind.size ) ) ) {
          fault( "a vector of no values that is no LeaveAll with a FirstValue of zeros" );
       }
       Bytes const three = takeBytes( ( n + 2 ) / 3 );
@@ -117,54 +126,29 @@ class Reader {
          value.value = stepped( kind, first, i );
          value.key = number( value.value, 0, kind.stepping[0] );
          value.event = static_cast< Event >( three[i / 3] / places[i % 3] % 6 );
+         say( std::exchange( apart, ", " ), kind.text( value.key ) + ' ' + name( value.event ) );
          if ( kind.declares ) {
             value.declaration =
                static_cast< Declaration >( four[i / 4] >> ( 6 - 2 * ( i % 4 ) ) & 3 );
+            say( " ", name( value.declaration ) );
          }
-         vector.values.push_back( std::move( value ) );
+         decoded_.declared.push_back( std::move( value ) );
       }
-      return vector;
    }
 
    Bytes const & frame_;
    std::size_t at_ = 0;
+   bool isMsrp_ = false;
+   U64 lastType_ = 0;
    Decoded decoded_;
 };
 
 } // namespace
 
-std::vector< Declared > Decoded::values() const {
-   std::vector< Declared > all;
-   for ( DecodedMessage const & message : messages ) {
-      for ( DecodedVector const & vector : message.vectors ) {
-         all.insert( all.end(), vector.values.begin(), vector.values.end() );
-      }
-   }
-   return all;
-}
-
 std::string Decoded::text() const {
-   std::string all;
-   auto const add = [&]( std::string const & apart, std::string const & text ) {
-      all += ( all.empty() || all.back() == '{' ? "" : apart ) + text;
-   };
-   for ( DecodedMessage const & message : messages ) {
-      WireKind const & kind = wireKind( protocol, message.type );
-      add( " ", std::string( kind.name ) + '{' );
-      for ( DecodedVector const & vector : message.vectors ) {
-         std::string apart = "; ";
-         if ( vector.leaveAll ) {
-            add( std::exchange( apart, " " ), "LeaveAll" );
-         }
-         for ( Declared const & value : vector.values ) {
-            add( std::exchange( apart, ", " ), kind.text( value.key ) + ' ' + name( value.event ) );
-            all += kind.declares ? std::string( " " ) + name( value.declaration ) : "";
-         }
-      }
-      all += '}';
-   }
+   std::string all = said;
    for ( std::string const & fault : faults ) {
-      add( " ", '!' + fault );
+      all += ( all.empty() ? "!" : " !" ) + fault;
    }
    return all;
 }

@@ -108,10 +108,14 @@ class Participant {
    template < class Value >
    void declare( std::string const & interface, Value const & value, unsigned event,
                  std::vector< std::string > const & queued ) {
-      lib_->txValueIs( Value::type, stored( value ) );
-      sendAttribute( interface, Value::type, event, queued );
+      sendAttribute( interface, load( value ), event, queued );
    }
-
+   // Loads the Tx field; the attribute's type.
+   template < class Value >
+   U8 load( Value const & value ) {
+      lib_->txValueIs( Value::type, stored( value ) );
+      return Value::type;
+   }
    // mrpSendAttribute with whatever the Tx field holds.
    void sendAttribute( std::string const & interface, U8 type, unsigned event,
                        std::vector< std::string > const & queued );
