@@ -5,7 +5,8 @@
 #include "mrp/machines/MrpRegistrarSm.h"
 
 #include "tests/fuzz/script/Check.h"
-#include "tests/fuzz/script/Input.h"
+
+#include <span>
 
 namespace Fuzz {
 
@@ -22,6 +23,27 @@ constexpr std::size_t frameBytesMax = 1600;
 constexpr std::size_t attributesMax = 400;
 constexpr int reactionsMax = 200;
 constexpr double timeMax = 30;
+
+// Taken from the front. Bytes that are missing count as 0.
+class Input {
+ public:
+   explicit Input( std::span< U8 const > bytes ) : bytes_( bytes ) {}
+
+   bool empty() const { return bytes_.empty(); }
+   U8 byte() { return empty() ? U8{ 0 } : bytes( 1 )[0]; }
+   U16 two() {
+      unsigned const high = byte();
+      return static_cast< U16 >( high << 8 | byte() );
+   }
+   Bytes bytes( std::size_t count ) {
+      auto const front = bytes_.first( std::min( count, bytes_.size() ) );
+      bytes_ = bytes_.subspan( front.size() );
+      return Bytes( front.begin(), front.end() );
+   }
+
+ private:
+   std::span< U8 const > bytes_;
+};
 
 class Run {
  public:
