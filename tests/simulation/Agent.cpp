@@ -33,7 +33,7 @@ void Agent::handleFrame( Pelk::IntfId intfId, Bytes const & frame ) {
    if ( ++frames_ > 500'000 ) {
       throw Violation( intfId.stringValue() + " sends without end" );
    }
-   bool const isSound = read.faults.empty() && frame.size() <= 1514;
+   bool const isSound = read.faults.empty() && read.typesAscend && frame.size() <= 1514;
    bool const mayBeCut = protocol() == Protocol::mvrp && phase_ == Phase::disturbed;
    if ( !isSound && !mayBeCut && fault_.empty() ) {
       fault_ = intfId.stringValue() + " sends " + read.text() + " [" + hex( frame ) + ']';

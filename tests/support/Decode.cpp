@@ -84,9 +84,7 @@ class Reader {
          fault( "type ", type, " with AttributeLength ", length );
          return;
       }
-      if ( type < std::exchange( lastType_, type ) ) {
-         fault( "type ", type, " behind a higher one" );
-      }
+      decoded_.typesAscend &= type >= std::exchange( lastType_, type );
       say( " ", std::string( kind.name ) + '{' );
       U64 const listLength = isMsrp_ ? take( 2 ) : 0;
       std::size_t const start = at_;

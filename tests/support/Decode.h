@@ -19,6 +19,7 @@ struct Decoded {
    std::vector< Declared > declared;
    std::string said; // the text without the faults
    std::vector< std::string > faults;
+   bool typesAscend = true; // a frame whose types do not is sound, too
 
    // All values of all vectors, in the order of the frame.
    std::vector< Declared > values() const { return declared; }
