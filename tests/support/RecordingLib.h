@@ -35,8 +35,7 @@ class RecordingLib : public Mrp::MrpLib {
    // Off, nothing is written down.
    bool recording = true;
 
-   // The calls of the virtual mutators of a listener's and a domain's Rx and Tx fields, by name, in
-   // their order.
+   // The calls of the virtual mutators of MSRP's Rx and Tx fields, by name, in order.
    std::vector< std::string > mutatorCalls;
    bool countingMutators = false;
 
@@ -50,6 +49,22 @@ class RecordingLib : public Mrp::MrpLib {
    }
    void mrpLeaveIndication( Mrp::MrpParameters const & parameters ) override {
       handled( false, parameters );
+   }
+   void msrpTalkerAdvertiseRxIs( Mrp::MsrpTalkerAdvertiseAttribute const & v ) override {
+      note( "msrpTalkerAdvertiseRxIs" );
+      MrpLib::msrpTalkerAdvertiseRxIs( v );
+   }
+   void msrpTalkerAdvertiseTxIs( Mrp::MsrpTalkerAdvertiseAttribute const & v ) override {
+      note( "msrpTalkerAdvertiseTxIs" );
+      MrpLib::msrpTalkerAdvertiseTxIs( v );
+   }
+   void msrpTalkerFailedRxIs( Mrp::MsrpTalkerFailedAttribute const & v ) override {
+      note( "msrpTalkerFailedRxIs" );
+      MrpLib::msrpTalkerFailedRxIs( v );
+   }
+   void msrpTalkerFailedTxIs( Mrp::MsrpTalkerFailedAttribute const & v ) override {
+      note( "msrpTalkerFailedTxIs" );
+      MrpLib::msrpTalkerFailedTxIs( v );
    }
    void msrpListenerVectorRxIs( Mrp::MsrpListenerAttribute const & v ) override {
       note( "msrpListenerVectorRxIs" );
