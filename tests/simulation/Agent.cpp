@@ -75,8 +75,9 @@ void Agent::propagate( Kind const & kind ) {
 
 void Agent::send( Port & port, Kind const & kind, Bytes const & value, unsigned event, U32 times ) {
    U8 const type = kind.attributeType();
-   Mrp::trace( 8, port.intfId, " is told to send ", event, " of type ", type, " key ",
-               kind.attributeKey() );
+   WireKind const & words = wireKind( protocol(), type );
+   Mrp::trace( 8, port.intfId, " is told to send ", event, " of ", words.name, ' ',
+               words.text( kind.attributeKey() ) );
    lib().txValueIs( type, value );
    std::string const & name = port.intfId.stringValue();
    sendAttribute( name, type, event, { times, name } );
