@@ -1,224 +1,175 @@
 #include "tests/simulation/Agent.h"
 
 #include "mrp/frame/MrpPamSm.h"
+#include "mrp/observability/Trace.h"
 
 #include <algorithm>
 
 namespace Simulation {
 
-std::ostream & operator<<( std::ostream & out, Name const & name ) {
-   return out << Agent::interface( name.port ) << " type " << unsigned( name.kind.type )
-              << " key 0x" << std::hex << name.kind.key << std::dec;
+Agent::Agent( Mrp::MrpApplication application, Setting const & setting,
+              Memory::VirtualActivity & activity )
+   : Participant( application, setting.interfaces,
+                  { .enabled = false,
+                    .standby = setting.standby,
+                    .randomLeaveAll = true,
+                    .mtu = setting.mtu,
+                    .activity = &activity } ),
+     setting_( setting ) {
+   for ( std::string const & name : setting.interfaces ) {
+      ports_.push_back( { this, Pelk::IntfId( name ) } );
+   }
+   host().onTransmit( [this]( Pelk::IntfId const & intfId, Memory::FrameBytes frame ) {
+      handleFrame( intfId, { frame.begin(), frame.end() } );
+   } );
+   lib().refuse = [this]( Indication const & i ) { return refuses( { i.type, i.key } ); };
+   lib().react = [this]( Indication const & i ) { handleIndication( i ); };
 }
 
-Agent::Agent( Setting const & setting, Memory::VirtualActivity & activity, std::ostream * words )
-   : setting_( setting ), words_( words ), ports_( setting.ports ) {
-   Participant::Options options;
-   options.enabled = false;
-   options.standby = setting.standby;
-   options.randomLeaveAll = true;
-   options.mtu = setting.mtu;
-   options.activity = &activity;
-   std::vector< std::string > interfaces;
-   for ( U32 port = 0; port < ports(); ++port ) {
-      interfaces.push_back( interface( port ) );
-   }
-   participant_ = std::make_unique< Participant >( setting.application, interfaces, options );
-   participant_->host().onTransmit(
-      [this]( Pelk::IntfId const & intfId, Memory::FrameBytes frame ) {
-         handleFrame( intfId.stringValue(), { frame.begin(), frame.end() } );
-      } );
-   RecordingLib & lib = participant_->lib();
-   lib.refuse = [this]( Indication const & i ) { return refuses( { i.type, i.key } ); };
-   lib.react = [this]( Indication const & i ) { handleIndication( i ); };
-}
-
-void Agent::note( std::string const & text ) const {
-   if ( words_ ) {
-      *words_ << Korv::now() << " agent " << number() << ' ' << text << '\n';
-   }
-}
-
-void Agent::handleFrame( std::string const & interface, Bytes const & frame ) {
-   if ( words_ ) {
-      note( interface + ": " + says( frame ) + " [" + hex( frame ) + ']' );
-   }
+void Agent::handleFrame( Pelk::IntfId intfId, Bytes const & frame ) {
+   Decoded const read = decode( frame );
+   Mrp::trace( 8, intfId, " sends ", read.text() );
    // Agents that answer each other without end would stop the clock.
    if ( ++frames_ > 500'000 ) {
-      throw Violation( "agent " + std::to_string( number() ) + " sends without end" );
+      throw Violation( intfId.stringValue() + " sends without end" );
    }
-   if ( !setting_.readsFrames || !frameFault_.empty() ) {
-      return;
-   }
-   Decoded const read = decode( frame );
-   bool const ascends = std::ranges::is_sorted( read.messages, {}, &DecodedMessage::type );
-   if ( !read.faults.empty() || !ascends || frame.size() > 1514 ) {
-      frameFault_ = read.text() + " [" + hex( frame ) + ']';
+   bool const isSound = read.faults.empty() && read.typesAscend && frame.size() <= 1514;
+   bool const mayBeCut = protocol() == Protocol::mvrp && phase_ == Phase::disturbed;
+   if ( !isSound && !mayBeCut && fault_.empty() ) {
+      fault_ = intfId.stringValue() + " sends " + read.text() + " [" + hex( frame ) + ']';
    }
 }
 
 void Agent::handleIndication( Indication const & indication ) {
-   participant_->lib().indications.clear();
-   note( indication.text( participant_->protocol() ) );
-   Kind const kind{ indication.type, indication.key };
-   Name const name{ portOf( Pelk::IntfId( indication.interface ) ), kind };
+   lib().indications.clear();
+   Mrp::trace( 8, indication.text( protocol() ) );
+   Kind const kind( indication.type, indication.key );
+   Port & port = *std::ranges::find( ports_, Pelk::IntfId( indication.interface ), &Port::intfId );
+   std::size_t const before = port.told.size();
    if ( indication.join && !refuses( kind ) ) {
-      changesTold_ += !told_.contains( name );
-      told_[name] = indication.value;
-      if ( kind.key == 0 ) {
-         keyZero_.insert( name );
-      }
+      port.told[kind] = indication.value; // again and again: a domain's, a New, another value's
    } else {
-      changesTold_ += told_.erase( name );
+      port.told.erase( kind );
+   }
+   if ( port.told.size() != before && phase_ == Phase::settled ) {
+      fault_ = "a change when all should have settled: " + indication.text( protocol() );
    }
    propagate( kind );
 }
 
 void Agent::propagate( Kind const & kind ) {
-   for ( U32 port = 0; bridges() && port < 2; ++port ) {
-      Name const name{ port, kind };
-      auto const there = told_.find( { 1 - port, kind } );
-      auto const here = declared_.find( name );
-      Bytes const value = there != told_.end() ? there->second : Bytes();
-      if ( there == told_.end() && here != declared_.end() ) {
-         send( name, Bytes( here->second ), Lv );
-      } else if ( there != told_.end() && !mayRefuse( kind ) &&
-                  ( here == declared_.end() || here->second != value ) ) {
-         send( name, value, JoinIn );
+   for ( std::size_t i = 0; bridges() && i < 2; ++i ) {
+      Port & here = ports_[i];
+      Port & there = ports_[1 - i];
+      auto const own = here.declared.find( kind );
+      bool const isOwn = own != here.declared.end();
+      auto const told = there.told.find( kind );
+      if ( told == there.told.end() && isOwn ) {
+         send( here, kind, Bytes( own->second ), Lv );
+      } else if ( told != there.told.end() && !mayRefuse( kind ) &&
+                  ( !isOwn || own->second != told->second ) ) {
+         send( here, kind, Bytes( told->second ), JoinIn );
       }
    }
 }
 
-void Agent::propagateAll() {
-   std::set< Kind > kinds;
-   for ( Book const * const book : { &told_, &declared_ } ) {
-      for ( auto const & [name, value] : *book ) {
-         kinds.insert( name.kind );
-      }
-   }
-   for ( Kind const & kind : kinds ) {
-      propagate( kind );
-   }
-}
-
-void Agent::send( Name const & name, Bytes const & value, unsigned event, U32 times ) {
-   std::string const on = interface( name.port );
-   note( "sends " + std::to_string( event ) + " of type " + std::to_string( name.kind.type ) +
-         " key " + std::to_string( name.kind.key ) + " to " + on );
-   participant_->lib().txValueIs( name.kind.type, value );
-   participant_->sendAttribute( on, name.kind.type, event, { times, on } );
+void Agent::send( Port & port, Kind const & kind, Bytes const & value, unsigned event, U32 times ) {
+   U8 const type = kind.attributeType();
+   WireKind const & words = wireKind( protocol(), type );
+   Mrp::trace( 8, port.intfId, " is told to send ", event, " of ", words.name, ' ',
+               words.text( kind.attributeKey() ) );
+   lib().txValueIs( type, value );
+   std::string const & name = port.intfId.stringValue();
+   sendAttribute( name, type, event, { times, name } );
    if ( times == 0 ) {
       return;
    }
    if ( event == New || event == JoinIn || event == JoinMt ) {
-      declared_[name] = value;
+      port.declared[kind] = value;
    } else if ( event == Lv || event == Mrp::lvInternal ) {
-      declared_.erase( name );
+      port.declared.erase( kind );
    }
    if ( event == Mrp::lvInternal ) {
-      told_.erase( name );
-      propagate( name.kind );
-   }
-}
-
-void Agent::sweep( Book & book, U32 port ) {
-   ports_[port].swept = true;
-   std::erase_if( book, [&]( auto const & entry ) { return entry.first.port == port; } );
-}
-
-void Agent::sweepAll( U32 port ) {
-   sweep( declared_, port );
-   sweep( told_, port );
-   propagateAll();
-}
-
-void Agent::enabledIs( U32 port, bool enabled ) {
-   note( ( enabled ? "enables " : "disables " ) + interface( port ) );
-   ports_[port].enabled = enabled;
-   if ( enabled ) {
-      participant_->lib().mrpInterfaceEnable( intfId( port ) );
-   } else {
-      participant_->lib().mrpInterfaceDisable( intfId( port ) );
-      sweepAll( port );
-   }
-}
-
-void Agent::cleanUp( U32 port ) {
-   note( "cleans up " + interface( port ) );
-   participant_->lib().mrpCleanUpIntfDatabase( intfId( port ) );
-   sweepAll( port );
-}
-
-// Removes what has been committed; an attribute that waits to be is out of its reach.
-void Agent::cleanUpAttribute( Name const & name ) {
-   Kind const kind = name.kind;
-   auto const found = participant_->attribute( interface( name.port ), kind.type, kind.key );
-   note( "cleans up one attribute on " + interface( name.port ) );
-   participant_->lib().mrpCleanUpIntfDatabaseAttribute( intfId( name.port ), kind.type, kind.key );
-   if ( found && found->committed ) {
-      ports_[name.port].swept = true;
-      declared_.erase( name );
-      told_.erase( name );
+      port.told.erase( kind );
       propagate( kind );
    }
 }
 
-void Agent::transmitAllLeaveAll( U32 port ) {
-   note( "transmits all LeaveAll on " + interface( port ) );
-   sm().mrpPamSm()->transmitAllLeaveAll( intfId( port ) );
+void Agent::sweep( Port & port, bool declarationsToo ) {
+   port.swept = true;
+   Book gone = std::exchange( port.told, {} );
+   if ( declarationsToo ) {
+      gone.merge( std::exchange( port.declared, {} ) );
+   }
+   for ( auto const & [kind, value] : gone ) {
+      propagate( kind );
+   }
+}
+
+void Agent::enabledIs( Port & port, bool enabled ) {
+   port.enabled = enabled;
+   if ( enabled ) {
+      lib().mrpInterfaceEnable( port.intfId );
+   } else {
+      lib().mrpInterfaceDisable( port.intfId );
+      sweep( port, true );
+   }
+}
+
+void Agent::cleanUp( Port & port ) {
+   lib().mrpCleanUpIntfDatabase( port.intfId );
+   sweep( port, true );
+}
+
+// Removes what has been committed; an attribute that waits to be is out of its reach.
+void Agent::cleanUpAttribute( Port & port, Kind const & kind ) {
+   auto const [type, key] = std::pair( kind.attributeType(), kind.attributeKey() );
+   auto const found = attribute( port.intfId.stringValue(), type, key );
+   lib().mrpCleanUpIntfDatabaseAttribute( port.intfId, type, key );
+   if ( found && found->committed ) {
+      port.swept = true;
+      port.declared.erase( kind );
+      port.told.erase( kind );
+      propagate( kind );
+   }
 }
 
 // Frames that came in standby still wait. Each new arrival would read one of them, and the
 // participant would be that many frames behind for ever; so its agent reads them first.
-void Agent::endStandby() {
-   if ( !standby() ) {
-      return;
-   }
-   note( "ends standby" );
+void Agent::wakeUp() {
    setting_.standby = false;
-   sm().standbyModeIs( false );
-   sm().handleStandbyMode();
-   for ( U32 port = 0; port < ports(); ++port ) {
-      auto * const pam = participant_->host().pam( intfId( port ) );
+   endStandby();
+   for ( Port const & port : ports_ ) {
+      auto * const pam = host().pam( port.intfId );
       while ( pam && pam->hasDataOnSocket() ) {
-         sm().mrpPamSm()->mrpIntfPamSm( intfId( port ) )->handleMrpdu();
+         sm().mrpPamSm()->mrpIntfPamSm( port.intfId )->handleMrpdu();
       }
    }
 }
 
-void Agent::refusesIs( bool refuses ) {
-   note( refuses ? "refuses joins" : "refuses nothing" );
-   setting_.refuses = refuses;
-}
-
-void Agent::roleIs( U32 port, Role role ) {
-   auto * const tree =
-      participant_->host().stpStatus()->stpiStatusIs( "Rstp" )->mstiStatusIs( "Cist" );
-   auto const * const record = tree->mstiPortStatus( interface( port ) );
+void Agent::roleIs( Port & port, Role role ) {
+   auto * const tree = host().stpStatus()->stpiStatusIs( "Rstp" )->mstiStatusIs( "Cist" );
+   auto const * const record = tree->mstiPortStatus( port.intfId.stringValue() );
    if ( record && record->role() == role ) {
       return;
    }
-   note( interface( port ) + " has role " + Korv::stringValue( role ) );
-   Role const seen = ports_[port].roleSeen;
-   bool const flushes = enabled( port ) && !standby() && role == Role::alternate &&
-                        ( seen == Role::root || seen == Role::designated );
-   if ( enabled( port ) ) {
-      ports_[port].roleSeen = role;
+   bool const flushes = port.enabled && !standby() && role == Role::alternate &&
+                        ( port.roleSeen == Role::root || port.roleSeen == Role::designated );
+   if ( port.enabled ) {
+      port.roleSeen = role;
    }
-   tree->mstiPortStatusIs( interface( port ), role );
+   tree->mstiPortStatusIs( port.intfId.stringValue(), role );
    if ( flushes ) {
-      sweep( told_, port );
-      propagateAll();
+      sweep( port, false );
    }
 }
 
-void Agent::deviceIs( U32 port, bool present ) {
-   note( interface( port ) + ( present ? " is plugged in" : " is pulled out" ) );
-   ports_[port].device = present;
+void Agent::deviceIs( Port & port, bool present ) {
+   port.hasDevice = present;
    if ( present ) {
-      participant_->host().interfaceIs( intfId( port ), {}, setting_.mtu );
+      host().interfaceIs( port.intfId, {}, setting_.mtu );
    } else {
-      participant_->host().interfaceDel( intfId( port ) );
+      host().interfaceDel( port.intfId );
    }
 }
 

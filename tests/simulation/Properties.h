@@ -2,8 +2,7 @@
 //
 // Left out, because the protocol as this system has it allows it:
 //   - A leave timer of key 0 is also the shared timer of its type: when one fires, both go, and
-//     what waited on the other stays in Lv until its next leave. Where key 0 has been registered,
-//     an attribute in Lv need not wait on a timer.
+//     what waited on the other stays in Lv until its next leave. No scene has a key 0.
 //   - A second packet context stays open, for as long as it takes, until the interface has a first
 //     one again. It may tell the neighbour of a join that has since been withdrawn, until the next
 //     LeaveAll but one.
@@ -22,12 +21,16 @@
 
 namespace Simulation {
 
+inline std::ostream & operator<<( std::ostream & out, Kind const & kind ) {
+   return out << ' ' << Korv::toText( kind );
+}
+
 // Throws a Violation with the words unless it holds.
 template < class... Words >
-void require( bool holds, Agent const & agent, Words const &... words ) {
+void require( bool holds, Port const & port, Words const &... words ) {
    if ( !holds ) {
       std::ostringstream out;
-      out << "at " << Korv::now() << " agent " << agent.number() << ' ';
+      out << "at " << Korv::now() << ' ' << port.intfId;
       ( out << ... << words );
       throw Violation( out.str() );
    }
@@ -46,11 +49,11 @@ void require( bool holds, Agent const & agent, Words const &... words ) {
 //     LeaveAll mark is raised;
 //   - MSRP sends and receives no malformed frame;
 //   - all LeaveAll of an interface that is up are due within that time, and no other's.
-void checkAlways( Agent const & agent, Korv::Seconds longestPeriod );
+void checkAlways( Port & port, Korv::Seconds longestPeriod );
 
 // With faults, operations and the last LeaveAll long past: nothing waits any more; each attribute
 // is declared or registered, or its join is refused; what is registered has its value in
 // `expected`, if that gives one; no first packet context is open.
-void checkAtRest( Agent const & agent, Book const & expected );
+void checkAtRest( Port & port, Book const & expected );
 
 } // namespace Simulation

@@ -1,5 +1,8 @@
 #include "tests/simulation/Scene.h"
 
+#include "mrp/frame/MrpPamSm.h"
+#include "mrp/observability/Trace.h"
+
 #include <cstdlib>
 
 namespace Simulation {
@@ -10,13 +13,17 @@ constexpr Korv::Seconds settledLeaveAllTime = 6;
 constexpr Korv::Seconds settledLeaveTime = 1.2;
 constexpr Korv::Seconds slack = 0.5; // for ticks and wires
 
-bool isHeard( End const & end ) { return end.isUp() && !end.agent->config().mrpFlooding(); }
+// Streams whose values change, and from where on those are that have one value.
+constexpr U64 firstChanging = 0x1000;
+constexpr U64 firstStream = 0x8000'0000'0000'0100;
+bool changes( Kind const & kind ) {
+   return kind.attributeKey() >= firstChanging && kind.attributeKey() < firstStream;
+}
 
 } // namespace
 
-Scene::Scene( Mrp::MrpApplication application, U64 seed, std::ostream * words )
-   : application_( application ), random_( seed ), words_( words ),
-     large_( random_.chance( 0.02 ) ) {
+Scene::Scene( Mrp::MrpApplication application, U64 seed )
+   : application_( application ), random_( seed ) {
    srand( static_cast< unsigned >( seed ) );
 }
 
@@ -28,180 +35,162 @@ void Scene::run() {
 }
 
 void Scene::build() {
-   buildAttributes();
+   buildKinds();
    // A pair, hosts on one segment, or a chain whose inner agents have two ports and may bridge.
    enum Shape { pair, shared, chain, bridges };
    Shape const shape = random_.oneOf( { pair, pair, pair, pair, shared, chain, chain, bridges } );
    valuesSettle_ = valuesSettle_ && shape != shared;
-   U32 const count = shape == pair ? 2 : 3 + random_.below( large_ ? 1 : 2 );
+   U32 const count = shape == pair ? 2 : 3 + random_.below( 2 );
    for ( U32 number = 0; number < count; ++number ) {
-      Agent::Setting setting = buildSetting( number );
       bool const inner = shape >= chain && number > 0 && number + 1 < count;
-      setting.ports = inner ? 2 : 1;
+      Agent::Setting setting = buildSetting( number, inner ? 2 : 1 );
       setting.bridges = inner && shape == bridges;
-      agents_.push_back( std::make_unique< Agent >( setting, activity_, words_ ) );
-      for ( U32 port = 0; port < setting.ports; ++port ) {
-         ends_.push_back( { agents_.back().get(), port } );
+      agents_.push_back( std::make_unique< Agent >( application_, setting, activity_ ) );
+      for ( Port & port : agents_.back()->ports() ) {
+         ports_.push_back( &port );
       }
    }
    for ( U32 i = 0; i < count; ++i ) {
-      End const last{ agents_[i].get(), agents_[i]->ports() - 1 };
-      for ( U32 j = i + 1; j < ( shape >= chain ? std::min( i + 2, count ) : count ); ++j ) {
-         links_.push_back(
-            std::make_unique< Link >( random_, faults_, last, End{ agents_[j].get(), 0 } ) );
+      U32 const end = shape >= chain ? std::min( i + 2, count ) : count;
+      for ( U32 j = i + 1; j < end; ++j ) {
+         links_.push_back( std::make_unique< Link >( random_, faults_, agents_[i]->ports().back(),
+                                                     agents_[j]->ports().front() ) );
       }
    }
-   for ( Attribute & attribute : attributes_ ) {
-      attribute.home = random_.oneOf( ends_ );
-   }
-   for ( auto const & [agent, port] : ends_ ) {
+   for ( Port * const port : ports_ ) {
       if ( random_.chance( 0.9 ) ) {
-         agent->enabledIs( port, true );
+         port->agent->enabledIs( *port, true );
       }
    }
 }
 
 // Neighbours share vectors, and in a vector the FirstValue speaks for all: values that change stand
 // apart from all others.
-void Scene::buildAttributes() {
-   U32 const many = large_ ? 300 : random_.chance( 0.1 ) ? 60 : 6;
+void Scene::buildKinds() {
+   U32 const many = random_.chance( 0.1 ) ? 60 : 6;
    valuesSettle_ = many == 6;
    U32 const run = 1 + random_.below( many );
    U32 const apart = random_.below( many );
-   bool const keyZero = random_.chance( 0.1 );
    bool const isMvrp = application_ == Mrp::MVRP;
    for ( U8 type = 1; type <= ( isMvrp ? vlanType : listenerType ); ++type ) {
-      U64 const first = !isMvrp ? 0x8000'0000'0000'0100 : large_ ? 1 : 1 + random_.below( 4000 );
-      for ( U64 i = 0; i < ( isMvrp && large_ ? 4094 : run ); ++i ) {
-         attributes_.push_back( { { type, first + i }, false } );
+      U64 const first = isMvrp ? 1 + random_.below( 4000 ) : firstStream;
+      for ( U64 i = 0; i < run; ++i ) {
+         kinds_.emplace_back( type, first + i );
       }
       for ( U64 i = 0; i < apart; ++i ) {
-         U64 const key = isMvrp ? 1 + random_.below( 4095 ) : 0x1000 + 16 * i;
-         attributes_.push_back( { { type, key }, !isMvrp } );
-      }
-      if ( keyZero ) {
-         attributes_.push_back( { { type, 0 }, false } );
+         kinds_.emplace_back( type, isMvrp ? 1 + random_.below( 4095 ) : firstChanging + 16 * i );
       }
    }
    if ( !isMvrp ) {
-      attributes_.push_back( { { domainType, 5 }, false } );
-      attributes_.push_back( { { domainType, 6 }, false } );
+      kinds_.emplace_back( domainType, 5 );
+      kinds_.emplace_back( domainType, 6 );
    }
 }
 
-Agent::Setting Scene::buildSetting( U32 number ) {
+Agent::Setting Scene::buildSetting( U32 number, U32 ports ) {
    using Mtu = std::optional< U32 >;
    Agent::Setting setting;
-   setting.number = number;
-   setting.application = application_;
+   for ( U32 i = 0; i < ports; ++i ) {
+      setting.interfaces.push_back(
+         { static_cast< char >( 'A' + number ), static_cast< char >( '1' + i ) } );
+   }
    setting.standby = random_.chance( 0.15 );
    setting.mtu =
-      large_
-         ? Mtu( 1500 )
-         : random_.oneOf( { Mtu( 1500 ), Mtu( 1500 ), Mtu(), Mtu( 9000 ), Mtu( 300 ), Mtu( 1 ) } );
+      random_.oneOf( { Mtu( 1500 ), Mtu( 1500 ), Mtu(), Mtu( 9000 ), Mtu( 300 ), Mtu( 1 ) } );
    valuesSettle_ = valuesSettle_ && setting.mtu.value_or( 1500 ) >= 1500;
-   setting.readsFrames = !large_;
    setting.refuses = random_.chance( 0.3 );
-   for ( Attribute const & attribute : attributes_ ) {
-      if ( setting.refuses && !attribute.changes && random_.chance( 0.2 ) ) {
-         setting.refused.insert( attribute.kind );
+   for ( Kind const & kind : kinds_ ) {
+      if ( setting.refuses && !changes( kind ) && random_.chance( 0.2 ) ) {
+         setting.refused.insert( kind );
       }
    }
    return setting;
 }
 
 void Scene::operate() {
-   End const & end = random_.oneOf( ends_ );
-   auto const & [agent, port] = end;
-   bool const isAwake = !agent->standby();
+   Port & port = *random_.oneOf( ports_ );
+   Agent & agent = *port.agent;
+   bool const isAwake = !agent.standby();
    if ( random_.chance( 0.6 ) ) {
       if ( isAwake ) {
-         sayAnything( end );
+         sayAnything( port );
       }
       return;
    }
-   switch ( random_.below( isAwake ? 11 : 7 ) ) {
-   case 0: agent->enabledIs( port, !agent->enabled( port ) ); break;
-   case 1: configure( end ); break;
+   U32 const operation = random_.below( isAwake ? 11 : 7 );
+   Mrp::trace( 8, "operation ", operation, " on ", port.intfId );
+   switch ( operation ) {
+   case 0: agent.enabledIs( port, !port.enabled ); break;
+   case 1: {
+      U32 const which = random_.below( 7 );
+      double const leave = random_.oneOf( { 0.05, 0.3, 0.6, 2.0, 5.0 } );
+      double const leaveAll = random_.oneOf( { 0.2, 1.0, 3.0, 10.0, 60.0 } );
+      agent.settingIs( which, port.intfId, leave, leaveAll, random_.chance( 0.4 ) );
+      break;
+   }
    case 2:
       // A wire knows a sender by its device: what it has sent lands before it comes back.
-      plug( end, false );
+      plug( port, false );
       activity_.advanceBy( 2 );
-      plug( end, random_.chance( 0.9 ) );
+      plug( port, random_.chance( 0.9 ) );
       break;
    case 3: random_.oneOf( links_ )->cutIs( random_.chance( 0.5 ) ); break;
-   case 4: agent->refusesIs( !agent->refuses() ); break;
+   case 4: agent.refusesIs( !agent.refuses() ); break;
    case 5:
-      agent->roleIs( port, random_.oneOf( { Role::unknown, Role::root, Role::designated,
-                                            Role::alternate, Role::alternate } ) );
+      agent.roleIs( port, random_.oneOf( { Role::unknown, Role::root, Role::designated,
+                                           Role::alternate, Role::alternate } ) );
       break;
-   case 6: agent->endStandby(); break;
-   case 7: sayMuch( end ); break;
-   case 8: agent->cleanUp( port ); break;
-   case 9: agent->cleanUpAttribute( { port, anyAttribute().kind } ); break;
-   default: agent->transmitAllLeaveAll( port ); break;
+   case 6: agent.wakeUp(); break;
+   case 7: sayMuch( port ); break;
+   case 8: agent.cleanUp( port ); break;
+   case 9: agent.cleanUpAttribute( port, anyKind() ); break;
+   default: agent.sm().mrpPamSm()->transmitAllLeaveAll( port.intfId ); break;
    }
 }
 
 // A few of them meet again and again.
-Scene::Attribute const & Scene::anyAttribute() {
-   std::size_t const few = std::min< std::size_t >( attributes_.size(), 3 );
-   return attributes_[random_.below( random_.chance( 0.5 ) ? few : attributes_.size() )];
+Kind const & Scene::anyKind() {
+   std::size_t const few = std::min< std::size_t >( kinds_.size(), 3 );
+   return kinds_[random_.below( random_.chance( 0.5 ) ? few : kinds_.size() )];
 }
 
-void Scene::say( End const & end, Attribute const & attribute, unsigned event, U32 times ) {
-   Agent & agent = *end.agent;
-   auto const [type, key] = attribute.kind;
-   U32 const variant = attribute.changes ? random_.below( 3 ) : 0;
-   if ( !agent.bridges() && !agent.mayRefuse( attribute.kind ) &&
-        ( !attribute.changes || attribute.home == end ) ) {
-      agent.send( { end.port, attribute.kind },
-                  storedValue( agent.participant().protocol(), type, key, variant ), event, times );
+void Scene::say( Port & port, Kind const & kind, unsigned event, U32 times ) {
+   Agent & agent = *port.agent;
+   U64 const key = kind.attributeKey();
+   U32 const variant = changes( kind ) ? random_.below( 3 ) : 0;
+   if ( !agent.bridges() && !agent.mayRefuse( kind ) &&
+        ( !changes( kind ) || ports_[key / 16 % ports_.size()] == &port ) ) {
+      Bytes const value = storedValue( agent.protocol(), kind.attributeType(), key, variant );
+      agent.send( port, kind, value, event, times );
    }
 }
 
 // Declares and withdraws, for the most part; the rest does not declare anything.
-void Scene::sayAnything( End const & end ) {
+void Scene::sayAnything( Port & port ) {
    unsigned const event = random_.oneOf(
       { 0u, 1u, 1u, 1u, 1u, 3u, 3u, 5u, 5u, 5u, 6u, 7u, random_.oneOf( { 2u, 4u, 8u, 255u } ) } );
    U32 const times = random_.oneOf( { 0u, 1u, 1u, 1u, 1u, 1u, 1u, 1u, 2u } );
-   say( end, anyAttribute(), event, times );
+   say( port, anyKind(), event, times );
 }
 
-void Scene::sayMuch( End const & end ) {
+void Scene::sayMuch( Port & port ) {
    unsigned const event = random_.oneOf( { 1u, 1u, 5u } );
    U32 const step = 1 + random_.below( 2 );
-   for ( auto i = random_.below( attributes_.size() ); i < attributes_.size(); i += step ) {
-      say( end, attributes_[i], event );
+   for ( auto i = random_.below( kinds_.size() ); i < kinds_.size(); i += step ) {
+      say( port, kinds_[i], event );
    }
 }
 
-void Scene::configure( End const & end ) {
-   Mrp::MrpConfig & config = end.agent->config();
-   double const leave = random_.oneOf( { 0.05, 0.3, 0.6, 2.0, 5.0 } );
-   double const leaveAll = random_.oneOf( { 0.2, 1.0, 3.0, 10.0, 60.0 } );
-   switch ( random_.below( 8 ) ) {
-   case 0: config.leaveTimeIs( leave ); break;
-   case 1: config.leaveAllTimeIs( leaveAll ); break;
-   case 2: config.txLeaveAllExpiryTimeIs( leave ); break;
-   case 3: config.intfLeaveTimeIs( end.intfId(), leave ); break;
-   case 4: config.intfLeaveAllTimeIs( end.intfId(), leaveAll ); break;
-   case 5: config.intfLeaveAllTimeDel( end.intfId() ); break;
-   case 6: config.timersEnabledIs( random_.chance( 0.5 ) ); break;
-   default: config.mrpFloodingIs( random_.chance( 0.3 ) ); break;
-   }
-}
-
-void Scene::plug( End const & end, bool in ) {
-   if ( in == end.hasDevice() ) {
+void Scene::plug( Port & port, bool in ) {
+   if ( in == port.hasDevice ) {
       return;
    }
-   Korv::Ptr< Memory::Device > const leaving = end.host().device( end.intfId() );
-   end.agent->deviceIs( end.port, in );
+   Korv::Ptr< Memory::Device > const leaving = port.agent->host().device( port.intfId );
+   port.agent->deviceIs( port, in );
    for ( auto const & link : links_ ) {
-      if ( link->beyond( end ) && in ) {
-         link->plug( end );
-      } else if ( link->beyond( end ) ) {
+      if ( link->beyond( port ) && in ) {
+         link->plug( port );
+      } else if ( link->beyond( port ) ) {
          link->unplug( *leaving );
       }
    }
@@ -214,7 +203,7 @@ void Scene::disturb() {
       faults_.repeat = random_.oneOf( { 0.0, 0.1, 0.5 } );
       faults_.lateness = random_.oneOf( { 0.01, 0.3, 1.0 } );
    }
-   double const end = large_ ? 3 : random_.between( 3, 20 );
+   double const end = random_.between( 3, 20 );
    double const pace = random_.oneOf( { 0.02, 0.2, 0.6 } );
    while ( activity_.clock()->now() < end ) {
       operate();
@@ -234,7 +223,7 @@ void Scene::settle() {
    }
    for ( auto const & agent : agents_ ) {
       if ( random_.chance( 0.8 ) ) {
-         agent->endStandby();
+         agent->wakeUp();
       }
       Mrp::MrpConfig & config = agent->config();
       config.leaveTimeIs( random_.oneOf( { 0.6, 1.0, settledLeaveTime } ) );
@@ -242,18 +231,14 @@ void Scene::settle() {
       config.leaveAllTimeIs( random_.between( 0.7, 1 ) * leaveAllTime_ );
       config.intfLeaveTimeDelAll();
       config.intfLeaveAllTimeDelAll();
-      config.mrpFloodingIs( agent->ports() > 1 && random_.chance( 0.1 ) );
+      config.mrpFloodingIs( false );
    }
-   for ( End const & end : ends_ ) {
-      if ( random_.chance( 0.2 ) ) {
-         end.agent->config().intfLeaveTimeIs( end.intfId(), 0.8 );
-         end.agent->config().intfLeaveAllTimeIs( end.intfId(), leaveAllTime_ );
-      }
-      if ( !end.agent->enabled( end.port ) && random_.chance( 0.8 ) ) {
-         end.agent->enabledIs( end.port, true );
+   for ( Port * const port : ports_ ) {
+      if ( !port->enabled && random_.chance( 0.8 ) ) {
+         port->agent->enabledIs( *port, true );
       }
       if ( random_.chance( 0.8 ) ) {
-         plug( end, true );
+         plug( *port, true );
       }
    }
    // What is in flight lands, and open frames leave at the next tick.
@@ -261,100 +246,77 @@ void Scene::settle() {
    faults_ = {};
    activity_.advanceBy( 2 * lateness + slack );
    checkAll();
-   settled_ = true;
+   phaseIs( Phase::settling );
 }
 
 void Scene::checkAll() {
-   if ( large_ && checks_++ % 20 != 0 ) {
-      return;
-   }
-   for ( auto const & agent : agents_ ) {
-      checkAlways( *agent, 1.5 * leaveAllTime_ );
-      std::string const fault = agent->takeFrameFault();
-      require( fault.empty() || ( application_ == Mrp::MVRP && !settled_ ), *agent, "sends ",
-               fault );
+   for ( Port * const port : ports_ ) {
+      checkAlways( *port, 1.5 * leaveAllTime_ );
+      std::string const & fault = port->agent->fault();
+      require( fault.empty(), *port, ": ", fault );
    }
 }
 
-void Scene::gather( End const & end, End const & from, Book & heard ) const {
+Book Scene::expected( Port const & port ) const {
+   Book heard;
    for ( auto const & link : links_ ) {
-      End const * const other = link->beyond( from );
-      if ( !other ) {
+      Port const * const neighbour = link->beyond( port );
+      if ( !neighbour || !neighbour->isUp() || !port.isUp() ) {
          continue;
       }
-      Agent const & neighbour = *other->agent;
-      for ( auto const & [name, value] : neighbour.declared() ) {
-         if ( isHeard( *other ) && name.port == other->port && !end.agent->refuses( name.kind ) ) {
-            heard[{ end.port, name.kind }] = valuesSettle_ ? value : Bytes();
+      for ( auto const & [kind, value] : neighbour->declared ) {
+         if ( !port.agent->refuses( kind ) ) {
+            heard[kind] = valuesSettle_ ? value : Bytes();
          }
       }
-      if ( neighbour.ports() == 2 && neighbour.config().mrpFlooding() && neighbour.isUp( 0 ) &&
-           neighbour.isUp( 1 ) ) {
-         gather( end, { other->agent, 1 - other->port }, heard );
-      }
-   }
-}
-
-Book Scene::expected( End const & end ) const {
-   Book heard;
-   if ( isHeard( end ) ) {
-      gather( end, end, heard );
    }
    return heard;
 }
 
 void Scene::checkConvergence() const {
-   for ( End const & end : ends_ ) {
-      if ( !end.hasDevice() ) {
+   for ( Port * const port : ports_ ) {
+      if ( !port->hasDevice ) {
          continue; // pulled out of an interface that is still wanted: nothing ages there
       }
-      Agent const & agent = *end.agent;
-      Book const there = expected( end );
-      for ( auto const & [name, value] : there ) {
-         require( agent.told().contains( name ), agent, name,
+      Book const there = expected( *port );
+      for ( auto const & [kind, value] : there ) {
+         require( port->told.contains( kind ), *port, kind,
                   " is declared by a neighbour and not registered" );
       }
-      for ( auto const & [name, value] : agent.told() ) {
-         require( name.port != end.port || there.contains( name ) || agent.refuses( name.kind ),
-                  agent, name, " is registered, and no neighbour declares it" );
+      for ( auto const & [kind, value] : port->told ) {
+         require( there.contains( kind ) || port->agent->refuses( kind ), *port, kind,
+                  " is registered, and no neighbour declares it" );
       }
    }
+}
+
+void Scene::phaseIs( Phase phase ) {
+   for ( auto const & agent : agents_ ) {
+      agent->phaseIs( phase );
+   }
+}
+
+void Scene::converge( Korv::Seconds within ) {
+   activity_.advanceBy( within );
+   checkAll();
+   checkConvergence();
 }
 
 void Scene::verify() {
    // Where agents bridge, each segment settles after the one before it.
    double const hops = agents_[1]->bridges() ? static_cast< double >( links_.size() ) : 1;
    double const period = 1.5 * leaveAllTime_;
-   activity_.advanceBy( hops * ( 2 * period + settledLeaveTime + slack ) );
-   checkAll();
-   checkConvergence();
-
-   std::map< Agent *, U64 > changes;
-   for ( auto const & agent : agents_ ) {
-      changes[agent.get()] = agent->changesTold();
-   }
-   activity_.advanceBy( period + settledLeaveTime + slack );
-   checkAll();
-   checkConvergence();
+   converge( hops * ( 2 * period + settledLeaveTime + slack ) );
+   phaseIs( Phase::settled );
+   converge( period + settledLeaveTime + slack );
 
    leaveAllTime_ = 1e6;
    for ( auto const & agent : agents_ ) {
-      agent->config().intfLeaveAllTimeDelAll();
       agent->config().leaveAllTimeIs( leaveAllTime_ );
    }
-   activity_.advanceBy( 5 );
-   checkAll();
-   checkConvergence();
-   for ( auto const & agent : agents_ ) {
-      Book there;
-      for ( End const & end : ends_ ) {
-         if ( end.agent == agent.get() && end.hasDevice() ) {
-            there.merge( expected( end ) );
-         }
-      }
-      checkAtRest( *agent, there );
-      require( agent->changesTold() == changes[agent.get()], *agent,
-               "is told of a change when all should have settled" );
+   converge( 5 );
+   for ( Port * const port : ports_ ) {
+      checkAtRest( *port, port->hasDevice ? expected( *port ) : Book() );
    }
 }
 

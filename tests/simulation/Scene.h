@@ -18,56 +18,45 @@ namespace Simulation {
 
 class Scene {
  public:
-   // Says in words what happens, if given where.
-   Scene( Mrp::MrpApplication application, U64 seed, std::ostream * words );
+   Scene( Mrp::MrpApplication application, U64 seed );
 
    // Throws a Violation.
    void run();
 
  private:
-   struct Attribute {
-      Kind kind;
-      // Where the value changes there is one port that ever declares it. All others have one value
-      // for all: several declarers' values would overwrite each other.
-      bool changes;
-      End home = {};
-   };
-
    void build();
-   void buildAttributes();
-   Agent::Setting buildSetting( U32 number );
+   void buildKinds();
+   Agent::Setting buildSetting( U32 number, U32 ports );
    void disturb();
    void operate();
    void settle();
    void verify();
 
-   Attribute const & anyAttribute();
-   void sayAnything( End const & end );
-   void sayMuch( End const & end );
-   void say( End const & end, Attribute const & attribute, unsigned event, U32 times = 1 );
-   void configure( End const & end );
-   void plug( End const & end, bool in );
+   Kind const & anyKind();
+   void sayAnything( Port & port );
+   void sayMuch( Port & port );
+   // Where the value changes there is one port that ever declares it. All others have one value for
+   // all: several declarers' values would overwrite each other.
+   void say( Port & port, Kind const & kind, unsigned event, U32 times = 1 );
+   void plug( Port & port, bool in );
 
+   void phaseIs( Phase phase );
    void checkAll();
    void checkConvergence() const;
+   // Lets time pass, and then all that is declared is registered, and nothing else.
+   void converge( Korv::Seconds within );
    // What the port's registrar must hold; without a value where any will do.
-   Book expected( End const & end ) const;
-   // Adds what those declare whom `from` hears, directly or by way of agents that flood.
-   void gather( End const & end, End const & from, Book & heard ) const;
+   Book expected( Port const & port ) const;
 
    Mrp::MrpApplication application_;
    Random random_;
-   std::ostream * words_;
    Memory::VirtualActivity activity_;
    std::vector< std::unique_ptr< Agent > > agents_;
-   std::vector< End > ends_; // of all agents
+   std::vector< Port * > ports_; // of all agents
    Link::Faults faults_;
    std::vector< std::unique_ptr< Link > > links_;
-   std::vector< Attribute > attributes_;
-   bool large_;
-   bool valuesSettle_ = true; // two ends a segment, and a frame for all that they declare
-   bool settled_ = false;
-   U32 checks_ = 0;
+   std::vector< Kind > kinds_;       // the attributes that there are
+   bool valuesSettle_ = true;        // two ports a segment, and a frame for all that they declare
    Korv::Seconds leaveAllTime_ = 60; // the longest that is or was configured
 };
 

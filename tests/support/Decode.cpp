@@ -2,39 +2,14 @@
 
 #include <algorithm>
 #include <sstream>
+#include <utility>
 
 namespace TestSupport {
 
 namespace {
 
-struct Kind {
-   char const * name;
-   std::size_t size;
-   // Of the fields that step from one value of a vector to the next. They come first, and the first
-   // of them is the key.
-   unsigned stepping[2];
-   bool declares; // events of a listener behind the others
-
-   bool hasStream() const { return stepping[0] == 8; }
-};
-
-constexpr Kind noKind{ "?", 0, {}, false };
-
-Kind kindOf( Protocol protocol, U8 type ) {
-   static constexpr Kind mvrp[] = { noKind, { "vlan", 2, { 2 }, false } };
-   static constexpr Kind msrp[] = { noKind,
-                                    { "talker", 25, { 8, 6 }, false },
-                                    { "failed", 34, { 8, 6 }, false },
-                                    { "listener", 8, { 8 }, true },
-                                    { "domain", 4, { 1, 1 }, false } };
-   if ( protocol == Protocol::mvrp ) {
-      return type < std::size( mvrp ) ? mvrp[type] : noKind;
-   }
-   return type < std::size( msrp ) ? msrp[type] : noKind;
-}
-
 // The value i steps behind the FirstValue.
-Bytes stepped( Kind const & kind, Bytes const & first, U64 i ) {
+Bytes stepped( WireKind const & kind, Bytes const & first, U64 i ) {
    Bytes value;
    for ( unsigned const size : kind.stepping ) {
       put( value, number( first, value.size(), size ) + i, size );
@@ -52,9 +27,8 @@ class Reader {
       take( 6 );
       decoded_.from = take( 6 );
       U64 const type = take( 2 );
-      if ( type == etherType( Protocol::msrp ) ) {
-         decoded_.protocol = Protocol::msrp;
-      } else if ( type != etherType( Protocol::mvrp ) ) {
+      isMsrp_ = type == etherType( Protocol::msrp );
+      if ( !isMsrp_ && type != etherType( Protocol::mvrp ) ) {
          fault( "type ", std::hex, type );
          return decoded_;
       }
@@ -91,46 +65,52 @@ class Reader {
    }
 
    Bytes takeBytes( std::size_t size ) {
-      Bytes bytes;
-      while ( bytes.size() < size && ok() ) {
-         bytes.push_back( static_cast< U8 >( take( 1 ) ) );
-      }
+      Bytes bytes( size );
+      std::ranges::generate( bytes, [&] { return static_cast< U8 >( ok() ? take( 1 ) : 0 ); } );
       return bytes;
    }
 
-   void readMessage() {
-      DecodedMessage message;
-      message.type = static_cast< U8 >( take( 1 ) );
-      U64 const length = take( 1 );
-      Kind const kind = kindOf( decoded_.protocol, message.type );
-      if ( !ok() || length != kind.size || kind.size == 0 ) {
-         fault( "type ", unsigned{ message.type }, " with AttributeLength ", length );
-         return;
-      }
-      bool const isMsrp = decoded_.protocol == Protocol::msrp;
-      U64 const listLength = isMsrp ? take( 2 ) : 0;
-      std::size_t const start = at_;
-      do {
-         message.vectors.push_back( readVector( kind ) );
-      } while ( ok() && peek() != 0 );
-      take( 2 );
-      if ( ok() && isMsrp && at_ - start != listLength ) {
-         fault( "AttributeListLength ", listLength, " of a list of ", at_ - start );
-      }
-      decoded_.messages.push_back( std::move( message ) );
+   void say( std::string const & apart, std::string const & text ) {
+      std::string & said = decoded_.said;
+      said += ( said.empty() || said.back() == '{' ? "" : apart ) + text;
    }
 
-   DecodedVector readVector( Kind const & kind ) {
-      DecodedVector vector;
+   void readMessage() {
+      U64 const type = take( 1 );
+      U64 const length = take( 1 );
+      Protocol const protocol = isMsrp_ ? Protocol::msrp : Protocol::mvrp;
+      WireKind const & kind = wireKind( protocol, static_cast< U8 >( type ) );
+      if ( !ok() || length != kind.size || kind.size == 0 ) {
+         fault( "type ", type, " with AttributeLength ", length );
+         return;
+      }
+      decoded_.typesAscend &= type >= std::exchange( lastType_, type );
+      say( " ", std::string( kind.name ) + '{' );
+      U64 const listLength = isMsrp_ ? take( 2 ) : 0;
+      std::size_t const start = at_;
+      do {
+         readVector( kind );
+      } while ( ok() && peek() != 0 );
+      take( 2 );
+      if ( ok() && isMsrp_ && at_ - start != listLength ) {
+         fault( "AttributeListLength ", listLength, " of a list of ", at_ - start );
+      }
+      decoded_.said += '}';
+   }
+
+   void readVector( WireKind const & kind ) {
       U64 const header = take( 2 );
       Bytes const first = takeBytes( kind.size );
       U64 const n = header & 0x1fff;
-      vector.leaveAll = ( header & 0x2000 ) != 0;
+      bool const isLeaveAll = ( header & 0x2000 ) != 0;
+      std::string apart = "; ";
+      if ( isLeaveAll ) {
+         say( std::exchange( apart, " " ), "LeaveAll" );
+      }
       if ( ( header & 0xc000 ) != 0 ) {
          fault( "bits 15 and 14 of a VectorHeader" );
       }
-      if ( n == 0 &&
-           ( !vector.leaveAll || std::ranges::any_of( first, []( U8 b ) { return b != 0; } ) ) ) {
+      if ( n == 0 && ( !isLeaveAll || first != Bytes( kind.size ) ) ) {
          fault( "a vector of no values that is no LeaveAll with a FirstValue of zeros" );
       }
       Bytes const three = takeBytes( ( n + 2 ) / 3 );
@@ -144,60 +124,31 @@ class Reader {
          value.value = stepped( kind, first, i );
          value.key = number( value.value, 0, kind.stepping[0] );
          value.event = static_cast< Event >( three[i / 3] / places[i % 3] % 6 );
+         say( std::exchange( apart, ", " ), kind.text( value.key ) + ' ' + name( value.event ) );
          if ( kind.declares ) {
             value.declaration =
                static_cast< Declaration >( four[i / 4] >> ( 6 - 2 * ( i % 4 ) ) & 3 );
+            say( " ", name( value.declaration ) );
          }
-         vector.values.push_back( std::move( value ) );
+         decoded_.declared.push_back( std::move( value ) );
       }
-      return vector;
    }
 
    Bytes const & frame_;
    std::size_t at_ = 0;
+   bool isMsrp_ = false;
+   U64 lastType_ = 0;
    Decoded decoded_;
 };
 
 } // namespace
 
-std::vector< Declared > Decoded::values() const {
-   std::vector< Declared > all;
-   for ( DecodedMessage const & message : messages ) {
-      for ( DecodedVector const & vector : message.vectors ) {
-         all.insert( all.end(), vector.values.begin(), vector.values.end() );
-      }
+std::string Decoded::text() const {
+   std::string all = said;
+   for ( std::string const & fault : faults ) {
+      all += ( all.empty() ? "!" : " !" ) + fault;
    }
    return all;
-}
-
-std::string Decoded::text() const {
-   std::ostringstream out;
-   char const * apart = "";
-   for ( DecodedMessage const & message : messages ) {
-      Kind const kind = kindOf( protocol, message.type );
-      out << apart << kind.name;
-      char const * before = "{";
-      for ( DecodedVector const & vector : message.vectors ) {
-         out << before << ( vector.leaveAll ? "LeaveAll" : "" );
-         before = vector.leaveAll ? " " : "";
-         for ( Declared const & value : vector.values ) {
-            out << before << ( kind.hasStream() ? std::hex : std::dec )
-                << ( kind.hasStream() ? "0x" : "" ) << value.key << ' ' << name( value.event );
-            if ( kind.declares ) {
-               out << ' ' << name( value.declaration );
-            }
-            before = ", ";
-         }
-         before = "; ";
-      }
-      out << '}';
-      apart = " ";
-   }
-   for ( std::string const & fault : faults ) {
-      out << apart << '!' << fault;
-      apart = " ";
-   }
-   return out.str();
 }
 
 Decoded decode( Bytes const & frame ) { return Reader( frame ).read(); }

@@ -14,24 +14,15 @@ struct Declared {
    Declaration declaration = Ignore; // a listener's
 };
 
-struct DecodedVector {
-   bool leaveAll = false;
-   std::vector< Declared > values;
-};
-
-struct DecodedMessage {
-   U8 type = 0;
-   std::vector< DecodedVector > vectors;
-};
-
 struct Decoded {
-   Protocol protocol = Protocol::mvrp;
    U64 from = 0;
-   std::vector< DecodedMessage > messages;
+   std::vector< Declared > declared;
+   std::string said; // the text without the faults
    std::vector< std::string > faults;
+   bool typesAscend = true; // a frame whose types do not is sound, too
 
    // All values of all vectors, in the order of the frame.
-   std::vector< Declared > values() const;
+   std::vector< Declared > values() const { return declared; }
 
    // A message in braces, its vectors apart by semicolons; values apart by commas, with the
    // LeaveAll mark ahead of them:

@@ -62,8 +62,7 @@ Vector domains( Domain const & first, std::vector< Event > const & events ) {
 
 Vector vlanLeaveAll() { return vlans( 0, {} ).leaveAll(); }
 Vector msrpLeaveAll( U8 type ) {
-   static constexpr U8 sizes[] = { 0, 25, 34, 8, 4 };
-   return Vector( type, Bytes( type < 5 ? sizes[type] : 0 ), {} ).leaveAll();
+   return Vector( type, Bytes( wireKind( Protocol::msrp, type ).size ), {} ).leaveAll();
 }
 
 Message::Message( std::vector< Vector > const & vectors )

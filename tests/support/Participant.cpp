@@ -13,19 +13,6 @@ constexpr char const * noRandomization = "DISABLE_LEAVE_ALL_RANDOMIZATION";
 
 Pelk::EthAddr address( U64 number ) { return Pelk::EthAddr::fromNumber( number ); }
 
-std::vector< std::string > lines( std::vector< SentFrame > const & frames, bool withTime ) {
-   std::vector< std::string > all;
-   for ( SentFrame const & frame : frames ) {
-      std::ostringstream line;
-      if ( withTime ) {
-         line << frame.time << ' ';
-      }
-      line << frame.interface << ": " << says( frame.bytes );
-      all.push_back( line.str() );
-   }
-   return all;
-}
-
 } // namespace
 
 Bytes valueOf( Mrp::MrpAttrDatabase const & entry ) {
@@ -99,8 +86,43 @@ bool Participant::isIdle() const {
           lib_->mrpOutIntfQueue().empty();
 }
 
-std::vector< std::string > Participant::said() const { return lines( sent_, false ); }
-std::vector< std::string > Participant::saidWithTimes() const { return lines( sent_, true ); }
+void Participant::endStandby() {
+   if ( sm_->standbyMode() ) {
+      sm_->standbyModeIs( false );
+      sm_->handleStandbyMode();
+   }
+}
+
+void Participant::settingIs( unsigned which, Pelk::IntfId intfId, double leaveTime,
+                             double leaveAllTime, bool on ) {
+   switch ( which ) {
+   case 0: config_->leaveTimeIs( leaveTime ); break;
+   case 1: config_->leaveAllTimeIs( leaveAllTime ); break;
+   case 2: config_->intfLeaveTimeIs( intfId, leaveTime ); break;
+   case 3: config_->intfLeaveAllTimeIs( intfId, leaveAllTime ); break;
+   case 4: config_->txLeaveAllExpiryTimeIs( leaveTime ); break;
+   case 5: config_->mrpFloodingIs( on ); break;
+   default: config_->timersEnabledIs( on ); break;
+   }
+}
+
+std::vector< std::string > Participant::said() const {
+   std::vector< std::string > all;
+   for ( SentFrame const & frame : sent_ ) {
+      all.push_back( frame.interface + ": " + says( frame.bytes ) );
+   }
+   return all;
+}
+
+std::vector< std::string > Participant::saidWithTimes() const {
+   std::vector< std::string > all = said();
+   for ( std::size_t i = 0; i < all.size(); ++i ) {
+      std::ostringstream time;
+      time << sent_[i].time << ' ';
+      all[i] = time.str() + all[i];
+   }
+   return all;
+}
 
 std::vector< std::string > Participant::indications() const {
    std::vector< std::string > all;
@@ -115,7 +137,7 @@ void Participant::clear() {
    lib_->indications.clear();
    lib_->mutatorCalls.clear();
    if ( sm_->mrpCounters() ) {
-      counted_ = counts();
+      moved();
    }
 }
 
@@ -159,25 +181,14 @@ void Participant::attributeIs( std::string const & interface, U8 type, U64 key, 
    sm_->addToAttrIter( intfId, type, key );
 }
 
-Participant::Counts Participant::counts() const {
-   Counts all;
-   Korv::forEachScalar( *sm_->mrpCounters(), [&]( char const * counter, U64 value ) {
-      all.emplace_back( counter, value );
-   } );
-   return all;
-}
-
 std::string Participant::moved() {
-   Counts const now = counts();
    std::ostringstream out;
-   for ( std::size_t i = 0; i < now.size(); ++i ) {
-      auto const & [counter, value] = now[i];
-      U64 const before = i < counted_.size() ? counted_[i].second : 0;
-      if ( value != before && counter != "numOfPktsTransmitted" ) {
-         out << ( out.tellp() > 0 ? " " : "" ) << counter << '=' << value - before;
+   Korv::forEachScalar( counters(), [&]( std::string const & counter, U64 value ) {
+      U64 const by = value - std::exchange( counted_[counter], value );
+      if ( by != 0 && counter != "numOfPktsTransmitted" ) {
+         out << ( out.tellp() > 0 ? " " : "" ) << counter << '=' << by;
       }
-   }
-   counted_ = now;
+   } );
    return out.str();
 }
 

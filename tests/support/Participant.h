@@ -19,6 +19,7 @@
 #include "tests/support/Mrpdu.h"
 #include "tests/support/RecordingLib.h"
 
+#include <map>
 #include <memory>
 
 namespace TestSupport {
@@ -76,6 +77,13 @@ class Participant {
    // all notifications it has to be so.
    bool isIdle() const;
 
+   void endStandby();
+
+   // Changes one value of the configuration, for those who do anything at any time: which of seven,
+   // and what it becomes if it is a leave time, one of LeaveAll, or a switch.
+   void settingIs( unsigned which, Pelk::IntfId intfId, double leaveTime, double leaveAllTime,
+                   bool on );
+
    void advanceTo( double time ) { activity_->advanceTo( time ); }
    void advanceBy( double duration ) { activity_->advanceBy( duration ); }
 
@@ -102,7 +110,6 @@ class Participant {
                  std::vector< std::string > const & queued ) {
       sendAttribute( interface, load( value ), event, queued );
    }
-
    // Loads the Tx field; the attribute's type.
    template < class Value >
    U8 load( Value const & value ) {
@@ -142,15 +149,12 @@ class Participant {
    Memory::VirtualActivity & activity() { return *activity_; }
 
  private:
-   using Counts = std::vector< std::pair< std::string, U64 > >;
-   Counts counts() const;
-
    std::unique_ptr< Memory::VirtualActivity > ownActivity_;
    Memory::VirtualActivity * activity_;
    std::unique_ptr< Memory::Host > host_;
    Protocol protocol_;
    std::vector< SentFrame > sent_;
-   Counts counted_;
+   std::map< std::string, U64 > counted_;
    Korv::Ptr< RecordingLib > lib_;
    Korv::Ptr< Mrp::MrpConfig > config_;
    Korv::Ptr< Mrp::MrpStatus > status_;

@@ -1,22 +1,18 @@
-// Numbers that look random and are the same for the same seed, on every machine (splitmix64).
+// Numbers that look random and are the same for the same seed, on every machine.
 #pragma once
 
 #include "tests/support/Values.h"
 
 #include <initializer_list>
+#include <random>
 
 namespace TestSupport {
 
 class Random {
  public:
-   explicit Random( U64 seed ) : state_( seed ) {}
+   explicit Random( U64 seed ) : numbers_( seed ) {}
 
-   U64 next() {
-      U64 z = state_ += 0x9e37'79b9'7f4a'7c15;
-      z = ( z ^ ( z >> 30 ) ) * 0xbf58'476d'1ce4'e5b9;
-      z = ( z ^ ( z >> 27 ) ) * 0x94d0'49bb'1331'11eb;
-      return z ^ ( z >> 31 );
-   }
+   U64 next() { return numbers_(); }
    // From 0 up to, but not including, `end`.
    U32 below( std::size_t end ) { return static_cast< U32 >( next() % end ); }
    double between( double low, double high ) {
@@ -33,7 +29,7 @@ class Random {
    }
 
  private:
-   U64 state_;
+   std::mt19937_64 numbers_;
 };
 
 } // namespace TestSupport

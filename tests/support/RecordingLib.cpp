@@ -4,26 +4,15 @@
 #include "mrp/frame/MrpSm.h"
 
 #include <cstring>
-#include <sstream>
 
 namespace TestSupport {
 
 std::string Indication::text( Protocol protocol ) const {
-   static constexpr char const * msrp[] = { "?", "talker", "failed", "listener", "domain" };
-   std::ostringstream out;
-   out << ( join ? "join " : "leave " );
-   if ( protocol == Protocol::mvrp ) {
-      out << "vlan " << key;
-   } else if ( type == domainType ) {
-      out << "domain " << key;
-   } else {
-      out << msrp[type <= 4 ? type : 0] << " 0x" << std::hex << key;
-   }
-   if ( join ) {
-      out << ' ' << name( static_cast< Event >( event ) );
-   }
-   out << " on " << interface;
-   return out.str();
+   WireKind const & kind = wireKind( protocol, type );
+   std::string const what = std::string( kind.name ) + ' ' + kind.text( key );
+   return ( join ? "join " + what + ' ' + name( static_cast< Event >( event ) )
+                 : "leave " + what ) +
+          " on " + interface;
 }
 
 // The records keep the wire's bytes: that they do is the vocabulary's test.

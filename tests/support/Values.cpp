@@ -1,5 +1,6 @@
 #include "tests/support/Values.h"
 
+#include <sstream>
 #include <stdexcept>
 
 namespace TestSupport {
@@ -57,6 +58,25 @@ char const * name( Event event ) {
 char const * name( Declaration declaration ) {
    static constexpr char const * names[] = { "Ignore", "AskingFailed", "Ready", "ReadyFailed" };
    return declaration <= ReadyFailed ? names[declaration] : "?";
+}
+
+std::string WireKind::text( U64 key ) const {
+   std::ostringstream out;
+   out << ( hasStream() ? "0x" : "" ) << ( hasStream() ? std::hex : std::dec ) << key;
+   return out.str();
+}
+
+WireKind const & wireKind( Protocol protocol, U8 type ) {
+   static constexpr WireKind none{ "?", 0, {}, false };
+   static constexpr WireKind vlan{ "vlan", 2, { 2 }, false };
+   static constexpr WireKind msrp[] = { { "talker", 25, { 8, 6 }, false },
+                                        { "failed", 34, { 8, 6 }, false },
+                                        { "listener", 8, { 8 }, true },
+                                        { "domain", 4, { 1, 1 }, false } };
+   if ( protocol == Protocol::mvrp ) {
+      return type == vlanType ? vlan : none;
+   }
+   return type >= talkerType && type <= domainType ? msrp[type - 1] : none;
 }
 
 Talker talker( U64 streamId ) {

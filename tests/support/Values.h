@@ -41,6 +41,22 @@ enum Declaration : U8 { Ignore, AskingFailed, Ready, ReadyFailed };
 char const * name( Event event );
 char const * name( Declaration declaration );
 
+// What the wire says of an attribute type.
+struct WireKind {
+   char const * name; // "talker"
+   std::size_t size;  // of a FirstValue
+   // Of the fields that step from one value of a vector to the next. They come first, and the first
+   // of them is the key.
+   unsigned stepping[2];
+   bool declares; // has a declaration behind each event
+
+   bool hasStream() const { return stepping[0] == 8; }
+   // "0x100" of a stream, and a number of all others.
+   std::string text( U64 key ) const;
+};
+// For a type that is none, a kind of no size.
+WireKind const & wireKind( Protocol protocol, U8 type );
+
 // AttributeTypes.
 inline constexpr U8 vlanType = 1;
 inline constexpr U8 talkerType = 1;

@@ -5,7 +5,8 @@
 #include "mrp/machines/MrpRegistrarSm.h"
 
 #include "tests/fuzz/script/Check.h"
-#include "tests/fuzz/script/Input.h"
+
+#include <span>
 
 namespace Fuzz {
 
@@ -23,11 +24,31 @@ constexpr std::size_t attributesMax = 400;
 constexpr int reactionsMax = 200;
 constexpr double timeMax = 30;
 
+// Taken from the front. Bytes that are missing count as 0.
+class Input {
+ public:
+   explicit Input( std::span< U8 const > bytes ) : bytes_( bytes ) {}
+
+   bool empty() const { return bytes_.empty(); }
+   U8 byte() { return empty() ? U8{ 0 } : bytes( 1 )[0]; }
+   U16 two() {
+      unsigned const high = byte();
+      return static_cast< U16 >( high << 8 | byte() );
+   }
+   Bytes bytes( std::size_t count ) {
+      auto const front = bytes_.first( std::min( count, bytes_.size() ) );
+      bytes_ = bytes_.subspan( front.size() );
+      return Bytes( front.begin(), front.end() );
+   }
+
+ private:
+   std::span< U8 const > bytes_;
+};
+
 class Run {
  public:
    Run( Mrp::MrpApplication application, Input in )
-      : in_( in ), application_( application ),
-        participant_( application, interfaces, options( in_.byte() ) ) {
+      : in_( in ), participant_( application, interfaces, options( in_.byte() ) ) {
       lib().refuse = [this]( Indication const & join ) {
          return ( behaviour_ & 0x10 ) != 0 && ( join.key & 1 ) != 0;
       };
@@ -62,14 +83,15 @@ class Run {
 
    Mrp::MrpSm & sm() { return participant_.sm(); }
    RecordingLib & lib() { return participant_.lib(); }
+   bool isMsrp() const { return participant_.protocol() == Protocol::msrp; }
    // One of the application's types; those themselves are the low numbers.
    U8 type() {
       U8 const byte = in_.byte();
-      return static_cast< U8 >( application_ == Mrp::MSRP ? 1 + ( byte + 3 ) % 4 : 1 );
+      return static_cast< U8 >( isMsrp() ? 1 + ( byte + 3 ) % 4 : 1 );
    }
    // Of two bytes, so that what is declared and what is received meet.
    U64 key( U8 type ) {
-      bool const isStream = application_ == Mrp::MSRP && type != domainType;
+      bool const isStream = wireKind( participant_.protocol(), type ).hasStream();
       return ( isStream ? 0x0011'2233'4455'0000 : 0 ) | in_.two();
    }
 
@@ -93,7 +115,15 @@ class Run {
          participant_.host().interfaceIs( intfId_, Pelk::EthAddr::fromNumber( 0x0200'0000'0001 ),
                                           mtu );
          break;
-      case Step::configure: configure(); break;
+      case Step::configure: {
+         static constexpr double times[] = { 0.6, 0, 0.05, 0.1, 1, 3, 10, 600 };
+         U8 const which = in_.byte();
+         U8 const value = in_.byte();
+         double const time = times[value % std::size( times )];
+         participant_.settingIs( which % 7, intfId_, std::min( time, longestLeaveTime ), time,
+                                 ( value & 1 ) != 0 );
+         break;
+      }
       case Step::behave: behaviour_ = in_.byte(); break;
       case Step::leaveAll:
          if ( !sm().standbyMode() ) {
@@ -101,7 +131,7 @@ class Run {
          }
          break;
       case Step::recycled: sm().recycledPktIs( true ); break;
-      case Step::endStandby: endStandby(); break;
+      case Step::endStandby: participant_.endStandby(); break;
       }
    }
 
@@ -119,18 +149,16 @@ class Run {
 
    void receiveMessage() {
       U8 const attributeType = type();
-      bool const isListener = application_ == Mrp::MSRP && attributeType == listenerType;
+      WireKind const & kind = wireKind( participant_.protocol(), attributeType );
       U8 const flags = in_.byte();
       Bytes first = storedValue( participant_.protocol(), attributeType, key( attributeType ) );
-      if ( isListener ) {
-         first.resize( 8 ); // its declaration follows the events
-      }
+      first.resize( kind.size );
       std::vector< Event > events;
       std::vector< Declaration > declarations;
       for ( unsigned count = in_.byte(); count > 0; --count ) {
          U8 const byte = in_.byte();
          events.push_back( static_cast< Event >( byte % 6 ) );
-         if ( isListener ) {
+         if ( kind.declares ) {
             declarations.push_back( static_cast< Declaration >( byte >> 6 ) );
          }
       }
@@ -162,31 +190,6 @@ class Run {
       lib().txValueIs( attributeType,
                        storedValue( participant_.protocol(), attributeType, which ) );
       participant_.sendAttribute( intfId_.stringValue(), attributeType, event, queue );
-   }
-
-   void configure() {
-      U8 const which = in_.byte();
-      U8 const value = in_.byte();
-      static constexpr double times[] = { 0.6, 0, 0.05, 0.1, 1, 3, 10, 600 };
-      Mrp::MrpConfig & config = participant_.config();
-      double const time = times[value % std::size( times )];
-      double const leaveTime = std::min( time, longestLeaveTime );
-      switch ( which % 7 ) {
-      case 0: config.leaveTimeIs( leaveTime ); break;
-      case 1: config.leaveAllTimeIs( time ); break;
-      case 2: config.intfLeaveTimeIs( intfId_, leaveTime ); break;
-      case 3: config.intfLeaveAllTimeIs( intfId_, time ); break;
-      case 4: config.txLeaveAllExpiryTimeIs( leaveTime ); break;
-      case 5: config.mrpFloodingIs( ( value & 1 ) != 0 ); break;
-      default: config.timersEnabledIs( ( value & 1 ) != 0 ); break;
-      }
-   }
-
-   void endStandby() {
-      if ( sm().standbyMode() ) {
-         sm().standbyModeIs( false );
-         sm().handleStandbyMode();
-      }
    }
 
    // As its kind goes: it may hand the value on, end the attribute, or switch interfaces off.
@@ -231,14 +234,11 @@ class Run {
          return;
       }
       check( frame.size() <= frameHead + mtu, "frames fit the MTU" );
-      if ( application_ == Mrp::MSRP ) {
-         Decoded const said = decode( frame );
-         check( said.faults.empty(), "frames are well-formed", said.text() + '\n' + hex( frame ) );
-      }
+      check( !isMsrp() || decode( frame ).faults.empty(), "frames are well-formed", hex( frame ) );
    }
 
    void switchOff() {
-      endStandby();
+      participant_.endStandby();
       behaviour_ = 0;
       for ( std::string const & name : interfaces ) {
          lib().mrpInterfaceDisable( Pelk::IntfId( name ) );
@@ -262,7 +262,6 @@ class Run {
    static constexpr double longestLeaveTime = 3;
 
    Input in_;
-   Mrp::MrpApplication application_;
    Participant participant_;
    U8 behaviour_ = 0;
    std::size_t frameBytes_ = 0;
