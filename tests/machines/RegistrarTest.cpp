@@ -8,7 +8,8 @@ namespace {
 
 using namespace Mrp;
 
-constexpr U64 stream = 0x100;
+constexpr U64 stream = 0x8000'0000'0000'0100;
+char const * const streamInLogs = "-9223372036854775552";
 
 Talker valued( U32 latency ) {
    Talker value = talker( stream );
@@ -97,19 +98,18 @@ void expectRow( Row const & row, MrpRegistrarEvent event, bool refuses ) {
    EXPECT_EQ( stringValue( after->registrar ), stringValue( refused ? mrpMt : row.next ) );
    EXPECT_EQ( waitsOn( msrp, stream ), row.waits );
 
-   std::string const log =
-      std::string( isJoin           ? "MRP_JOIN: MRP Join received"
-                   : event == regLv ? "MRP_LV: MRP Lv received"
-                                    : "MRP_LV: MRP Lv notified" ) +
-      " on Ethernet1, attrType: 1, key: 256, state: " + stringValue( row.from ) +
-      ", event: " + what;
+   std::string const log = std::string( isJoin           ? "MRP_JOIN: MRP Join received"
+                                        : event == regLv ? "MRP_LV: MRP Lv received"
+                                                         : "MRP_LV: MRP Lv notified" ) +
+                           " on Ethernet1, attrType: 1, key: " + streamInLogs +
+                           ", state: " + stringValue( row.from ) + ", event: " + what;
    std::vector< std::string > lines( row.does.starts_with( "log" ) ? 1 : 0, log );
    std::string does = lines.empty() ? "" : "log ";
    for ( Indication const & told : msrp.lib().indications ) {
       does += "tell ";
       EXPECT_EQ( told.text( Protocol::msrp ),
-                 isJoin ? "join talker 0x100 " + what.substr( 3 ) + " on Ethernet1"
-                        : "leave talker 0x100 on Ethernet1" );
+                 isJoin ? "join talker 0x8000000000000100 " + what.substr( 3 ) + " on Ethernet1"
+                        : "leave talker 0x8000000000000100 on Ethernet1" );
       if ( refused ) { // the words name another application, and the event for the type
          lines.push_back(
             "MRP_ERROR: Join was discarded by MSRP, interface: Ethernet1, attrType: " +
