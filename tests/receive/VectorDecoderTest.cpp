@@ -83,22 +83,5 @@ TEST( VectorEvents, thatAreNoneOfTheSixLeaveTheOthersAlone ) {
    EXPECT_THAT( joined( Vector( three ).eventBytes( { 215 } ) ), IsEmpty() );
 }
 
-// Bit 13 alone is LeaveAll, the two above it are nothing. A LeaveAll puts the own one off.
-TEST( VectorHeader, hasOneBitThatMeansLeaveAll ) {
-   for ( unsigned const header : { 0x0001u, 0x2001u, 0x4001u, 0x8001u, 0xe001u } ) {
-      SCOPED_TRACE( header );
-      bool const leaveAll = ( header & 0x2000 ) != 0;
-      Participant mvrp( Mrp::MVRP );
-      mvrp.advanceTo( 5 );
-      mvrp.sm().parseContext()->leaveAllIs( leaveAll ? 0 : 1 );
-      mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn } ).header( header ) ) );
-      EXPECT_THAT( mvrp.indications(), ElementsAre( "join vlan 10 JoinIn on Ethernet1" ) );
-      EXPECT_EQ( mvrp.sm().parseContext()->leaveAll(), leaveAll ? 1 : 0 );
-      mvrp.clear();
-      mvrp.advanceTo( 10 );
-      EXPECT_EQ( mvrp.sent().empty(), leaveAll );
-   }
-}
-
 } // namespace
 } // namespace TestSupport
