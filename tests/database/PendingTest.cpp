@@ -1,10 +1,15 @@
 // Attributes on their way into and out of the tree: what is seen of them meanwhile, and how fast
-// they go. That nothing is committed while the mirror stream is clogged is the observer's test.
+// they go.
+#include "mrp/observability/MrpAttrLogSm.h"
 #include "mrp/platform/korv/RangeException.h"
 
 #include "tests/support/Participant.h"
 
 #include <gmock/gmock.h>
+
+#include <array>
+#include <sys/socket.h>
+#include <unistd.h>
 
 namespace TestSupport {
 namespace {
@@ -110,6 +115,35 @@ TEST( Pending, settlesWhatComesAndGoesBeforeAReview ) {
       EXPECT_TRUE( mvrp.sm().addPendingAttr().empty() );
       EXPECT_TRUE( mvrp.sm().deletePendingAttr().empty() );
    }
+}
+
+// The stream that the mirror writes to, over a real socket.
+struct Stream : Korv::NboAttrLog::SocketOutSm {
+   Stream() { EXPECT_EQ( socketpair( AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, ends.data() ), 0 ); }
+   ~Stream() override {
+      close( ends[0] );
+      close( ends[1] );
+   }
+   Korv::S32 sockFd() const override { return ends[0]; }
+   std::array< int, 2 > ends{};
+};
+
+// However long that takes, and then it is not the pace of reviews that counts.
+TEST( Pending, waitsForACloggedStreamAndGoesOnWithinATenthOfASecond ) {
+   Korv::Ptr< Stream > const stream( new Stream );
+   Korv::NboAttrLog::top().socketOutSmIs( "host", stream );
+   Participant mvrp( Mrp::MVRP );
+   Korv::NboAttrLog::top().socketOutSmDel( "host" );
+   std::array< char, 4096 > block{};
+   while ( write( stream->ends[0], block.data(), block.size() ) > 0 ) {
+   }
+   mvrp.receive( et1, join( 10 ) );
+   mvrp.advanceTo( 8.5 );
+   EXPECT_EQ( where( mvrp, 10 ), "seen index" );
+   while ( read( stream->ends[1], block.data(), block.size() ) > 0 ) {
+   }
+   mvrp.advanceTo( 8.61 );
+   EXPECT_EQ( where( mvrp, 10 ), "seen tree index" );
 }
 
 // Takes the interface out of the tree on hearing of a level below.
