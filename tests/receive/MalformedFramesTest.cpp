@@ -208,7 +208,7 @@ TEST( CutFrames, endAnywhere ) {
                  listeners( 4, { { New, Ready }, { JoinIn, Ignore } } ), unknown, domain6 ),
       mvrpFrame( message( vlans( 10, { JoinIn, New, Lv, Mt } ), vlans( 20, { In } ).leaveAll() ),
                  unknown, vlan10 ) };
-   for ( unsigned const which : { 0, 1, 2, 3 } ) { // each in both versions
+   for ( unsigned const which : { 0u, 1u, 2u, 3u } ) { // each in both versions
       Participant participant( which % 2 == 0 ? Mrp::MSRP : Mrp::MVRP );
       Bytes whole = Frame( frames[which % 2] ).version( which < 2 ? 0 : 1 );
       for ( U64 count = 1; whole.size() >= 14; whole.pop_back() ) {
