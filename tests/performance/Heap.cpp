@@ -40,23 +40,11 @@ Heap heap() { return now; }
 
 } // namespace Performance
 
-// All forms: one left out would be the runtime's own, and a block of one would go back by the
-// other.
+// The standard library's array forms come down to these. A sanitizer's do not; they are not counted
+// then, and are pairs of their own.
 void * operator new( std::size_t size ) { return Performance::take( size ); }
-void * operator new[]( std::size_t size ) { return Performance::take( size ); }
 void * operator new( std::size_t size, std::nothrow_t const & ) noexcept {
    return Performance::take( size );
 }
-void * operator new[]( std::size_t size, std::nothrow_t const & ) noexcept {
-   return Performance::take( size );
-}
 void operator delete( void * block ) noexcept { Performance::give( block ); }
-void operator delete[]( void * block ) noexcept { Performance::give( block ); }
 void operator delete( void * block, std::size_t ) noexcept { Performance::give( block ); }
-void operator delete[]( void * block, std::size_t ) noexcept { Performance::give( block ); }
-void operator delete( void * block, std::nothrow_t const & ) noexcept {
-   Performance::give( block );
-}
-void operator delete[]( void * block, std::nothrow_t const & ) noexcept {
-   Performance::give( block );
-}

@@ -135,7 +135,6 @@ std::vector< std::string > Participant::indications() const {
 void Participant::clear() {
    sent_.clear();
    lib_->indications.clear();
-   lib_->mutatorCalls.clear();
    if ( sm_->mrpCounters() ) {
       moved();
    }

@@ -94,7 +94,7 @@ class Participant {
    std::vector< std::string > saidWithTimes() const;
 
    std::vector< std::string > indications() const;
-   // Forgets frames, indications and mutator calls; counters() and moved() start anew.
+   // Forgets frames and indications; moved() starts anew.
    void clear();
    // Off, frames and indications are not written down.
    void recordingIs( bool on ) { lib_->recording = on; }

@@ -1,5 +1,6 @@
 // When a registration ends: after a Lv each attribute waits on a timer of its own, after a
-// LeaveAll all of a type wait on one.
+// LeaveAll all of a type wait on one. And what a LeaveAll leaves alone; when it comes is told by
+// the scenarios.
 #include "tests/machines/MachinesTest.h"
 
 #include <sstream>
@@ -8,6 +9,7 @@ namespace TestSupport {
 namespace {
 
 using namespace Mrp;
+using testing::ElementsAre;
 
 // The leaves told of: "10 at 3, 11 at 4".
 std::string left( Participant & mvrp ) {
@@ -20,8 +22,8 @@ std::string left( Participant & mvrp ) {
    return out.str();
 }
 
-// 10 and 11 are registered from 0 on; the leave time is 2, and our own LeaveAll far off. What
-// arrives: "1 Lv 10", at 1 a Lv for 10; "1 LeaveAll 0".
+// 10 and 11 are registered from 0 on; the leave time is 2 but behind a LeaveAll of our own, which
+// is far off. What arrives: "1 Lv 10", at 1 a Lv for 10; "1 LeaveAll 0".
 TEST( Leave, endsARegistrationOneLeaveTimeAfterItsCause ) {
    struct Row {
       char const * what;
@@ -46,6 +48,7 @@ TEST( Leave, endsARegistrationOneLeaveTimeAfterItsCause ) {
       SCOPED_TRACE( row.what );
       Participant mvrp( MVRP );
       mvrp.config().leaveTimeIs( 2 );
+      mvrp.config().txLeaveAllExpiryTimeIs( 5 );
       mvrp.config().leaveAllTimeIs( 100 );
       mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn, JoinIn } ) ) );
       std::istringstream arrivals( row.arrivals );
@@ -66,73 +69,54 @@ TEST( Leave, endsARegistrationOneLeaveTimeAfterItsCause ) {
    }
 }
 
-// One LeaveAll is received at 1, and our own goes out at 11. Exactly 0.6 is no time but says: the
-// interface's; an interface's 0 is none.
-TEST( Leave, takesTheTimeForItsCause ) {
-   struct Row {
-      double system, interface, afterOurs;
-      char const * left;
-   };
-   for ( Row const & row : { Row{ 3, 2, 0.6, "10 at 3, 10 at 13" },
-                             { 3, 2, 0.7, "10 at 3, 10 at 11.7" },
-                             { 3, 0, 0.6, "10 at 4, 10 at 14" },
-                             { 3, 0, 5, "10 at 4, 10 at 16" } } ) {
-      Participant mvrp( MVRP );
-      mvrp.config().leaveTimeIs( row.system );
-      mvrp.config().intfLeaveTimeIs( id( et1 ), row.interface );
-      mvrp.config().txLeaveAllExpiryTimeIs( row.afterOurs );
-      mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn } ) ) );
-      mvrp.advanceTo( 1 );
-      mvrp.receive( et1, mvrpFrame( vlanLeaveAll() ) );
-      mvrp.advanceTo( 5 );
-      mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn } ) ) );
-      mvrp.advanceTo( 17 );
-      EXPECT_EQ( left( mvrp ), row.left );
-   }
+// What is marked for deletion is not there for a LeaveAll of our own, posted or out of turn, nor
+// for one that is received.
+TEST( LeaveAll, passesOverWhatIsMarkedForDeletion ) {
+   Participant mvrp( MVRP );
+   mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn, JoinIn } ) ) );
+   mvrp.advanceTo( 1 );
+   mvrp.lib().mrpCleanUpIntfDatabaseAttribute( id( et1 ), vlanType, 10 );
+   post( mvrp, txLvAll, regTxLvAll );
+   mvrp.sm().mrpPamSm()->transmitAllLeaveAll( id( et1 ) );
+   mvrp.receive( et1, mvrpFrame( vlanLeaveAll() ) );
+   EXPECT_THAT( mvrp.said(),
+                ElementsAre( "Ethernet1: vlan{11 In; LeaveAll 11 Mt}", "Ethernet1: vlan{11 Mt}" ) );
+   EXPECT_EQ( mvrp.states( et1, 10 ), "none" );
+   auto const * const index = mvrp.sm().mrpAttrIter( { id( et1 ), vlanType } );
+   EXPECT_EQ( index->attributeKey().size(), 1u );
 }
 
-// A machine of one attribute goes with its interface; the shared one fires, and finds nothing.
-TEST( Leave, tellsNothingOfAnInterfaceThatWasDisabled ) {
-   Participant mvrp( MVRP );
+// A leave machine of one attribute goes at once; the shared one fires, and finds nothing.
+TEST( Timers, tellNothingOfAnInterfaceThatWasDisabled ) {
+   Participant mvrp( MVRP, { et1, "Ethernet2" } );
    mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn, JoinIn } ) ) );
    mvrp.receive( et1, mvrpFrame( vlans( 10, { Lv } ) ) );
    mvrp.receive( et1, mvrpFrame( vlanLeaveAll() ) );
+   mvrp.clear();
    ASSERT_EQ( waitsOn( mvrp, 10 ), "explicit shared" );
    mvrp.lib().mrpInterfaceDisable( id( et1 ) );
    EXPECT_TRUE( mvrp.sm().registrarSm()->explicitLeaveSm().empty() );
    EXPECT_EQ( waitsOn( mvrp, 10 ), "shared" );
-   mvrp.advanceTo( 5 );
+   auto const * const published = mvrp.status().application( MVRP );
+   EXPECT_EQ( published->leaveAllTime( { id( et1 ), vlanType } ), 0 );
+   EXPECT_FALSE( mvrp.sm().leaveAllSm()->intfLeaveAllSm( id( et1 ) ) );
+   mvrp.advanceTo( 11 );
    EXPECT_TRUE( mvrp.sm().registrarSm()->leaveSm().empty() );
-   EXPECT_EQ( left( mvrp ), "" );
-   EXPECT_EQ( mvrp.counters().numOfLeaveIndications(), 0u );
+   EXPECT_EQ( mvrp.moved(), "" );
+   EXPECT_THAT( mvrp.said(), ElementsAre( "Ethernet2: vlan{LeaveAll}" ) );
 }
 
-// A frame that came during standby still waits, so that each arrival brings the one before it: 10
-// and 11 have been joined and left, and the frame given here is still to be read.
-class LeaveWithAFrameThatWaits : public testing::Test {
- protected:
-   void arrive( Vector const & waiting ) {
-      mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn, JoinIn } ) ) );
-      mvrp.sm().standbyModeIs( false );
-      mvrp.sm().handleStandbyMode();
-      mvrp.receive( et1, mvrpFrame( vlans( 10, { Lv, Lv } ) ) );
-      mvrp.receive( et1, mvrpFrame( waiting ) );
-      ASSERT_EQ( mvrp.states( et1, 11 ), "mrpVeryAnxiousObserver mrpLv" );
-   }
-   Participant mvrp{ MVRP, { et1 }, { .standby = true } };
-};
-
-TEST_F( LeaveWithAFrameThatWaits, readsItFirst ) {
-   arrive( vlans( 11, { JoinIn } ) );
-   mvrp.advanceTo( 3 );
-   EXPECT_EQ( left( mvrp ), "10 at 0.6" );
-   EXPECT_EQ( mvrp.states( et1, 11 ), "mrpAnxiousObserver mrpIn" );
-}
-
-// Over it the application may close the interface and open it anew: that one is alive like any
-// other.
-TEST_F( LeaveWithAFrameThatWaits, leavesAnInterfaceAliveThatItHasReopened ) {
-   arrive( vlans( 20, { JoinIn } ) );
+// A frame that came during standby still waits, and a leave reads it before it is told of. Over it
+// the application closes the interface and opens it anew: that one is alive like any other.
+TEST( Leave, leavesAnInterfaceAliveThatAFrameHasReopened ) {
+   Participant mvrp( MVRP, { et1 }, { .standby = true } );
+   // Each arrival brings the one before it.
+   mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn, JoinIn } ) ) );
+   mvrp.sm().standbyModeIs( false );
+   mvrp.sm().handleStandbyMode();
+   mvrp.receive( et1, mvrpFrame( vlans( 10, { Lv, Lv } ) ) );
+   mvrp.receive( et1, mvrpFrame( vlans( 20, { JoinIn } ) ) );
+   ASSERT_EQ( mvrp.states( et1, 11 ), "mrpVeryAnxiousObserver mrpLv" );
    mvrp.lib().react = [&]( Indication const & indication ) {
       ASSERT_EQ( indication.key, 20u );
       mvrp.lib().mrpInterfaceDisable( id( et1 ) );
@@ -143,9 +127,8 @@ TEST_F( LeaveWithAFrameThatWaits, leavesAnInterfaceAliveThatItHasReopened ) {
    mvrp.lib().react = {};
    mvrp.receive( et1, mvrpFrame( vlans( 30, { JoinIn } ) ) );
    EXPECT_EQ( mvrp.states( et1, 30 ), "mrpAnxiousObserver mrpIn" );
-   mvrp.clear();
    mvrp.advanceTo( 12 );
-   EXPECT_THAT( mvrp.said(), testing::Contains( testing::HasSubstr( "LeaveAll" ) ) );
+   EXPECT_EQ( mvrp.said().back(), "Ethernet1: vlan{LeaveAll 30 In}" );
 }
 
 } // namespace
