@@ -161,6 +161,46 @@ TEST_P( Engine, sendsAwayWhoTakesNothingForTooLong ) {
    EXPECT_EQ( other.connection.streams(), 1u ) << other.connection.lastError();
 }
 
+void step( Participant & mvrp, Random & random ) {
+   std::string const & intf = random.oneOf( { et1, et2 } );
+   auto const vlan = static_cast< U16 >( 1 + random.below( 40 ) );
+   switch ( random.below( 8 ) ) {
+   case 0: mvrp.lib().mrpInterfaceDisable( Pelk::IntfId( intf ) ); break;
+   case 1: mvrp.lib().mrpInterfaceEnable( Pelk::IntfId( intf ) ); break;
+   case 2: mvrp.declare( intf, Vlan{ vlan }, random.below( 6 ) ); break;
+   case 3: mvrp.receive( intf, mvrpFrame( vlans( vlan, { Lv, Lv, Lv, Lv } ) ) ); break;
+   default: mvrp.receive( intf, mvrpFrame( vlans( vlan, { JoinIn, New, JoinMt, In, JoinIn } ) ) );
+   }
+   mvrp.advanceBy( random.below( 3 ) * 0.2 );
+}
+
+TEST_P( Engine, equalsEachObserversTreeWhateverHappens ) {
+   for ( U64 seed = 1; seed <= 20; ++seed ) {
+      Random random( seed );
+      Scene scene( address(), soonFull );
+      std::vector< std::unique_ptr< Observer > > observers( 3 );
+      for ( int i = 0; i < 100; ++i ) {
+         step( *scene.mvrp, random );
+         auto & observer = observers[random.below( observers.size() )];
+         if ( !observer ) {
+            observer = std::make_unique< Observer >( scene );
+         } else if ( random.below( 8 ) == 0 ) {
+            observer = nullptr;
+         } else {
+            observer->connection.readingIs( random.below( 3 ) == 0 );
+         }
+         scene.sockets.runFor( 0 );
+      }
+      for ( auto & reader : observers ) {
+         if ( reader ) {
+            reader->connection.readingIs( true );
+            ASSERT_TRUE( scene.run( [&] { return reader->equal(); }, 0 ) ) << "seed " << seed;
+            EXPECT_LE( reader->connection.streams(), 1u ) << reader->connection.lastError();
+         }
+      }
+   }
+}
+
 TEST_P( Engine, isFoundAgain ) {
    Scene scene( address() );
    Observer observer( scene );
