@@ -88,7 +88,7 @@ std::string saidOfIt( Participant const & mvrp ) {
    std::string all;
    for ( SentFrame const & frame : mvrp.sent() ) {
       std::string in;
-      for ( Declared const & value : decode( frame.bytes ).values() ) {
+      for ( Declared const & value : decode( frame.bytes ).declared ) {
          in += ( in.empty() ? "" : " " ) + std::string( name( value.event ) );
       }
       all += ( all.empty() || in.empty() ? "" : "|" ) + in;

@@ -8,6 +8,7 @@
 #include "mrp/platform/linux/RealActivity.h"
 
 #include "tests/support/Participant.h"
+#include "tests/support/Random.h"
 #include "tests/support/TreeText.h"
 
 #include <gmock/gmock.h>

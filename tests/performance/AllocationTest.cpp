@@ -30,13 +30,19 @@ unsigned long allocationsOf( F && round ) {
 TEST( Allocation, aSteadyRefreshMakesNone ) {
    std::vector< Event > const joins( 2000, JoinIn );
    std::vector< ListenerEvent > const ready( 2000, { JoinIn, Ready } );
-   for ( Bytes const frame :
-         { mvrpFrame( vlans( 1, joins ) ), msrpFrame( talkers( 1, joins ) ),
-           msrpFrame( failedTalkers( { talker( 1 ) }, joins ) ), msrpFrame( listeners( 1, ready ) ),
-           msrpFrame( domains( { 5, 2, 2 }, { JoinIn, JoinIn } ) ) } ) {
+   struct Case {
+      Mrp::MrpApplication application;
+      Bytes frame;
+   };
+   for ( auto const & [application, frame] : std::initializer_list< Case >{
+            { Mrp::MVRP, mvrpFrame( vlans( 1, joins ) ) },
+            { Mrp::MSRP, msrpFrame( talkers( 1, joins ) ) },
+            { Mrp::MSRP, msrpFrame( failedTalkers( { talker( 1 ) }, joins ) ) },
+            { Mrp::MSRP, msrpFrame( listeners( 1, ready ) ) },
+            { Mrp::MSRP, msrpFrame( domains( { 5, 2, 2 }, { JoinIn, JoinIn } ) ) } } ) {
       Decoded const said = decode( frame );
       SCOPED_TRACE( said.text().substr( 0, 10 ) );
-      Participant participant( said.protocol == Protocol::mvrp ? Mrp::MVRP : Mrp::MSRP );
+      Participant participant( application );
       participant.config().leaveAllTimeIs( 1e6 );
       participant.recordingIs( false );
       auto const refresh = [&] {
@@ -49,7 +55,7 @@ TEST( Allocation, aSteadyRefreshMakesNone ) {
       auto const joined = participant.counters().numOfJoinIndications();
       EXPECT_EQ( allocationsOf( refresh ), 0u );
       EXPECT_EQ( participant.counters().numOfJoinIndications() - joined,
-                 20 * said.values().size() );
+                 20 * said.declared.size() );
    }
 }
 

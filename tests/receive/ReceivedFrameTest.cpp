@@ -126,7 +126,7 @@ TEST( ReceivedFrame, hasItsDomainsAnsweredWithTheStoredOnes ) {
    }
    Decoded const answer = decode( msrp.sent().at( 0 ).bytes );
    EXPECT_EQ( answer.text(), "domain{6 JoinMt}" );
-   EXPECT_EQ( hex( answer.values().at( 0 ).value ), "06 03 00 02" );
+   EXPECT_EQ( hex( answer.declared.at( 0 ).value ), "06 03 00 02" );
    ASSERT_EQ( msrp.lib().indications.size(), 3u );
    for ( Indication const & indication : msrp.lib().indications ) {
       EXPECT_EQ( hex( indication.value ), "06 01 00 63" );

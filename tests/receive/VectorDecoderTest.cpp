@@ -31,7 +31,7 @@ std::vector< std::string > valuesToJoin( Protocol protocol, Vector const & vecto
    Decoded const frame = decode( Frame( protocol, { vector } ) );
    EXPECT_THAT( frame.faults, IsEmpty() );
    std::vector< std::string > values;
-   for ( Declared const & declared : frame.values() ) {
+   for ( Declared const & declared : frame.declared ) {
       if ( declared.event == New || declared.event == JoinIn || declared.event == JoinMt ) {
          bool const declares = vector.type() == listenerType && protocol == Protocol::msrp;
          values.push_back( hex( declares ? stored( Listener{ declared.key, declared.declaration } )

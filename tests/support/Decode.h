@@ -16,13 +16,10 @@ struct Declared {
 
 struct Decoded {
    U64 from = 0;
-   std::vector< Declared > declared;
-   std::string said; // the text without the faults
+   std::vector< Declared > declared; // all values of all vectors, in the order of the frame
+   std::string said;                 // the text without the faults
    std::vector< std::string > faults;
    bool typesAscend = true; // a frame whose types do not is sound, too
-
-   // All values of all vectors, in the order of the frame.
-   std::vector< Declared > values() const { return declared; }
 
    // A message in braces, its vectors apart by semicolons; values apart by commas, with the
    // LeaveAll mark ahead of them:

@@ -28,7 +28,6 @@ class Vector {
    Vector & header( unsigned header ) { return header_ = static_cast< U16 >( header ), *this; }
    // The event bytes as they stand, a listener's four-packed ones included.
    Vector & eventBytes( Bytes bytes ) { return eventBytes_ = std::move( bytes ), *this; }
-   Vector & firstValue( Bytes bytes ) { return firstValue_ = std::move( bytes ), *this; }
 
    U8 type() const { return type_; }
    std::size_t attributeLength() const { return firstValue_.size(); }

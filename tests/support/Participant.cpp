@@ -44,8 +44,7 @@ Participant::Participant( Mrp::MrpApplication application,
    host_->brConfig()->bridgeMacAddrIs( address( 0x0200'0000'00ff ) );
    U64 port = 0x0200'0000'0001;
    for ( std::string const & name : interfaces ) {
-      auto const addr = options.portAddresses ? std::optional( address( port++ ) ) : std::nullopt;
-      host_->interfaceIs( Pelk::IntfId( name ), addr, options.mtu );
+      host_->interfaceIs( Pelk::IntfId( name ), address( port++ ), options.mtu );
    }
    host_->onTransmit( [this]( Pelk::IntfId const & intfId, Memory::FrameBytes frame ) {
       if ( lib_->recording ) {
@@ -110,16 +109,6 @@ std::vector< std::string > Participant::said() const {
    std::vector< std::string > all;
    for ( SentFrame const & frame : sent_ ) {
       all.push_back( frame.interface + ": " + says( frame.bytes ) );
-   }
-   return all;
-}
-
-std::vector< std::string > Participant::saidWithTimes() const {
-   std::vector< std::string > all = said();
-   for ( std::size_t i = 0; i < all.size(); ++i ) {
-      std::ostringstream time;
-      time << sent_[i].time << ' ';
-      all[i] = time.str() + all[i];
    }
    return all;
 }

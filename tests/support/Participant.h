@@ -51,7 +51,6 @@ class Participant {
       bool standby = false;
       bool randomLeaveAll = false;
       std::optional< U32 > mtu = 1500; // of each interface; none: no status entry
-      bool portAddresses = true;       // 02:00:00:00:00:01 and on; else no port entry
       // Several participants share a clock; whoever gives it has made it first.
       Memory::VirtualActivity * activity = nullptr;
       // Called before the participant is made.
@@ -89,9 +88,8 @@ class Participant {
 
    // All frames that have left since the last clear(), in their order.
    std::vector< SentFrame > const & sent() const { return sent_; }
-   // "Ethernet1: vlan{10 JoinIn}", and with the time in front "0.1 Ethernet1: vlan{10 JoinIn}".
+   // "Ethernet1: vlan{10 JoinIn}".
    std::vector< std::string > said() const;
-   std::vector< std::string > saidWithTimes() const;
 
    std::vector< std::string > indications() const;
    // Forgets frames and indications; moved() starts anew.

@@ -26,7 +26,7 @@ TEST( FrameTransmission, sendsTheFrameWhenItIsFull ) {
             sender.send( valueOf( i ), New );
          }
          EXPECT_FALSE( sender.isOpen() );
-         return decode( sender.sent().at( 0 ).bytes ).values().size();
+         return decode( sender.sent().at( 0 ).bytes ).declared.size();
       };
       EXPECT_EQ( valuesInAFrame( Mrp::MVRP, []( U16 i ) { return Vlan{ i }; } ), row.vlans );
       EXPECT_EQ( valuesInAFrame( Mrp::MSRP, []( U16 i ) { return talker( i ); } ), row.talkers );
@@ -43,7 +43,7 @@ TEST( FrameTransmission, hasRoomForTheLargestStep ) {
    msrp.send( FailedTalker{ talker( 1 ) }, New ); // 43
    ASSERT_EQ( msrp.sent().size(), 1u );
    EXPECT_EQ( msrp.sent()[0].bytes.size(), 1497u );
-   EXPECT_EQ( decode( msrp.sent()[0].bytes ).values().size(), 4213u );
+   EXPECT_EQ( decode( msrp.sent()[0].bytes ).declared.size(), 4213u );
    EXPECT_THAT( decode( msrp.sent()[0].bytes ).faults, IsEmpty() );
 }
 
