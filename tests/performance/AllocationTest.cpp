@@ -34,19 +34,19 @@ TEST( Allocation, aSteadyRefreshMakesNone ) {
       Mrp::MrpApplication application;
       Bytes frame;
    };
-   for ( auto const & [application, frame] : std::initializer_list< Case >{
+   for ( Case const & each : std::initializer_list< Case >{
             { Mrp::MVRP, mvrpFrame( vlans( 1, joins ) ) },
             { Mrp::MSRP, msrpFrame( talkers( 1, joins ) ) },
             { Mrp::MSRP, msrpFrame( failedTalkers( { talker( 1 ) }, joins ) ) },
             { Mrp::MSRP, msrpFrame( listeners( 1, ready ) ) },
             { Mrp::MSRP, msrpFrame( domains( { 5, 2, 2 }, { JoinIn, JoinIn } ) ) } } ) {
-      Decoded const said = decode( frame );
+      Decoded const said = decode( each.frame );
       SCOPED_TRACE( said.text().substr( 0, 10 ) );
-      Participant participant( application );
+      Participant participant( each.application );
       participant.config().leaveAllTimeIs( 1e6 );
       participant.recordingIs( false );
       auto const refresh = [&] {
-         participant.receive( "Ethernet1", frame );
+         participant.receive( "Ethernet1", each.frame );
          participant.advanceBy( 0.2 );
       };
       unsigned long const atFirst = heap().allocations;
