@@ -170,6 +170,17 @@ TEST( AttrLog, tellsOfCountersOnceATurn ) {
    EXPECT_THAT( sender.said(), ElementsAre( "1 267" + seven ) );
 }
 
+TEST( AttrLog, takesWhatIsPendingToAnotherStream ) {
+   Sender sender( Korv::Ptr< Mrp::MrpCounters >( new Mrp::MrpCounters( "c" ) ) );
+   sender.said();
+   sender.entity->numOfLeaveIndicationsInc( 7 );
+   sender.entity = nullptr; // and is kept until that has been told
+   Output other;
+   sender.adapter.doRemountSelf( &other );
+   EXPECT_THAT( said( other ), testing::Contains( "1 267: 00 00 00 00 00 00 00 07" ) );
+   sender.adapter.doRemountSelf( nullptr );
+}
+
 TEST( AttrLog, refusesAChangeOfWhatIsReadOnly ) {
    Sender sender( vlansOf( { 10 } ) );
    sender.said();

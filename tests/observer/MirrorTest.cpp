@@ -118,7 +118,6 @@ struct Watcher : MrpAttrDatabase::Reactor {
    int changes = 0;
 };
 
-// A watcher hears of what has changed, also across connections.
 TEST( Mirror, hasAnAttributeThoughNothingElseIsSaid ) {
    Original original;
    auto & vlans = original.vlans();
@@ -129,6 +128,7 @@ TEST( Mirror, hasAnAttributeThoughNothingElseIsSaid ) {
    EXPECT_EQ( textOf( line.mirror() ), textOf( original ) );
 }
 
+// A watcher hears of what has changed, also across connections.
 TEST( Mirror, keepsItsEntitiesFromStreamToStream ) {
    Original original;
    auto & vlans = original.vlans();

@@ -6,7 +6,7 @@
 # scraped HOST PYTHON: runs it there, with `get`.
 scraped() {
    on "$1" python3 -c "
-import os, signal, socket, sys, time, urllib.error, urllib.request
+import os, re, signal, socket, sys, time, urllib.error, urllib.request
 pid = ${pids[right]}
 def get( path, method = 'GET', host = '127.0.0.1:9100' ):
    request = urllib.request.Request( f'http://{host}{path}', method = method )
@@ -15,7 +15,7 @@ def get( path, method = 'GET', host = '127.0.0.1:9100' ):
          return answer.status, answer.headers, answer.read().decode()
    except urllib.error.HTTPError as error:
       return error.code, error.headers, ''
-$2" 2>> "$work/scrape.err"
+$2" "$MRP_SOURCE_DIR/docs/observability.md" 2>> "$work/scrape.err"
 }
 
 host left right
@@ -34,6 +34,8 @@ while "interface=\"eth0\",type=\"VLAN\",state=\"IN\"} 3\n" not in text: # from t
    assert time.monotonic() < deadline, text
    status, headers, text = get( "/metrics" )
    assert status == 200 and headers[ "Content-Type" ].startswith( "text/plain; version=0.0.4" )
+documented = re.findall( r"`(mrp_\w+_total)`", open( sys.argv[ 1 ] ).read() )
+assert len( documented ) >= 10 and not [ name for name in documented if f"\n{name} " not in text ]
 assert get( "/metrics", "HEAD" )[ 2 ] == ""
 assert get( "/" )[ 0 ] == 404
 status, headers, text = get( "/metrics", "DELETE" )

@@ -29,17 +29,17 @@ void Adapter::doRemountSelf( Output * output ) {
 void Adapter::doStart( Output * output, U64 parent, U16 parentAttrId ) {
    output_ = output;
    identifier_ = output->newIdentifier();
-   doListen();
    bool const room = output->continueFlowOut();
-   if ( room && doSerializeAll( parent, parentAttrId ) ) {
-      return;
+   if ( !room || !doSerializeAll( parent, parentAttrId ) ) {
+      doSerializeOrphan( parent, parentAttrId );
+      flowOutIs( firstOwnAttr );
+      doMarkAll();
+      if ( room ) {
+         doResumeFlowOut();
+      }
    }
-   doSerializeOrphan( parent, parentAttrId );
-   flowOutIs( firstOwnAttr );
-   doMarkAll();
-   if ( room ) {
-      doResumeFlowOut();
-   }
+   // Last, since it lets an entity go that was kept for this.
+   doListen();
 }
 
 void Adapter::suspendedIs( bool suspended ) {

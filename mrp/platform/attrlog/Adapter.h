@@ -7,7 +7,8 @@
 //
 //  1. Direct mode: nothing is pending, a change is written at once. Otherwise there is a FlowOut,
 //     which says what is pending, and the adapter stands in the output's queue of flows. A root
-//     that changes many times a frame never writes at once (EntityAdapter::gathers).
+//     that changes many times a frame never writes at once (EntityAdapter::gathers), and a newcomer
+//     (Output.h) says and hears nothing before it is told of.
 //  2. Nothing is sent about an entity before its orphan record.
 //  3. A value that is being received is not sent.
 #pragma once

@@ -107,7 +107,8 @@ class Output {
 
  protected:
    // There is something more: at least so many bytes wait as the transport wants to hear of, or a
-   // flow or a newcomer waits for its turn.
+   // flow or a newcomer waits for its turn, perhaps with no byte yet. Only idle() says that all is
+   // told.
    virtual void handleBytes() {}
    void heardFromIs( std::size_t bytes ) { heardFrom_ = bytes; }
    // Nothing of what waits may be sent any more; a message may have remained half.

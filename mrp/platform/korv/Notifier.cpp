@@ -23,10 +23,11 @@ void Notifier::watcherAdd( ReactorBase * watcher ) const {
       return onlyIs( watcher );
    }
    if ( auto * const first = only() ) {
-      auto * const made = new Watchers;
+      Ptr< Watchers > const made( new Watchers );
+      made->list = { first, watcher };
       made->referenceAdd();
-      watching_ = reinterpret_cast< std::uintptr_t >( made ) + listMark;
-      made->list.push_back( first );
+      watching_ = reinterpret_cast< std::uintptr_t >( made.ptr() ) + listMark;
+      return;
    }
    watchers()->list.push_back( watcher );
 }
@@ -62,7 +63,6 @@ void ReactorBase::isRegisteredNotifieeIs( bool registered ) {
    if ( registered == registered_ ) {
       return;
    }
-   registered_ = registered;
    if ( notifier_ ) {
       if ( registered ) {
          notifier_->watcherAdd( this );
@@ -70,6 +70,7 @@ void ReactorBase::isRegisteredNotifieeIs( bool registered ) {
          notifier_->watcherDel( this );
       }
    }
+   registered_ = registered;
 }
 
 void ReactorBase::watchedIs( Notifier const * notifier ) {
@@ -79,10 +80,11 @@ void ReactorBase::watchedIs( Notifier const * notifier ) {
    if ( notifier_ && registered_ ) {
       notifier_->watcherDel( this );
    }
-   notifier_ = notifier;
-   if ( notifier_ && registered_ ) {
-      notifier_->watcherAdd( this );
+   notifier_ = nullptr;
+   if ( notifier && registered_ ) {
+      notifier->watcherAdd( this );
    }
+   notifier_ = notifier;
 }
 
 } // namespace Korv

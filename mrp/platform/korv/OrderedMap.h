@@ -25,8 +25,9 @@ template < class K, class V >
 class OrderedMap {
    static constexpr std::size_t rowSize = 64;
 
-   // Some members that stand side by side, in memory that doubles. When the first one goes, as in a
-   // set that is worked off from its front, the others stay where they are.
+   // Some members that stand side by side, in memory that doubles, or for a whole row from the start
+   // behind a full one. When the first one goes, as in a set that is worked off from its front, the
+   // others stay where they are until room is needed behind the last.
    class Row {
     public:
       std::size_t size() const { return size_; }
@@ -43,7 +44,15 @@ class OrderedMap {
 
       // For one more behind the last, or for so many in all.
       void makeRoom() {
-         if ( keys_ + size_ == keyRoom_.get() + room_ ) {
+         if ( keys_ + size_ != keyRoom_.get() + room_ ) {
+            return;
+         }
+         if ( size_ < room_ && size_ <= room_ / 2 ) {
+            std::copy( keys_, keys_ + size_, keyRoom_.get() );
+            std::move( values_, values_ + size_, valueRoom_.get() );
+            keys_ = keyRoom_.get();
+            values_ = valueRoom_.get();
+         } else {
             makeRoom( std::max( 2 * size_, 1u ) );
          }
       }
@@ -144,7 +153,7 @@ class OrderedMap {
       return &row->value( at );
    }
 
-   // The value under the key, made by `make()` if there is none yet.
+   // The value under the key, made by `make()` if there is none yet, which leaves the map alone.
    template < class Make >
    V & findOrMake( K const & key, Make && make ) {
       bool const behindAll = isBehindAll( key );
