@@ -25,9 +25,9 @@ template < class K, class V >
 class OrderedMap {
    static constexpr std::size_t rowSize = 64;
 
-   // Some members that stand side by side, in memory that doubles, or for a whole row from the start
-   // behind a full one. When the first one goes, as in a set that is worked off from its front, the
-   // others stay where they are until room is needed behind the last.
+   // Some members that stand side by side, in memory that doubles, or for a whole row from the
+   // start behind a full one. When the first one goes, as in a set that is worked off from its
+   // front, the others stay where they are until room is needed behind the last.
    class Row {
     public:
       std::size_t size() const { return size_; }
