@@ -35,7 +35,7 @@ while "interface=\"eth0\",type=\"VLAN\",state=\"IN\"} 3\n" not in text: # from t
    status, headers, text = get( "/metrics" )
    assert status == 200 and headers[ "Content-Type" ].startswith( "text/plain; version=0.0.4" )
 documented = re.findall( r"`(mrp_\w+_total)`", open( sys.argv[ 1 ] ).read() )
-assert len( documented ) >= 10 and not [ name for name in documented if f"\n{name} " not in text ]
+assert len( documented ) >= 10 and all( f"# TYPE {name} counter\n" in text for name in documented )
 assert get( "/metrics", "HEAD" )[ 2 ] == ""
 assert get( "/" )[ 0 ] == 404
 status, headers, text = get( "/metrics", "DELETE" )
