@@ -21,7 +21,7 @@ class ByteCount {
 };
 
 template < class To >
-void putHeader( To & to, std::size_t payloadBytes, U64 entity, S16 attrId, U8 flags ) {
+void nextHeaderIs( To & to, std::size_t payloadBytes, U64 entity, S16 attrId, U8 flags ) {
    to.put( static_cast< U32 >( headerBytes + payloadBytes ) );
    to.put( entity );
    to.put( attrId );
@@ -30,7 +30,7 @@ void putHeader( To & to, std::size_t payloadBytes, U64 entity, S16 attrId, U8 fl
 
 template < class To, class... Part >
 void putMessage( To & to, U64 entity, S16 attrId, Part const &... part ) {
-   putHeader( to, ( std::size_t{ 2 } + ... + ByteWriter::size( part ) ), entity, attrId, plain );
+   nextHeaderIs( to, ( std::size_t{ 2 } + ... + ByteWriter::size( part ) ), entity, attrId, plain );
    to.put( tokenBegin );
    ( to.put( part ), ... );
    to.put( tokenEnd );
@@ -38,7 +38,7 @@ void putMessage( To & to, U64 entity, S16 attrId, Part const &... part ) {
 
 template < class To >
 void putMarker( To & to, U64 entity, U16 attrId, Marker marker ) {
-   putHeader( to, 1, entity, static_cast< S16 >( attrId ), transaction );
+   nextHeaderIs( to, 1, entity, static_cast< S16 >( attrId ), transaction );
    to.put( static_cast< U8 >( marker ) );
 }
 
