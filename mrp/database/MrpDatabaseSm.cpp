@@ -118,8 +118,11 @@ void MrpDatabaseDeleteSm::doCommit( MrpAttribute const & attribute ) {
       type->mrpAttributeDel( attribute.attributeVal() );
       trace( 7, "intf:", attribute.intfId(), " type = ", attribute.attributeType(), "key = 0x",
              Korv::Hex{ attribute.attributeVal() }, " DELETED " );
-      mrpSm()->removeFromAttrIter( attribute.intfId(), attribute.attributeType(),
-                                   attribute.attributeVal() );
+      // Who is told of it may have declared it anew.
+      if ( !mrpSm()->addPendingAttr( attribute ) ) {
+         mrpSm()->removeFromAttrIter( attribute.intfId(), attribute.attributeType(),
+                                      attribute.attributeVal() );
+      }
    }
    mrpSm()->deletePendingAttrDel( attribute );
 }

@@ -32,17 +32,16 @@ void MrpLib::mvrpVlanVectorTxIs( MvrpVlanAttribute const & v ) { vlanTx_ = v; }
 
 namespace {
 
-// Calls made() if the context is new.
+// Calls made() if the context is new; null if that takes it away.
 template < class Made >
 MrpTxPacketContext * findOrMake( MrpLib::TxPacketContexts & contexts, Pelk::IntfId intfId,
                                  Korv::Ptr< Pelk::Pkt > const & pkt, Made made ) {
    if ( MrpTxPacketContext * const found = Korv::memberAt( contexts, intfId ) ) {
       return found;
    }
-   auto const context = Korv::newValidPtr< MrpTxPacketContext >( intfId, pkt );
-   contexts.insertOrAssign( intfId, context );
+   contexts.insertOrAssign( intfId, Korv::newValidPtr< MrpTxPacketContext >( intfId, pkt ) );
    made();
-   return context.ptr();
+   return Korv::memberAt( contexts, intfId );
 }
 
 } // namespace

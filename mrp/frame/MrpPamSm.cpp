@@ -48,17 +48,52 @@ MrpIntfPamSm * MrpPamSm::mrpIntfPamSmIs( Pelk::IntfId intfId, Korv::Ptr< Pelk::P
    return Korv::memberIs( mrpIntfPamSm_, intfId, intfId, std::move( pam ), standbyMode, this );
 }
 
+namespace {
+
+// For as long as it lives the interface is in the set.
+class Changing {
+ public:
+   using Set = Korv::HashMap< Pelk::IntfId, bool >;
+
+   Changing( Set & set, Pelk::IntfId intfId ) : set_( set ), intfId_( intfId ) {
+      set_.insertOrAssign( intfId_, true );
+   }
+   ~Changing() { set_.erase( intfId_ ); }
+   Changing( Changing const & ) = delete;
+   Changing & operator=( Changing const & ) = delete;
+
+ private:
+   Set & set_;
+   Pelk::IntfId intfId_;
+};
+
+} // namespace
+
 void MrpPamSm::handlePam( Pelk::IntfId intfId ) {
    Sornlog::log( Ring::pamHandlePam, intfId );
    trace( 8, "MrpPamSm::handlePam( ", intfId, " )" );
    Korv::assertThat( initialized(), "initialized()" );
+   if ( changing_.isMember( intfId ) ) {
+      return;
+   }
+   Changing const changing( changing_, intfId );
    bool const isMember = mrpIntfPamSm_.isMember( intfId );
-   if ( auto const * const pam = pamCollection_->intfPam().find( intfId ) ) {
+   if ( pamCollection_->intfPam( intfId ) ) {
       Korv::assertThat( !isMember, "!mrpIntfPamSmIteratorConst().isMemberOf( intfId )" );
-      mrpIntfPamSmIs( intfId, *pam, standbyMode_ );
    } else {
       Korv::assertThat( isMember, "mrpIntfPamSmIteratorConst().isMemberOf( intfId )" );
-      mrpIntfPamSmDel( intfId );
+   }
+   for ( ;; ) {
+      Korv::Ptr< Pelk::Pam > const pam = pamCollection_->intfPam( intfId );
+      MrpIntfPamSm const * const sm = mrpIntfPamSm( intfId ); // not held: see its header
+      if ( sm ? pam && pam == sm->pam() : !pam ) {
+         return;
+      }
+      if ( sm ) {
+         mrpIntfPamSmDel( intfId );
+      } else {
+         mrpIntfPamSmIs( intfId, pam, standbyMode_ );
+      }
    }
 }
 

@@ -66,6 +66,9 @@ class MrpPamSm : public Korv::PtrInterface {
    bool standbyMode_;
    MrpSm * mrpSm_;           // the owner
    IntfPamSms mrpIntfPamSm_; // behind mrpSm_, which its machines need as they end
+   // Whose machine is opening or closing. Whoever is told of the LeaveAll that begins or ends with
+   // it may open or close the interface anew: that is seen to when the machine is done.
+   Korv::HashMap< Pelk::IntfId, bool > changing_;
    bool initialized_ = false;
    KorvPamCollection korvPamCollection_{ *this };
 };

@@ -110,8 +110,8 @@ void MrpSm::handleStandbyMode() {
    namedIs( parseContext_, "MrpParseContext" ).eventsCounterIs( 0 );
    timerWheel_ = Korv::newValidPtr< Dovr::TimerWheel >( nullptr, clock, tickMsecs, initialMaxTicks,
                                                         true, defaultBucketSize );
-   mrpAttrLogSm_ = Korv::newValidPtr< MrpAttrLogSm >(
-      Korv::NboAttrLog::top().socketOutSm( em_ ? em_->name() : Korv::Name() ) );
+   mrpAttrLogSm_ =
+      Korv::newValidPtr< MrpAttrLogSm >( Korv::NboAttrLog::top().socketOutSm( em_->name() ) );
    mrpDatabaseDeleteSm_ = Korv::newValidPtr< MrpDatabaseDeleteSm >( this, mrpAttrLogSm_, clock );
    mrpDatabaseAddSm_ = Korv::newValidPtr< MrpDatabaseAddSm >( this, mrpAttrLogSm_, clock );
    applicantSm_ = Korv::newValidPtr< MrpApplicantSm >( this, mrpConfig_ );

@@ -1,6 +1,6 @@
 // The applicant's table: what each state does on each event.
 //
-// A cell names what is sent, then the state entered; one without a state stays. What is sent goes
+// A cell names what is sent, then the state entered, or St where it stays. What is sent goes
 // out before the state changes.
 //
 //    nb New both        jb Join both       on the first and then on the second packet context
@@ -8,6 +8,7 @@
 //    rg Registered once                    In or Mt, on the first
 //    rj Registered once, then Join on the second
 //    lv Leave                              on the first
+//    to nothing
 //
 // The states, in the order of their numbers:
 //
@@ -75,17 +76,17 @@ requires( sizeof...( Cell ) == 12 ) constexpr ApplicantRow
 
 using enum ApplicantSends;
 
-inline constexpr auto ____ = stay( nothing );
-inline constexpr auto nb__ = stay( newBoth );
-inline constexpr auto jb__ = stay( joinBoth );
-inline constexpr auto jo__ = stay( joinOnce );
-inline constexpr auto rg__ = stay( registeredOnce );
+inline constexpr auto none = stay( nothing );
+inline constexpr auto nbSt = stay( newBoth );
+inline constexpr auto jbSt = stay( joinBoth );
+inline constexpr auto joSt = stay( joinOnce );
+inline constexpr auto rgSt = stay( registeredOnce );
 
-inline constexpr auto __VO = to( mrpVeryAnxiousObserver );
-inline constexpr auto __AO = to( mrpAnxiousObserver );
-inline constexpr auto __QO = to( mrpQuietObserver );
-inline constexpr auto __QP = to( mrpQuietPassive );
-inline constexpr auto __QA = to( mrpQuietActive );
+inline constexpr auto toVO = to( mrpVeryAnxiousObserver );
+inline constexpr auto toAO = to( mrpAnxiousObserver );
+inline constexpr auto toQO = to( mrpQuietObserver );
+inline constexpr auto toQP = to( mrpQuietPassive );
+inline constexpr auto toQA = to( mrpQuietActive );
 inline constexpr auto nbQA = to( mrpQuietActive, newBoth );
 inline constexpr auto noQA = to( mrpQuietActive, newOnce );
 inline constexpr auto jbQA = to( mrpQuietActive, joinBoth );
@@ -97,21 +98,21 @@ inline constexpr auto lvVO = to( mrpVeryAnxiousObserver, leave );
 // clang-format off
 inline constexpr std::array< ApplicantRow, 13 > table{
    //                  VO    VP    VN    AN    AA    QA    LA    AO    QO    AP    QP    LO
-   row( appNew,       nbQA, nbQA, ____, ____, nbQA, nb__, nbQA, nbQA, nbQA, nbQA, nbQA, nbQA ),
-   row( appJoin,      jbQA, ____, ____, ____, ____, jb__, joQA, joQA, __QP, ____, ____, jbQA ),
-   row( appLv,        ____, __VO, lvVO, lvVO, lvVO, lvVO, ____, ____, ____, __AO, __QO, ____ ),
-   row( appRedeclare, rg__, ____, ____, nbQA, jbQA, jb__, ____, rgVO, rgVO, jbQA, jbQA, ____ ),
-   row( appFlush,     ____, ____, ____, ____, ____, ____, ____, ____, ____, ____, ____, ____ ),
+   row( appNew,       nbQA, nbQA, none, none, nbQA, nbSt, nbQA, nbQA, nbQA, nbQA, nbQA, nbQA ),
+   row( appJoin,      jbQA, none, none, none, none, jbSt, joQA, joQA, toQP, none, none, jbQA ),
+   row( appLv,        none, toVO, lvVO, lvVO, lvVO, lvVO, none, none, none, toAO, toQO, none ),
+   row( appRedeclare, rgSt, none, none, nbQA, jbQA, jbSt, none, rgVO, rgVO, jbQA, jbQA, none ),
+   row( appFlush,     none, none, none, none, none, none, none, none, none, none, none, none ),
    //                  VO    VP    VN    AN    AA    QA    LA    AO    QO    AP    QP    LO
-   row( rxNew,        ____, ____, ____, ____, ____, ____, ____, ____, ____, ____, ____, ____ ),
-   row( rxJoinIn,     __AO, joQA, ____, ____, __QA, ____, ____, __QO, ____, __QP, ____, ____ ),
-   row( rxIn,         ____, ____, ____, ____, __QA, ____, ____, ____, ____, ____, ____, ____ ),
-   row( rxJoinMt,     ____, ____, ____, ____, ____, jo__, ____, ____, __AO, ____, joQA, __VO ),
-   row( rxMt,         ____, ____, ____, ____, ____, jo__, ____, ____, __AO, ____, joQA, __VO ),
+   row( rxNew,        none, none, none, none, none, none, none, none, none, none, none, none ),
+   row( rxJoinIn,     toAO, joQA, none, none, toQA, none, none, toQO, none, toQP, none, none ),
+   row( rxIn,         none, none, none, none, toQA, none, none, none, none, none, none, none ),
+   row( rxJoinMt,     none, none, none, none, none, joSt, none, none, toAO, none, joQA, toVO ),
+   row( rxMt,         none, none, none, none, none, joSt, none, none, toAO, none, joQA, toVO ),
    //                  VO    VP    VN    AN    AA    QA    LA    AO    QO    AP    QP    LO
-   row( rxLv,         rg__, ____, ____, nbQA, jbQA, jb__, ____, rgVO, rgVO, jbQA, jbQA, ____ ),
-   row( rxLvAll,      rg__, ____, ____, nbQA, jbQA, jb__, ____, rgVO, rgVO, jbQA, jbQA, ____ ),
-   row( txLvAll,      rg__, rjQA, nbQA, noQA, ____, jo__, rgVO, rgVO, rgVO, joQA, joQA, ____ ),
+   row( rxLv,         rgSt, none, none, nbQA, jbQA, jbSt, none, rgVO, rgVO, jbQA, jbQA, none ),
+   row( rxLvAll,      rgSt, none, none, nbQA, jbQA, jbSt, none, rgVO, rgVO, jbQA, jbQA, none ),
+   row( txLvAll,      rgSt, rjQA, nbQA, noQA, none, joSt, rgVO, rgVO, rgVO, joQA, joQA, none ),
 };
 // clang-format on
 

@@ -22,6 +22,8 @@ class MrpApplicantSm : public Korv::PtrInterface {
  public:
    MrpApplicantSm( MrpSm * mrpSm, Korv::Ptr< MrpConfig const > mrpConfig );
 
+   MrpSm * mrpSm() const { return mrpSm_; }
+   Korv::Ptr< MrpConfig const > const & mrpConfig() const { return mrpConfig_; }
    void handleInitialized();
    bool initialized() const { return initialized_; }
 

@@ -90,7 +90,10 @@ void MrpIntfLeaveAllSm::handleTxLeaveAll( U8 attrType, Korv::Seconds leaveAllTim
       mrpSm_->mrpLib()->mrpSendLeaveAll( attrType, intfId_ );
    }
    context.sendTxLvAllIs( false );
-   doRestart( *timer, leaveAllTime );
+   // Not of an interface that was closed meanwhile.
+   if ( leaveAllPending( attrType ) == timer.ptr() ) {
+      doRestart( *timer, leaveAllTime );
+   }
 }
 
 void MrpIntfLeaveAllSm::handleCfgIntfLeaveAllTime() {

@@ -48,6 +48,9 @@ void MrpLeaveAllSm::mrpEnableLeaveAllPending( Pelk::IntfId intfId ) {
    U8 const types = mrpNumberOfTypes( mrpSm_->mrpLib()->application() );
    for ( U8 type = 1; type <= types; ++type ) {
       mrpEnableLeaveAllPendingAttrType( intfId, type, leaveAllTime );
+      if ( !intfLeaveAllSm( intfId ) ) {
+         return; // whoever was told of the time has closed the interface
+      }
    }
 }
 

@@ -31,6 +31,10 @@ class MrpRegistrarSm : public Korv::PtrInterface {
                    Korv::Ptr< Dovr::TimerWheel > timerWheel );
    ~MrpRegistrarSm() override;
 
+   MrpSm * mrpSm() const { return mrpSm_; }
+   Korv::Ptr< MrpConfig const > const & mrpConfig() const { return mrpConfig_; }
+   Korv::Ptr< Dovr::TimerWheel > const & timerWheel() const { return timerWheel_; }
+   Dovr::TimerWheel::Reactor const & txTimer() const { return txTimer_; }
    void handleInitialized();
    bool initialized() const { return initialized_; }
 

@@ -59,14 +59,14 @@ constexpr RegistrarRow row( MrpRegistrarEvent event, RegistrarAction in, Registr
    return { event, { in, lv, mt } };
 }
 
-inline constexpr RegistrarAction ____ = nullptr;
+inline constexpr RegistrarAction none = nullptr;
 inline constexpr auto newInIn = runSteps< logJoin, indicateJoin, countJoin >;
 inline constexpr auto newInLv = runSteps< unpend, toIn, traceJoinInLv, indicateJoin, countJoin >;
 inline constexpr auto newInMt = runSteps< logJoin, toIn, traceJoinBlank, indicateJoin, countJoin >;
 inline constexpr auto joinInIn = runSteps< checkJoin, countJoin >;
 inline constexpr auto joinInLv = runSteps< toIn, unpend, traceJoinInLv, checkJoin >;
 inline constexpr auto joinInMt = runSteps< logJoin, toIn, traceJoin, indicateJoin, countJoin >;
-inline constexpr auto leave___ = runSteps< pend, toLv >;
+inline constexpr auto leaving_ = runSteps< pend, toLv >;
 inline constexpr auto silentMt = runSteps< toMt >;
 inline constexpr auto flushed_ = runSteps< logLeave, toMt, traceLeave, indicateLeave, countLeave >;
 inline constexpr auto expired_ =
@@ -78,12 +78,12 @@ inline constexpr std::array< RegistrarRow, 9 > table{
    row( regNew,       newInIn,  newInLv,  newInMt  ),
    row( regJoinIn,    joinInIn, joinInLv, joinInMt ),
    row( regJoinMt,    joinInIn, joinInLv, joinInMt ),
-   row( regLv,        leave___, leave___, ____     ),
-   row( regLvAll,     leave___, leave___, ____     ),
-   row( regTxLvAll,   leave___, leave___, ____     ),
-   row( regRedeclare, leave___, leave___, ____     ),
-   row( regFlush,     silentMt, flushed_, ____     ),
-   row( regLeaveTimer, ____,    expired_, ____     ),
+   row( regLv,        leaving_, leaving_, none     ),
+   row( regLvAll,     leaving_, leaving_, none     ),
+   row( regTxLvAll,   leaving_, leaving_, none     ),
+   row( regRedeclare, leaving_, leaving_, none     ),
+   row( regFlush,     silentMt, flushed_, none     ),
+   row( regLeaveTimer, none,    expired_, none     ),
 };
 // clang-format on
 

@@ -1,5 +1,7 @@
 #include "mrp/topology/SpanningTreeMirrors.h"
 
+#include <type_traits>
+
 namespace Mrp {
 
 namespace {
@@ -9,13 +11,19 @@ using Mirrors = Korv::HashMap< Korv::Name, Korv::Ptr< Mirror > >;
 template < class Mirror >
 using Records = Korv::HashMap< Korv::Name, Korv::Ptr< typename Mirror::Record > >;
 
+// The participant itself is its owner's to hold: its construction leads here as well.
+template < class Parent >
+using Holder = std::conditional_t< std::is_same_v< Parent, MrpSm >, MrpSm *, Korv::Ptr< Parent > >;
+
 // Brings the mirror of one name into line with the record. A record that has gone and come again
 // within one notification is another one, and so is its mirror. The two calls at the end may lead
-// back here, or end the parent, of which nothing is touched from then on.
+// back here, or take the parent out of its own: it is held, and so a mirror that still speaks has
+// all those above it.
 template < class Mirror >
 void mirrorRecord( Mirrors< Mirror > & mirrors, Records< Mirror > const & records,
                    Korv::Name const & name, typename Mirror::Parent & parent ) {
    auto * const record = Korv::memberAt( records, name );
+   [[maybe_unused]] Holder< typename Mirror::Parent > const held( &parent );
    Korv::Ptr< Mirror > const gone = Korv::memberAt( mirrors, name );
    if ( record == ( gone ? &gone->record() : nullptr ) ) {
       return;
@@ -71,6 +79,7 @@ void MrpSm::KorvStpiStatus::handleAppeared() {
 void MrpSm::KorvStpiStatus::handleGone() { handleAllGone( mstiStatus_ ); }
 
 void MrpSm::KorvMstiStatus::onMstiPortStatus( Korv::Name const & name ) {
+   Korv::Ptr< KorvStpiStatus > const held( &parent() );
    mirrorRecord( mstiPortStatus_, record().mstiPortStatus(), name, *this );
 }
 void MrpSm::KorvMstiStatus::handleAppeared() {

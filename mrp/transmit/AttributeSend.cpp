@@ -29,40 +29,68 @@ bool isFull( MrpSm const & sm, MrpTxPacketContext const & packetContext, Pelk::I
    return ( status && total >= status->mtu() ) || total >= mrpMaxTxDataSz;
 }
 
+bool canTransmit( MrpSm const & sm, Pelk::IntfId intfId ) {
+   if ( sm.mrpPamSm()->pamCollection()->intfPam( intfId ) ) {
+      return true;
+   }
+   trace( 4, " Tx is being Attempted before the PAM is enabled " );
+   return false;
+}
+
+// Null if there is no packet, or if who is told of the frame takes it away at once.
+MrpTxPacketContext * newFrame( MrpLib & lib, MrpParameters const & attribute, Pelk::IntfId intfId,
+                               bool secondPktContext ) {
+   Korv::Ptr< Pelk::Pkt > const pkt = Pelk::globalPktManager().newPkt();
+   if ( !pkt ) {
+      trace( 4, "Packet allocation failed for ", attribute );
+      Sornlog::log( Ring::packetAllocationFailed, intfId, attribute.attributeType(),
+                    attribute.attributeEvent(), attribute.newEvent() );
+      return nullptr;
+   }
+   // Before it is announced: who is told of it may send into it.
+   pkt->newSharedHeadData( mrpMaxTxDataSz );
+   return openFrameIs( lib, intfId, secondPktContext, pkt );
+}
+
+// The open frame that the attribute goes into; null if there can be none.
+MrpTxPacketContext * frameFor( MrpLib & lib, MrpParameters const & attribute, Pelk::IntfId intfId,
+                               bool secondPktContext ) {
+   MrpSm & sm = *lib.mrpSm();
+   if ( !canTransmit( sm, intfId ) ) {
+      return nullptr;
+   }
+   MrpTxPacketContext * frame = openFrame( lib, intfId, secondPktContext );
+   if ( !frame ) {
+      return newFrame( lib, attribute, intfId, secondPktContext );
+   }
+   if ( !frame->pkt() ) {
+      // It is just leaving, and whoever is told of that sends this: it goes into another.
+      openFrameDel( lib, intfId, secondPktContext );
+   } else if ( attribute.attributeType() < frame->currentAttrType() ) {
+      sm.mrpTransmitTxPacket( intfId, secondPktContext );
+   } else {
+      return frame;
+   }
+   // Whoever was told of that may have begun another, or closed the interface.
+   frame = openFrame( lib, intfId, secondPktContext );
+   if ( frame ) {
+      return frame;
+   }
+   return canTransmit( sm, intfId ) ? newFrame( lib, attribute, intfId, secondPktContext )
+                                    : nullptr;
+}
+
 } // namespace
 
 void MrpLib::mrpSendAttributeIntf( MrpParameters const & attribute, Pelk::IntfId intfId,
                                    bool secondPktContext ) {
-   if ( !mrpSm_->mrpPamSm()->pamCollection()->intfPam( intfId ) ) {
-      trace( 4, " Tx is being Attempted before the PAM is enabled " );
+   Korv::Ptr< MrpTxPacketContext > const packetContext =
+      frameFor( *this, attribute, intfId, secondPktContext );
+   if ( !packetContext ) {
       return;
    }
-   MrpTxPacketContext * packetContext = openFrame( *this, intfId, secondPktContext );
-   if ( packetContext && !packetContext->pkt() ) {
-      // Its frame is just leaving, and whoever is told of that sends this: it goes into another.
-      openFrameDel( *this, intfId, secondPktContext );
-      packetContext = nullptr;
-   }
-   if ( packetContext && attribute.attributeType() < packetContext->currentAttrType() ) {
-      mrpSm_->mrpTransmitTxPacket( intfId, secondPktContext );
-      // None, unless somebody who was told of that frame has begun another.
-      packetContext = openFrame( *this, intfId, secondPktContext );
-   }
-   if ( !packetContext ) {
-      Korv::Ptr< Pelk::Pkt > const pkt = Pelk::globalPktManager().newPkt();
-      if ( !pkt ) {
-         trace( 4, "Packet allocation failed for ", attribute );
-         Sornlog::log( Ring::packetAllocationFailed, intfId, attribute.attributeType(),
-                       attribute.attributeEvent(), attribute.newEvent() );
-         return;
-      }
-      packetContext = openFrameIs( *this, intfId, secondPktContext, pkt );
-      packetContext->curMessageIs( nullptr );
-      packetContext->curVectorIs( nullptr );
-      packetContext->currentAttrTypeIs( 0 );
-      pkt->newSharedHeadData( mrpMaxTxDataSz );
-   }
-
+   // Held: a watcher of what the encoders publish may send the frame from under them.
+   Korv::Ptr< Pelk::Pkt > const pkt = packetContext->pkt();
    switch ( application_ ) {
    case MSRP: mrpSendMsrpAttributeIntf( attribute, intfId, secondPktContext ); break;
    case MVRP: mrpSendMvrpAttributeIntf( attribute, intfId, secondPktContext ); break;
@@ -71,7 +99,7 @@ void MrpLib::mrpSendAttributeIntf( MrpParameters const & attribute, Pelk::IntfId
       Sornlog::log( Ring::applicationNotSent, static_cast< U32 >( application_ ) );
       break;
    }
-   if ( isFull( *mrpSm_, *packetContext, intfId ) ) {
+   if ( packetContext->pkt() && isFull( *mrpSm_, *packetContext, intfId ) ) {
       mrpSm_->mrpTransmitTxPacket( intfId, secondPktContext );
    }
 }

@@ -48,7 +48,10 @@ void MrpLib::mrpSendAttribute( MrpParameters const & attribute ) {
       case lvEvent:
          mrpSm_->applicantSm()->applicantEventIs( appLv );
          mrpSm_->applicantSm()->handleApplicantEvent();
-         mrpDeleteAttrOnDefaultStates();
+         // There, unless somebody who was told of a frame that left has ended it.
+         if ( mrpSm_->mrpGetAttribute( false ) ) {
+            mrpDeleteAttrOnDefaultStates();
+         }
          break;
       case lvAllEvent:
          trace( 7, "mrpSendAttribute: lvAllEvent_. intfId = ", queued,

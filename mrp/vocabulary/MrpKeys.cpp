@@ -11,12 +11,6 @@ ValueIndex::ValueIndex( U64 value ) : value_( static_cast< U8 >( value ) ) {
    }
 }
 
-ValueIndex ValueIndex::unchecked( U8 value ) {
-   ValueIndex index;
-   index.value_ = value;
-   return index;
-}
-
 ValueIndex ValueIndex::textRead( Korv::TextReader & in ) {
    return ValueIndex( Korv::textReadField< U64 >( in, "value" ) );
 }

@@ -137,8 +137,6 @@ class ValueIndex {
    ValueIndex() = default;
    // Throws RangeException for a value outside of the bounds.
    explicit ValueIndex( U64 value );
-   // For a reader of the mirror stream, which takes what it is sent.
-   static ValueIndex unchecked( U8 value );
 
    U8 value() const { return value_; }
 

@@ -47,9 +47,15 @@ Participant::Participant( Mrp::MrpApplication application,
       host_->interfaceIs( Pelk::IntfId( name ), address( port++ ), options.mtu );
    }
    host_->onTransmit( [this]( Pelk::IntfId const & intfId, Memory::FrameBytes frame ) {
-      if ( lib_->recording ) {
-         sent_.push_back(
-            { Korv::now(), intfId.stringValue(), Bytes( frame.begin(), frame.end() ) } );
+      if ( lib_->recording || onSent ) {
+         SentFrame const sent{ Korv::now(), intfId.stringValue(),
+                               Bytes( frame.begin(), frame.end() ) };
+         if ( lib_->recording ) {
+            sent_.push_back( sent );
+         }
+         if ( onSent ) {
+            onSent( sent );
+         }
       }
    } );
    lib_->applicationIs( application );

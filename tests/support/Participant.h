@@ -88,6 +88,8 @@ class Participant {
 
    // All frames that have left since the last clear(), in their order.
    std::vector< SentFrame > const & sent() const { return sent_; }
+   // Called for each frame that leaves, last.
+   std::function< void( SentFrame const & ) > onSent;
    // "Ethernet1: vlan{10 JoinIn}".
    std::vector< std::string > said() const;
 

@@ -5,6 +5,7 @@
 #include "mrp/machines/MrpRegistrarSm.h"
 
 #include "tests/fuzz/script/Check.h"
+#include "tests/support/Occasions.h"
 
 #include <span>
 
@@ -187,14 +188,34 @@ class Run {
             queue.push_back( interfaces[i] );
          }
       }
+      declaredType_ = attributeType;
+      declaredKey_ = which;
       lib().txValueIs( attributeType,
                        storedValue( participant_.protocol(), attributeType, which ) );
       participant_.sendAttribute( intfId_.stringValue(), attributeType, event, queue );
    }
 
-   // As its kind goes: it may hand the value on, end the attribute, or switch interfaces off.
+   // What has no attribute of its own stands for the one that was declared last.
+   void happens( Occasion occasion, std::string const & interface, U8 type, U64 key ) {
+      static constexpr U8 flags[] = { 0x20, 0x40, 0x80, 0x80 };
+      if ( ( behaviour_ & flags[static_cast< std::size_t >( occasion )] ) == 0 ) {
+         return;
+      }
+      if ( type == 0 ) {
+         type = declaredType_;
+         key = declaredKey_;
+      }
+      react( { .join = true,
+               .interface = interface,
+               .type = type,
+               .key = key,
+               .value = storedValue( participant_.protocol(), type, key ) } );
+   }
+
+   // As its kind goes: it may hand the value on, end the attribute, declare and withdraw it, or
+   // switch interfaces off.
    void react( Indication const & told ) {
-      if ( ++reactions_ > reactionsMax ) {
+      if ( sm().standbyMode() || ++reactions_ > reactionsMax ) {
          return;
       }
       Pelk::IntfId const intfId( told.interface );
@@ -204,6 +225,15 @@ class Run {
       case 3: lib().mrpInterfaceDisable( intfId ); break;
       case 4: propagate( told, told.join ? New : Lv ); break;
       case 5: lib().mrpCleanUpIntfDatabaseAttribute( intfId, told.type, told.key ); break;
+      case 6:
+         lib().txValueIs( told.type, told.value );
+         participant_.sendAttribute( told.interface, told.type, reactions_ % 2 == 0 ? Lv : JoinIn,
+                                     { told.interface } );
+         break;
+      case 7:
+         lib().mrpInterfaceDisable( intfId );
+         lib().mrpInterfaceEnable( intfId );
+         break;
       default: break;
       }
    }
@@ -234,7 +264,9 @@ class Run {
          return;
       }
       check( frame.size() <= frameHead + mtu, "frames fit the MTU" );
-      check( !isMsrp() || decode( frame ).faults.empty(), "frames are well-formed", hex( frame ) );
+      // A frame that is sent while it is announced says nothing.
+      check( !isMsrp() || frame.size() == frameHead + 3 || decode( frame ).faults.empty(),
+             "frames are well-formed", hex( frame ) );
    }
 
    void switchOff() {
@@ -266,7 +298,12 @@ class Run {
    U8 behaviour_ = 0;
    std::size_t frameBytes_ = 0;
    int reactions_ = 0;
+   U8 declaredType_ = 1;
+   U64 declaredKey_ = 0;
    Pelk::IntfId intfId_;
+   Occasions const occasions_{ participant_, interfaces,
+                               [this]( Occasion occasion, std::string const & interface, U8 type,
+                                       U64 key ) { happens( occasion, interface, type, key ); } };
 };
 
 } // namespace

@@ -1,0 +1,123 @@
+// An application may send and close the interface in whatever it is told, also where it only
+// watches: it is done at once, and nothing of the interface is left.
+#include "tests/support/Occasions.h"
+
+#include "mrp/frame/MrpPamSm.h"
+#include "mrp/machines/MrpLeaveAllSm.h"
+
+#include <gmock/gmock.h>
+
+namespace TestSupport {
+namespace {
+
+using testing::Contains;
+using testing::IsEmpty;
+
+std::string const et1 = "Ethernet1";
+Pelk::IntfId const ethernet1( et1 );
+
+class OccasionsTest : public testing::Test {
+ protected:
+   // For as long as the result lives, it reacts to the first of these.
+   [[nodiscard]] static Occasions when( Participant & participant, Occasion awaited,
+                                        std::function< void() > react ) {
+      return { participant,
+               { et1 },
+               [awaited, react = std::move( react ),
+                done = std::make_shared< bool >()]( Occasion occasion, auto const &, U8, U64 ) {
+                  if ( occasion == awaited && !std::exchange( *done, true ) ) {
+                     react();
+                  }
+               } };
+   }
+   static void expectClosed( Participant & participant ) {
+      EXPECT_THAT( participant.lib().mrpTxPacketContext(), IsEmpty() );
+      EXPECT_THAT( participant.lib().mrpTxSecondPacketContext(), IsEmpty() );
+      EXPECT_THAT( participant.sm().leaveAllSm()->intfLeaveAllSm(), IsEmpty() );
+      EXPECT_THAT(
+         participant.status().application( participant.lib().application() )->leaveAllTime(),
+         IsEmpty() );
+   }
+   static void close( Participant & participant ) {
+      participant.lib().mrpInterfaceDisable( ethernet1 );
+   }
+};
+
+TEST_F( OccasionsTest, sendsIntoTheFrameThatOpens ) {
+   Participant mvrp( Mrp::MVRP );
+   auto const watching =
+      when( mvrp, Occasion::openFrame, [&] { mvrp.lib().mrpSendLeaveAll( vlanType, ethernet1 ); } );
+   mvrp.declare( et1, Vlan{ 10 }, New );
+   mvrp.sm().mrpTransmitTxAttributes( ethernet1 );
+   EXPECT_THAT( mvrp.said(), Contains( "Ethernet1: vlan{LeaveAll; 10 New}" ) );
+}
+
+TEST_F( OccasionsTest, closesOverAFrameThatOpens ) {
+   Participant mvrp( Mrp::MVRP );
+   auto const watching = when( mvrp, Occasion::openFrame, [&] { close( mvrp ); } );
+   mvrp.declare( et1, Vlan{ 10 }, New );
+   expectClosed( mvrp );
+}
+
+// The domain's frame leaves because a talker is of a lower type.
+TEST_F( OccasionsTest, closesOverTheFrameThatAWithdrawalSends ) {
+   Participant msrp( Mrp::MSRP );
+   msrp.declare( et1, talker( 7 ), New );
+   msrp.advanceTo( 0.3 );
+   msrp.declare( et1, Domain{ 6, 3, 2 }, New );
+   auto const watching = when( msrp, Occasion::frameLeaves, [&] { close( msrp ); } );
+   msrp.declare( et1, talker( 7 ), Lv );
+   expectClosed( msrp );
+   EXPECT_EQ( msrp.states( et1, talkerType, 7 ), "none" );
+}
+
+TEST_F( OccasionsTest, closesOverTheLeaveAllThatBegins ) {
+   for ( bool const standby : { false, true } ) {
+      Participant msrp( Mrp::MSRP, { et1 }, { .enabled = standby, .standby = standby } );
+      auto const watching = when( msrp, Occasion::leaveAllTime, [&] { close( msrp ); } );
+      if ( standby ) {
+         msrp.endStandby();
+      } else {
+         msrp.lib().mrpInterfaceEnable( ethernet1 );
+      }
+      expectClosed( msrp );
+      EXPECT_FALSE( msrp.sm().mrpPamSm()->mrpIntfPamSm( ethernet1 ) );
+      msrp.lib().mrpInterfaceEnable( ethernet1 );
+      EXPECT_EQ( msrp.sm().leaveAllSm()->intfLeaveAllSm( ethernet1 )->leaveAllPending().size(),
+                 4u );
+   }
+}
+
+TEST_F( OccasionsTest, opensAnewOverTheLeaveAllThatEnds ) {
+   Participant msrp( Mrp::MSRP );
+   auto const watching =
+      when( msrp, Occasion::leaveAllTime, [&] { msrp.lib().mrpInterfaceEnable( ethernet1 ); } );
+   close( msrp );
+   EXPECT_TRUE( msrp.sm().mrpPamSm()->mrpIntfPamSm( ethernet1 ) );
+   EXPECT_EQ( msrp.sm().leaveAllSm()->intfLeaveAllSm( ethernet1 )->leaveAllPending().size(), 4u );
+}
+
+TEST_F( OccasionsTest, closesOverTheFrameOfALeaveAll ) {
+   Participant msrp( Mrp::MSRP );
+   msrp.declare( et1, Domain{ 6, 3, 2 }, New );
+   auto const watching = when( msrp, Occasion::frameLeaves, [&] { close( msrp ); } );
+   msrp.sm().leaveAllSm()->intfLeaveAllSm( ethernet1 )->handleTxLeaveAll( talkerType, 10 );
+   msrp.sm().mrpTransmitTxAttributes( ethernet1 );
+   expectClosed( msrp );
+}
+
+TEST_F( OccasionsTest, declaresAnewWhatIsDeleted ) {
+   Participant mvrp( Mrp::MVRP );
+   mvrp.declare( et1, Vlan{ 10 }, New );
+   mvrp.advanceTo( 1 );
+   auto const watching =
+      when( mvrp, Occasion::attribute, [&] { mvrp.declare( et1, Vlan{ 10 }, JoinIn ); } );
+   mvrp.lib().mrpCleanUpIntfDatabaseAttribute( ethernet1, vlanType, 10 );
+   mvrp.advanceTo( 5 );
+   mvrp.clear();
+   mvrp.receive( et1, mvrpFrame( vlans( 0, {} ).leaveAll() ) );
+   EXPECT_THAT( mvrp.said(), Contains( "Ethernet1: vlan{10 JoinMt}" ) );
+}
+
+} // namespace
+} // namespace TestSupport
