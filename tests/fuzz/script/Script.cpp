@@ -197,7 +197,7 @@ class Run {
 
    // What has no attribute of its own stands for the one that was declared last.
    void happens( Occasion occasion, std::string const & interface, U8 type, U64 key ) {
-      static constexpr U8 flags[] = { 0x20, 0x40, 0x80, 0x80 };
+      static constexpr U8 flags[] = { 0x20, 0x40, 0x80, 0x80, 0x08, 0x08 };
       if ( ( behaviour_ & flags[static_cast< std::size_t >( occasion )] ) == 0 ) {
          return;
       }
@@ -206,7 +206,7 @@ class Run {
          key = declaredKey_;
       }
       react( { .join = true,
-               .interface = interface,
+               .interface = interface.empty() ? intfId_.stringValue() : interface,
                .type = type,
                .key = key,
                .value = storedValue( participant_.protocol(), type, key ) } );
