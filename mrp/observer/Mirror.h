@@ -11,8 +11,8 @@
 // nothing else. Between streams they stand as they were last.
 //
 // Watchers read. Whoever changes what is mirrored makes it differ from the original, and deletes
-// what a message is about to be applied to. A watcher that is called while bytes are applied
-// neither begins nor ends a stream, nor the mirror: these assert it.
+// what a message is about to be applied to. Nor does a watcher begin or end a stream, or end the
+// mirror, while bytes of one are applied; that is asserted.
 #pragma once
 
 #include "mrp/database/MrpStatus.h"

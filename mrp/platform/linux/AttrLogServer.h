@@ -56,7 +56,7 @@ class AttrLogServer {
    std::size_t observers() const { return observers_.size(); }
    // How many have been sent away since they took nothing.
    Korv::U64 stalled() const { return stalled_; }
-   // How many since there were as many as there may be.
+   // The same, since there were as many as there may be.
    Korv::U64 refused() const { return refused_; }
    // Nothing waits for any observer on this side of the sockets.
    bool idle() const;
