@@ -1,4 +1,5 @@
-// The three logs that an operator sees.
+// The three logs that an operator sees. Each is one for the process, also where a library and its
+// user hide their symbols from each other: hence their visibility.
 #pragma once
 
 #include "mrp/platform/korv/Format.h"
@@ -11,16 +12,16 @@ namespace Mrp {
 
 // A text made by Korv::format, for one of: values that do not match a packet's bytes, an
 // unidentified attribute type, a join that the application discarded.
-inline constinit Korv::LogHandle MRP_ERROR( "MRP_ERROR", 6, "%s", "MRP error occurred",
-                                            Korv::NoActionRequired, 0.0, 1.0, 0 );
+[[gnu::visibility( "default" )]] inline constinit Korv::LogHandle
+   MRP_ERROR( "MRP_ERROR", 6, "%s", "MRP error occurred", Korv::NoActionRequired, 0.0, 1.0, 0 );
 
 // By the registrar, from its states In and Mt.
-inline constinit Korv::LogHandle
+[[gnu::visibility( "default" )]] inline constinit Korv::LogHandle
    MRP_JOIN( "MRP_JOIN", 6, "MRP Join received on %s, attrType: %s, key: %s, state: %s, event: %s",
              "MRP Join was received on an interface", Korv::NoActionRequired, 0.0, 1.0, 0 );
 
 // By the registrar; the first field is "notified" or "received".
-inline constinit Korv::LogHandle
+[[gnu::visibility( "default" )]] inline constinit Korv::LogHandle
    MRP_LV( "MRP_LV", 6, "MRP Lv %s on %s, attrType: %s, key: %s, state: %s, event: %s",
            "MRP Lv was handled on an interface", Korv::NoActionRequired, 0.0, 1.0, 0 );
 

@@ -11,7 +11,8 @@
 
 namespace Mrp {
 
-inline constinit Korv::TraceHelper mrpTrace{ "Mrp" };
+// One for the process, also where a library and its user hide their symbols from each other.
+[[gnu::visibility( "default" )]] inline constinit Korv::TraceHelper mrpTrace{ "Mrp" };
 
 // For a site whose parts cost something to compute.
 inline bool traceIsOn( Korv::U32 level ) { return mrpTrace.isOn( level ); }

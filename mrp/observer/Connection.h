@@ -1,9 +1,11 @@
 // Keeps a mirror on a server's stream: connects, reads, and connects again.
 //
-// Owned by the observer's process, made after the activity. Whatever ends a stream, the server's
-// end, a broken connection or bytes that make no sense, it waits and connects anew, at first soon
-// and then at longer intervals; the mirror keeps what it had until the next stream says otherwise.
-// What a watcher of the mirror throws ends the stream too, and then leaves the loop.
+// Owned by the observer's process, made after the activity and the mirror, which outlive it, and
+// not ended by a watcher of the mirror (which may stop the activity instead). Whatever ends a
+// stream, the server's end, a broken connection or bytes that make no sense, it waits and connects
+// anew, at first soon and then at longer intervals; the mirror keeps what it had until the next
+// stream says otherwise. What a watcher of the mirror throws ends the stream too, and then leaves
+// the loop.
 #pragma once
 
 #include "mrp/observer/Mirror.h"

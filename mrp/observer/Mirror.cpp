@@ -1,6 +1,7 @@
 #include "mrp/observer/Mirror.h"
 
 #include "mrp/observability/AttrLogAdapters.h"
+#include "mrp/platform/korv/Assert.h"
 
 namespace MrpObserver {
 
@@ -9,9 +10,20 @@ Mirror::Mirror( std::size_t maxBytes )
      counters_( new Mrp::MrpCounters( "MrpCounters" ) ),
      parseContext_( new Mrp::MrpParseContext( "MrpParseContext" ) ), maxBytes_( maxBytes ) {}
 
-Mirror::~Mirror() = default;
+Mirror::~Mirror() { assertOutsideOfWatchers(); }
+
+// The input is in the middle of its bytes, and would go under its own feet.
+void Mirror::assertOutsideOfWatchers() const {
+   Korv::assertThat( !applying_, "no watcher ends the stream" );
+}
+
+void Mirror::streamEnds() {
+   assertOutsideOfWatchers();
+   input_ = nullptr;
+}
 
 void Mirror::streamBegins() {
+   assertOutsideOfWatchers();
    input_ = std::make_unique< Korv::NboAttrLog::Input >( names_, maxBytes_ );
    input_->rootOf< Mrp::MrpStatus::KorvNboAttrLogSa >( *status_ );
    input_->rootOf< Mrp::MrpConfig::KorvNboAttrLogSa >( *config_ );
@@ -20,7 +32,14 @@ void Mirror::streamBegins() {
 }
 
 void Mirror::handleBytes( std::span< Korv::U8 const > bytes ) {
+   assertOutsideOfWatchers();
+   struct Applying {
+      bool & flag;
+      explicit Applying( bool & f ) : flag( f ) { flag = true; }
+      ~Applying() { flag = false; } // also by what a watcher throws, before the stream ends
+   };
    try {
+      Applying const applying( applying_ );
       input_->handleBytes( bytes );
    } catch ( ... ) {
       streamEnds();

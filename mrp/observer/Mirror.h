@@ -11,7 +11,8 @@
 // nothing else. Between streams they stand as they were last.
 //
 // Watchers read. Whoever changes what is mirrored makes it differ from the original, and deletes
-// what a message is about to be applied to.
+// what a message is about to be applied to. Nor does a watcher begin or end a stream, or end the
+// mirror, while bytes of one are applied; that is asserted.
 #pragma once
 
 #include "mrp/database/MrpStatus.h"
@@ -41,7 +42,7 @@ class Mirror {
    Mrp::MrpParseContext & parseContext() const { return *parseContext_; }
 
    void streamBegins();
-   void streamEnds() { input_ = nullptr; }
+   void streamEnds();
    bool hasStream() const { return input_ != nullptr; }
    // Throws a StreamError when the stream is broken or hostile. Whatever is thrown, by a watcher
    // too, has ended the stream. Not called from a watcher.
@@ -53,6 +54,8 @@ class Mirror {
    Korv::U64 messages() const { return input_ ? input_->messages() : 0; }
 
  private:
+   void assertOutsideOfWatchers() const;
+
    Korv::Ptr< Mrp::MrpStatus > status_;
    Korv::Ptr< Mrp::MrpConfig > config_;
    Korv::Ptr< Mrp::MrpCounters > counters_;
@@ -60,6 +63,7 @@ class Mirror {
    Korv::NboAttrLog::NameGuard names_;
    std::size_t maxBytes_;
    std::unique_ptr< Korv::NboAttrLog::Input > input_;
+   bool applying_ = false; // bytes of the stream, whose watchers are called
 };
 
 } // namespace MrpObserver

@@ -269,6 +269,16 @@ TEST( Observers, mustNotSpeak ) {
    EXPECT_TRUE( scene.run( [&] { return scene.server->observers() == 0; } ) );
 }
 
+TEST( Server, refusesOneMoreThanThereMayBe ) {
+   Scene scene( "tcp:0", { .maxObservers = 1 } );
+   Observer observer( scene );
+   ASSERT_TRUE( scene.run( [&] { return observer.equal(); } ) );
+   Observer other( scene );
+   ASSERT_TRUE( scene.run( [&] { return scene.server->refused() > 0; } ) );
+   EXPECT_EQ( scene.server->observers(), 1u );
+   EXPECT_EQ( observer.connection.streams(), 1u );
+}
+
 TEST( Server, takesItsPathAlongUnlessAnotherHasItByNow ) {
    std::string const path = testing::TempDir() + "mrp-path-" + std::to_string( ::getpid() );
    Scene scene( "unix:" + path );

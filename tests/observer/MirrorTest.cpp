@@ -150,6 +150,20 @@ TEST( Mirror, keepsItsEntitiesFromStreamToStream ) {
    EXPECT_EQ( mirrored.mrpAttribute().size(), 1u );
 }
 
+TEST( Mirror, isNotEndedByItsWatchers ) {
+   struct Ending : MrpConfig::Reactor {
+      void onLeaveTime() override { mirror->streamEnds(); }
+      MrpObserver::Mirror * mirror;
+   } ending;
+   Original original;
+   MirrorLine line( original.mounts );
+   line.moveAll();
+   ending.mirror = &line.mirror();
+   ending.notifierIs( &line.mirror().config() );
+   original.config().leaveTimeIs( 3 );
+   EXPECT_DEATH( line.moveAll(), "no watcher ends the stream" );
+}
+
 // The stream's beginning, and what changes.
 template < class Changes >
 Bytes streamOf( Original const & original, Changes && changes ) {

@@ -127,6 +127,16 @@ TEST( Queue, namesItsEntriesByPosition ) {
    EXPECT_EQ( walked, ( std::map< U32, U32 >{ { 0, 10 }, { 3, 13 }, { 8, 18 } } ) );
    EXPECT_EQ( queue.deq(), 0u ); // of nothing
    EXPECT_EQ( queue.enq( 19 ), 9u );
+
+   // A walk ends at the last position that there can be, though one at 0 would come next.
+   Queue< U32 > whole;
+   whole.put( 0, 1 );
+   whole.put( ~0u, 2 );
+   U32 met = 0;
+   for ( auto walk = whole.walk(); walk && met < 3; ++walk ) {
+      ++met;
+   }
+   EXPECT_EQ( met, 2u );
 }
 
 // All slots, and a span of them. Those outside of it are 0.

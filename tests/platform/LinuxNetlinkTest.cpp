@@ -168,15 +168,19 @@ TEST_F( LinuxLinkTable, answersOfOtherDumpsAndDumpsThatFailLeaveWhatIsKnown ) {
    EXPECT_TRUE( table.isDumping() );
 
    answer( NLMSG_ERROR, bytesOf( nlmsgerr{ -EBUSY, {} } ) );
-   done(); // of the ports
-   EXPECT_FALSE( table.isDumping() );
+   done();                              // of the ports
+   EXPECT_TRUE( table.isDumpFailed() ); // and is no longer under way
    table.doDump();
+   EXPECT_FALSE( table.isDumpFailed() );
    answer( NLMSG_DONE, bytesOf( -ENOMEM ) );
    done();
    refuses = true;
    table.doDump();
-   EXPECT_FALSE( table.isDumping() );
+   EXPECT_TRUE( table.isDumpFailed() );
    EXPECT_EQ( changes(), "" );
+   refuses = false;
+   dump( { link( 2, "eth0" ) } );
+   EXPECT_FALSE( table.isDumpFailed() );
 }
 
 TEST_F( LinuxLinkTable, whatIsNotSoundIsLeftOut ) {

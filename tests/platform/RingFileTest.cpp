@@ -127,10 +127,17 @@ TEST_F( RingFileTest, ARestartKeepsWhatWasThereAndWhatIsNoRingFileIsLeftAlone ) 
    EXPECT_THAT( linesOf( contents() ), ElementsAre() );
    EXPECT_THAT( linesOf( readRing( bytesOf( path_ + ".old" ) ) ), ElementsAre( "on eth0 at 1" ) );
 
-   path_ = directory_ / "precious";
-   std::ofstream( path_ ) << "precious, and longer than a magic word";
-   EXPECT_THROW( RingFile{ path_ }, std::runtime_error );
-   EXPECT_EQ( bytesOf( path_ ).size(), 38u );
+   file_.reset();
+   for ( char const * const name : { "", ".new", ".old" } ) {
+      std::string const at = path_ + name;
+      std::filesystem::remove( at );
+      std::ofstream( at ) << std::string( 5000, '\0' ) << "precious";
+      EXPECT_THROW( RingFile{ path_ }, std::runtime_error ) << name;
+      EXPECT_EQ( bytesOf( at ).size(), 5008u );
+      std::filesystem::resize_file( at, 5000 ); // as it is before its header is written
+      open( 4 );
+      file_.reset();
+   }
 }
 
 // A file that is changed before it is read.

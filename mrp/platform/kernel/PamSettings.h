@@ -9,7 +9,7 @@ namespace KernelNetInfo {
 struct PamSettings {
    Pelk::SockFilterProgram filterProgram; // frames that it holds back are never seen
    Pelk::EthAddr destination;             // the group address to take part in
-   bool perIntfSocket = false;            // one socket an interface, or one for all
+   bool perIntfSocket = false;            // kept as it is given: each interface has a socket here
    Korv::U32 txRetries = 0;               // for a frame that the device's queue has no room for
    Korv::U32 rxQueueFrames = 0;           // frames that may wait unread; more are lost
 };

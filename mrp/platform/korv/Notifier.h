@@ -142,7 +142,7 @@ class Notifier : public PtrInterface {
 };
 
 // A watcher's tie to what it watches. It owns nothing: the notifier, when it goes first, cuts the
-// tie; a reactor in destruction has cut it already and hears nothing.
+// tie of those that are registered; a reactor in destruction has cut it already and hears nothing.
 class ReactorBase {
  public:
    ReactorBase() = default;
@@ -150,7 +150,8 @@ class ReactorBase {
    ReactorBase & operator=( ReactorBase const & ) = delete;
    virtual ~ReactorBase();
 
-   // A reactor can stay with its notifier and yet hear nothing.
+   // A reactor can stay with its notifier and yet hear nothing. The notifier does not know of it
+   // then: whoever switches it off keeps the notifier alive, or points the reactor elsewhere first.
    bool isRegisteredNotifiee() const { return registered_; }
    void isRegisteredNotifieeIs( bool registered );
 

@@ -23,7 +23,7 @@ class Queue {
    T const & front() const { return entries_.front().value; }
    U32 frontPosition() const { return entries_.front().position; }
 
-   T const * find( U32 position ) const {
+   T const * find( U64 position ) const {
       auto const found = lowerBound( position );
       return isAt( found, position ) ? &found->value : nullptr;
    }
@@ -38,7 +38,7 @@ class Queue {
          position_ = next == queue_->entries_.end() ? position_ + 1 : next->position;
          return *this;
       }
-      U32 position() const { return position_; }
+      U32 position() const { return static_cast< U32 >( position_ ); }
       T const & value() const { return *entry(); }
 
     private:
@@ -48,7 +48,7 @@ class Queue {
       }
       T const * entry() const { return queue_->find( position_ ); }
       Queue const * queue_;
-      U32 position_;
+      U64 position_; // has one past the last that an entry can have
    };
    Walk walk() const { return Walk( this ); }
 
@@ -95,11 +95,11 @@ class Queue {
  private:
    using Entries = std::deque< Entry >;
 
-   typename Entries::const_iterator lowerBound( U32 position ) const {
+   typename Entries::const_iterator lowerBound( U64 position ) const {
       return std::lower_bound( entries_.begin(), entries_.end(), position,
-                               []( Entry const & e, U32 p ) { return e.position < p; } );
+                               []( Entry const & e, U64 p ) { return e.position < p; } );
    }
-   bool isAt( typename Entries::const_iterator entry, U32 position ) const {
+   bool isAt( typename Entries::const_iterator entry, U64 position ) const {
       return entry != entries_.end() && entry->position == position;
    }
 

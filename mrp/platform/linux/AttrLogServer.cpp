@@ -186,6 +186,7 @@ void AttrLogServer::handleAccept() {
       return;
    }
    if ( observers_.size() >= options_.maxObservers ) {
+      ++refused_;
       return;
    }
    if ( options_.sendBuffer > 0 ) {

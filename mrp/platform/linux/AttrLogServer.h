@@ -1,4 +1,5 @@
-// Offers the mirror stream on a socket, to any number of observers.
+// Offers the mirror stream on a socket, to up to maxObservers observers at a time. One more is
+// disconnected at once.
 //
 // Each observer has an output of its own and the adapters that write on it. Nothing here waits for
 // any of them: what a socket does not take stays in the output, and past the output's bound there
@@ -55,6 +56,8 @@ class AttrLogServer {
    std::size_t observers() const { return observers_.size(); }
    // How many have been sent away since they took nothing.
    Korv::U64 stalled() const { return stalled_; }
+   // The same, since there were as many as there may be.
+   Korv::U64 refused() const { return refused_; }
    // Nothing waits for any observer on this side of the sockets.
    bool idle() const;
 
@@ -99,6 +102,7 @@ class AttrLogServer {
    Observers leaving_; // gone, short of their adapters
    Observer * offered_ = nullptr;
    Korv::U64 stalled_ = 0;
+   Korv::U64 refused_ = 0;
 };
 
 } // namespace Linux

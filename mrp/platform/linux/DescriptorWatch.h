@@ -8,9 +8,9 @@
 
 namespace Linux {
 
-// Calls back from the loop whenever the descriptor is ready, once a round of the loop for as long
-// as it is. Calls for a bounded piece of work: what remains is found ready in the next round,
-// behind the timers that are due by then.
+// Calls back from the loop whenever the descriptor is ready, for as long as it is: in its turn, one
+// ready descriptor a round of the loop. Calls for a bounded piece of work: what remains is found
+// ready in the next round, behind the timers that are due by then.
 //
 // Owned by whoever waits; it may end inside any callback, its own included. The descriptor is the
 // owner's too and is closed after the watch. A descriptor has one watch at a time.

@@ -18,6 +18,7 @@ constexpr std::size_t datagramBytes = 32'768;
 constexpr int patienceMsecs = 2'000;
 // The most announcements that one call reads: in a storm of them the others wait for their turns.
 constexpr int readsAtOnce = 1'000;
+constexpr Seconds retryDelay = 1;
 
 constexpr char const * cannotFollow = "cannot follow the kernel's network interfaces";
 
@@ -64,6 +65,7 @@ LinkMonitor::LinkMonitor( RealActivity & activity, LinkTable::Changed changed )
         portOf( socket_ ),
         [this]( Korv::U8 family, Korv::U32 sequence ) { return askForDump( family, sequence ); },
         std::move( changed ) ),
+     retry_( activity.clock(), [this] { handleRetry(); } ),
      watch_( activity, socket_.number(), DescriptorWatch::reading,
              [this]( Korv::U32 ) { readOne(); } ) {
    table_.doDump();
@@ -76,6 +78,17 @@ LinkMonitor::LinkMonitor( RealActivity & activity, LinkTable::Changed changed )
          errno = ETIMEDOUT;
          throwErrno( cannotFollow );
       }
+   }
+}
+
+void LinkMonitor::handleRetry() {
+   table_.doDump();
+   retryIfFailed();
+}
+
+void LinkMonitor::retryIfFailed() {
+   if ( table_.isDumpFailed() ) {
+      retry_.doRunWithin( retryDelay );
    }
 }
 
@@ -99,6 +112,7 @@ bool LinkMonitor::readOne() {
       int const error = errno;
       if ( error == ENOBUFS ) {
          table_.doDump();
+         retryIfFailed();
       }
       return error == ENOBUFS || error == EINTR;
    }
@@ -109,6 +123,7 @@ bool LinkMonitor::readOne() {
    } else if ( from.nl_pid == 0 ) { // from the kernel: other processes have nothing to say
       table_.handleDatagram( NetlinkBytes( buffer_ ).first( length ) );
    }
+   retryIfFailed();
    return true;
 }
 

@@ -42,10 +42,12 @@ void LinkTable::begin( Phase phase ) {
       entry.seen = false;
    }
    torn_ = false;
+   failed_ = failed_ && phase == Phase::ports;
    phase_ = phase;
    ++sequence_;
    Korv::U8 const family = phase == Phase::links ? AF_UNSPEC : AF_BRIDGE;
    if ( !askForDump_( family, sequence_ ) ) {
+      failed_ = true;
       phase_ = Phase::none;
    }
 }
@@ -80,6 +82,8 @@ void LinkTable::handleDumpEnd( bool complete ) {
    }
    if ( complete ) {
       sweep();
+   } else {
+      failed_ = true;
    }
    if ( phase_ == Phase::links ) {
       begin( Phase::ports );

@@ -23,7 +23,8 @@ struct Link {
 
 // Kept by netlink messages: announcements of changes, and dumps of all that there is. It asks for
 // a dump at the start and when announcements have been lost; one that the kernel found to be torn
-// by changes under way is asked for again. What a complete dump does not mention has gone.
+// by changes under way is asked for again. What a complete dump does not mention has gone. A dump
+// that fails deletes nothing; when to ask again is up to the owner.
 //
 // Owned by the monitor, which brings the bytes. It holds no descriptor, so that tests can be the
 // kernel.
@@ -46,6 +47,8 @@ class LinkTable {
    // The link, or null. Good until the next message.
    Link const * link( std::string const & name ) const;
    bool isDumping() const { return phase_ != Phase::none; }
+   // The last dump could not be asked for, or has ended in an error: the table may be out of date.
+   bool isDumpFailed() const { return failed_ && !isDumping(); }
 
    // At the start, and when announcements have been lost. While a dump runs, when it has ended.
    void doDump();
@@ -76,7 +79,8 @@ class LinkTable {
    std::map< std::string, int > byName_;
    Phase phase_ = Phase::none;
    Korv::U32 sequence_ = 0;
-   bool torn_ = false; // the dump under way will have to be repeated
+   bool torn_ = false;   // the dump under way will have to be repeated
+   bool failed_ = false; // it, or a part of it
 };
 
 } // namespace Linux

@@ -17,8 +17,8 @@ class Network : public KernelNetInfo::Status {
    Network( RealActivity & activity, Korv::Name name )
       : Status( std::move( name ) ), activity_( activity ) {}
 
-   // Under the kernel's number. A device of another number is another one: the one that is there
-   // goes before it comes.
+   // Under the kernel's number. A device of another number is another one: whoever replaces one
+   // takes the old one out first, as the link table does.
    void deviceIs( Pelk::IntfId const & intfId, int index );
    void deviceDel( Pelk::IntfId const & intfId );
 

@@ -57,6 +57,26 @@ Descriptor newSocket( SocketAddress const & address ) {
    return made;
 }
 
+// What a connection is given over TCP. On a Unix-domain socket these fail, and nothing is missed.
+constexpr struct {
+   int level;
+   int name;
+   int value;
+} connectionOptions[] = {
+   { IPPROTO_TCP, TCP_NODELAY, 1 },
+   { IPPROTO_TCP, TCP_SYNCNT, 2 }, // connecting is given up after seven seconds
+   // An end that says nothing for ten seconds is asked whether it is there, three times.
+   { SOL_SOCKET, SO_KEEPALIVE, 1 },
+   { IPPROTO_TCP, TCP_KEEPIDLE, 10 },
+   { IPPROTO_TCP, TCP_KEEPINTVL, 5 },
+   { IPPROTO_TCP, TCP_KEEPCNT, 3 },
+};
+void setConnectionOptions( Descriptor const & socket ) {
+   for ( auto const & [level, name, value] : connectionOptions ) {
+      ::setsockopt( socket.number(), level, name, &value, sizeof value );
+   }
+}
+
 // A socket at which nobody accepts any more. A file of another kind would refuse to be connected to
 // just the same.
 bool isAbandoned( StreamAddress const & where, SocketAddress const & address ) {
@@ -141,6 +161,7 @@ Descriptor listeningSocket( StreamAddress const & address ) {
 Descriptor connectingSocket( StreamAddress const & address ) {
    SocketAddress const at( address );
    Descriptor made = newSocket( at );
+   setConnectionOptions( made );
    if ( ::connect( made.number(), at.get(), at.size ) != 0 && errno != EINPROGRESS ) {
       throwErrno( "cannot connect" );
    }
@@ -151,8 +172,7 @@ Descriptor acceptedSocket( Descriptor const & listening ) {
    Descriptor accepted(
       ::accept4( listening.number(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC ) );
    if ( accepted ) {
-      int const on = 1; // fails on a Unix-domain socket, which delays nothing
-      ::setsockopt( accepted.number(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on );
+      setConnectionOptions( accepted );
    }
    return accepted;
 }

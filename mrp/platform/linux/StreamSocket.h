@@ -26,7 +26,8 @@ struct StreamAddress {
 // that is no IPv4 address. A path belongs to its user alone (0600); one that a dead process has
 // left behind is taken over.
 Descriptor listeningSocket( StreamAddress const & address );
-// Still connecting, possibly: it is writable when that has been decided.
+// Still connecting, possibly: it is writable when that has been decided, over TCP within seconds.
+// Over TCP either end of a connection hears within half a minute that the other's machine is gone.
 Descriptor connectingSocket( StreamAddress const & address );
 // The next connection of a listening socket; none if there is none, with errno.
 Descriptor acceptedSocket( Descriptor const & listening );

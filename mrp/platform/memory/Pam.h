@@ -9,8 +9,8 @@ namespace Memory {
 
 class Device;
 
-// Opened by its device; a device can have several. Frames wait as plain bytes and become packets
-// of the receive pool when they are read.
+// Opened by the network; a device lists those that are open on it, and can have several. Frames
+// wait as plain bytes and become packets of the receive pool when they are read.
 class Pam : public Pelk::EthDevPam {
  public:
    Pam( Korv::Ptr< Device > device, KernelNetInfo::PamSettings const & settings );

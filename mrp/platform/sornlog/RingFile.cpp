@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
+#include <functional>
 #include <stdexcept>
 #include <sys/file.h>
 #include <sys/mman.h>
@@ -52,29 +53,50 @@ void lock( std::string const & path, int descriptor ) {
    }
 }
 
+bool isRing( int descriptor ) {
+   char start[sizeof Layout::magic];
+   return ::pread( descriptor, start, sizeof start, 0 ) == ssize_t{ sizeof start } &&
+          std::memcmp( start, Layout::magic, sizeof start ) == 0;
+}
+
+// Empty, or zeros from end to end: a ring file whose process or machine ended before its header was
+// written.
+bool isBlank( int descriptor ) {
+   std::array< char, 4096 > piece;
+   off_t at = 0;
+   for ( ssize_t got; ( got = ::pread( descriptor, piece.data(), piece.size(), at ) ) != 0; ) {
+      if ( got < 0 || std::any_of( piece.begin(), piece.begin() + got, std::identity() ) ) {
+         return false;
+      }
+      at += got;
+   }
+   return true;
+}
+bool isOurs( int descriptor ) { return isRing( descriptor ) || isBlank( descriptor ); }
+
+constexpr int toLook = O_RDONLY | O_NONBLOCK;
+
+// Refuses a file that is there and is none of ours.
+void refuseForeign( std::string const & path, Opened const & found ) {
+   struct stat status {};
+   if ( found.number < 0 ? errno != ENOENT : ::fstat( found.number, &status ) != 0 ) {
+      refuse( path, errno );
+   }
+   if ( found.number >= 0 && !( S_ISREG( status.st_mode ) && isOurs( found.number ) ) ) {
+      refuse( path, "it is no ring file, and is left alone" );
+   }
+}
+
 // Makes way for a new file: a ring file that is there gets ".old" behind its name. Refuses where
 // there is something else, or where another process writes it.
 void keepOld( std::string const & path ) {
-   Opened const old( path, O_RDONLY | O_NONBLOCK );
+   Opened const old( path, toLook );
+   refuseForeign( path, old );
    if ( old.number < 0 ) {
-      if ( errno == ENOENT ) {
-         return;
-      }
-      refuse( path, errno );
-   }
-   struct stat status {};
-   if ( ::fstat( old.number, &status ) != 0 ) {
-      refuse( path, errno );
-   }
-   char start[sizeof Layout::magic];
-   auto const length = S_ISREG( status.st_mode ) ? ::read( old.number, start, sizeof start ) : -1;
-   bool const isRing = length == static_cast< ssize_t >( sizeof start ) &&
-                       std::memcmp( start, Layout::magic, sizeof start ) == 0;
-   if ( !isRing && length != 0 ) {
-      refuse( path, "it is no ring file, and is left alone" );
+      return;
    }
    lock( path, old.number );
-   if ( isRing && std::rename( path.c_str(), ( path + ".old" ).c_str() ) != 0 ) {
+   if ( isRing( old.number ) && std::rename( path.c_str(), ( path + ".old" ).c_str() ) != 0 ) {
       refuse( path, errno );
    }
 }
@@ -172,9 +194,12 @@ RingFile::RingFile( std::string const & path, U32 recordsPerRing )
    if ( recordsPerRing == 0 || recordsPerRing > Layout::mostRecordsPerRing ) {
       throwRangeException( "a ring has 1 to 1048576 records" );
    }
-   keepOld( path );
    // It gets its name when it is complete.
    std::string const making = path + ".new";
+   for ( std::string const & name : { making, path + ".old" } ) {
+      refuseForeign( name, Opened( name, toLook ) );
+   }
+   keepOld( path );
    std::size_t const bytes = Layout::fileBytes( recordsPerRing );
    descriptor_ = makeFile( making, bytes );
    void * const mapped =

@@ -14,7 +14,8 @@ namespace Sornlog {
 // its end. One thread writes; others may read the file at any time.
 //
 //  1. A file is always new. One that a process before has left is kept under the name with ".old"
-//     behind it, so that a restart does not take the traces of a crash away.
+//     behind it, so that a restart does not take the traces of a crash away. While it is made it
+//     has ".new" behind its name.
 //  2. All of its blocks are there from the start: no write can fail for a full disk. (Whoever cuts
 //     the file short while it is written ends the process, as with any mapped file.)
 //  3. A record is either whole or known not to be, wherever the process ends. (When the machine
@@ -25,8 +26,8 @@ class RingFile : public File {
    static constexpr Korv::U32 defaultRecordsPerRing = 4096; // makes a file of 5 MB
 
    // Throws std::runtime_error with the path in its words, a std::system_error where the system
-   // has refused. What stands there and is no ring file, or is being written by another process, is
-   // left alone.
+   // has refused. What stands there, or under the names with ".old" and ".new" behind it, and is no
+   // ring file, or is being written by another process, is left alone.
    explicit RingFile( std::string const & path, Korv::U32 recordsPerRing = defaultRecordsPerRing );
    RingFile( RingFile const & ) = delete;
    RingFile & operator=( RingFile const & ) = delete;

@@ -39,8 +39,10 @@ class File {
    virtual void write( Site const & site, std::span< Argument const > arguments ) = 0;
 };
 
-// The file of the process, or null. Whoever sets it owns it and unsets it before its end.
-inline constinit File * defaultFile_ = nullptr;
+// The file of the process, or null. Whoever sets it owns it and unsets it before its end. The
+// visibility keeps it one for the process where a library and its user hide their symbols from each
+// other.
+[[gnu::visibility( "default" )]] inline constinit File * defaultFile_ = nullptr;
 inline File * file() { return defaultFile_; }
 inline void fileIs( File * file ) { defaultFile_ = file; }
 
