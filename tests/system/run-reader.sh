@@ -16,16 +16,13 @@ declare_many() {
    run left left --application mvrp --declare 10-4000 --socket none "${long[@]}" eth0
 }
 # registered NUMBER: so many VLANs are, or before long, and no other is about to age out.
-has_registered() {
-   on right python3 -c '
+registered() {
+   until_true on right python3 -c '
 import sys, urllib.request
 with urllib.request.urlopen( "http://127.0.0.1:9100/metrics", timeout = 5 ) as answer:
    text = answer.read().decode()
 assert f"state=\"IN\"}} {sys.argv[ 1 ]}\n" in text and "state=\"LV\"} 0\n" in text
-' "$1" 2> "$work/scrape.err"
-}
-registered() {
-   until_true has_registered "$1" || fail "not so many VLANs are registered: $1"
+' "$1" 2> "$work/scrape.err" || fail "not so many VLANs are registered: $1"
 }
 
 # Two megabytes of lines.
