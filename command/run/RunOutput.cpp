@@ -17,20 +17,22 @@ namespace {
 
 constexpr Korv::Seconds moment = 0.01;
 
-// A terminal with room for a byte is ready, and has a longer write wait. It is opened once more, as
-// not to wait would be asked for of all who have it otherwise.
-Linux::Descriptor terminalOf( std::ostream const & out ) {
+// A terminal with room for a byte is ready, and has a longer write wait; of a pipe another process
+// may take the room. So they are opened once more: otherwise not to wait would be asked for of all
+// who have them. Of a socket, which cannot be opened, there is none.
+Linux::Descriptor unwaiting( std::ostream const & out ) {
    bool const isTerminal = isStandardOutput( out ) && ::isatty( STDOUT_FILENO ) == 1;
    int const flags = O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-   return Linux::Descriptor( isTerminal ? ::open( "/proc/self/fd/1", flags ) : -1 );
+   return Linux::Descriptor( isTerminal || isPiped( out ) ? ::open( "/proc/self/fd/1", flags )
+                                                          : -1 );
 }
 
 } // namespace
 
 RunOutput::RunOutput( std::ostream & out, Notice notice, std::function< void() > closed )
    : out_( out ), notice_( std::move( notice ) ), closed_( std::move( closed ) ),
-     terminal_( terminalOf( out ) ),
-     descriptor_( isPiped( out ) ? STDOUT_FILENO : terminal_.number() ) {}
+     unwaiting_( unwaiting( out ) ),
+     descriptor_( !unwaiting_ && isPiped( out ) ? STDOUT_FILENO : unwaiting_.number() ) {}
 
 void RunOutput::print( std::string const & text ) {
    if ( !out_ ) {
@@ -54,7 +56,7 @@ void RunOutput::print( std::string const & text ) {
 void RunOutput::write() {
    std::size_t written = 0;
    while ( written < waiting_.size() && hasRoom() ) {
-      // No more than a pipe that is ready takes without waiting.
+      // No more than what is ready takes without waiting, also where it could not be opened anew.
       std::size_t const piece = std::min< std::size_t >( waiting_.size() - written, PIPE_BUF );
       auto const got = ::write( descriptor_, waiting_.data() + written, piece );
       if ( got < 0 ) {

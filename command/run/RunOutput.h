@@ -40,8 +40,8 @@ class RunOutput {
    std::ostream & out_;
    Notice notice_;
    std::function< void() > closed_;
-   Linux::Descriptor terminal_;
-   int descriptor_; // below 0: `out_` itself
+   Linux::Descriptor unwaiting_;
+   int descriptor_; // what is written to; below 0: `out_` itself
    std::string waiting_;
    std::size_t leftOut_ = 0; // lines
    Korv::CallbackTimer again_{ Korv::activityManager().clock(), [this] { write(); } };
