@@ -7,6 +7,7 @@
 
 #include "command/CommandError.h"
 #include "command/RingCommand.h"
+#include "command/StandardOutput.h"
 #include "command/replay/ReplayCommand.h"
 #include "command/run/RunCommand.h"
 #include "command/script/ScriptCommand.h"
@@ -320,6 +321,8 @@ int runCommandLine( int argc, char const * const * argv, std::ostream & out, std
          throw CommandError( "the output cannot be written" );
       }
       return status;
+   } catch ( ReaderGone const & ) {
+      return 0;
    } catch ( CLI::Success const & asked ) {
       return app.exit( asked, out, err ); // for help or the version
    } catch ( CLI::ParseError const & error ) {

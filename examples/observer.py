@@ -45,16 +45,25 @@ class Mirror:
             if flags == 1 and payload[0] == 0:
                 entity.brought = set()
             elif flags == 1 and payload[0] == 2:
-                entity.children = {k: n for k, n in entity.children.items() if k in entity.brought}
+                for key in entity.children.keys() - entity.brought:
+                    self.child_is(entity, key, None)
             elif flags == 0:
                 key, rest = key_and_rest(form, value)
-                if attribute > 0:
-                    entity.brought.add(key)
-                    entity.children[key], = struct.unpack(">Q", rest)
-                else:
-                    entity.children.pop(key, None)
+                entity.brought.add(key)
+                self.child_is(entity, key, struct.unpack(">Q", rest)[0] if attribute > 0 else None)
         elif entity.type == "Mrp::MrpAttrDatabase" and attribute in (259, 260):
             entity.states[attribute], = struct.unpack(">I", value)
+
+    def child_is(self, entity, key, number):
+        old = entity.children.pop(key, None)
+        if number is not None:
+            entity.children[key] = number
+        if old not in (None, number):
+            self.drop(old)
+
+    def drop(self, number):
+        for child in self.entities.pop(number).children.values():
+            self.drop(child)
 
     def lines(self, number, path=()):
         entity = self.entities[number]

@@ -7,9 +7,10 @@ mkdir -p build/log
 
 build_packages=( g++ cmake ninja-build pkg-config libpcap-dev libcli11-dev nlohmann-json3-dev
    libtomlplusplus-dev libmicrohttpd-dev )
-bench_packages=( libgtest-dev libgmock-dev libbenchmark-dev )
+# What the presets build unless told otherwise, tests and benchmark included.
+preset_packages=( "${build_packages[@]}" libgtest-dev libgmock-dev libbenchmark-dev python3 )
 demo_packages=( iproute2 python3 tcpdump )
-test_packages=( "${bench_packages[@]}" python3 iproute2 tshark )
+test_packages=( iproute2 tshark )
 clang_packages=( clang libclang-rt-14-dev )
 format_packages=( clang-format )
 

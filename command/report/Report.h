@@ -69,5 +69,6 @@ void writeAttributes( Report const & report, std::ostream & out );
 // `indications`, and its `attributes` with the time.
 void writeIndicationLine( Happening const & indication, std::ostream & out );
 void writeAttributesLine( Report const & report, Korv::Seconds time, std::ostream & out );
+void writeMissingLine( std::size_t lines, Korv::Seconds time, std::ostream & out );
 
 } // namespace Command

@@ -106,4 +106,9 @@ void writeAttributesLine( Report const & report, Korv::Seconds time, std::ostrea
    out << jsonText( line, oneLine ) << '\n';
 }
 
+void writeMissingLine( std::size_t lines, Korv::Seconds time, std::ostream & out ) {
+   Json const line = { { "time", time }, { "kind", "missing" }, { "lines", lines } };
+   out << jsonText( line, oneLine ) << '\n';
+}
+
 } // namespace Command

@@ -30,11 +30,10 @@ Korv::Ptr< Mrp::MrpConfig > configOf( RunSettings const & settings ) {
 
 RunAgent::RunAgent( RunSettings const & settings, Mirel::HostEntities const & host,
                     std::ostream & out, std::function< void() > outputClosed )
-   : lines_( settings.application, settings.json, out ), outputClosed_( std::move( outputClosed ) ),
+   : lines_( settings.application, settings.json, out, std::move( outputClosed ) ),
      config_( configOf( settings ) ),
      lib_( libOf( settings, host, [this]( Happening const & indication ) {
         lines_.writeIndication( indication );
-        checkOutput();
      } ) ) {
    lib_->applicationIs( settings.application );
    lib_->applicationMacAddrIs( settings.address );
@@ -45,9 +44,9 @@ RunAgent::RunAgent( RunSettings const & settings, Mirel::HostEntities const & ho
    lib_->start( settings.interfaces );
 }
 
-void RunAgent::showAttributes() {
-   lines_.writeAttributes( *sm_ );
-   checkOutput();
+void RunAgent::stop() {
+   lib_->stop();
+   lines_.writeRest();
 }
 
 Mrp::AttrLogMounts::Adapters RunAgent::mirror( Korv::NboAttrLog::Output & output ) const {
@@ -62,12 +61,6 @@ Mrp::AttrLogMounts::Adapters RunAgent::mirror( Korv::NboAttrLog::Output & output
 std::string RunAgent::metrics() const {
    return metricsText( sm_->mrpLib()->application(), *sm_->mrpStatus(), *sm_->mrpCounters(),
                        *config_ );
-}
-
-void RunAgent::checkOutput() const {
-   if ( lines_.isClosed() && outputClosed_ ) {
-      outputClosed_();
-   }
 }
 
 } // namespace Command

@@ -16,25 +16,22 @@ namespace Command {
 // time on it counts.
 class RunAgent {
  public:
-   // `outputClosed` is called, from within a notification, when nothing more can be printed.
+   // `outputClosed` as RunLines calls it.
    RunAgent( RunSettings const & settings, Mirel::HostEntities const & host, std::ostream & out,
              std::function< void() > outputClosed = {} );
    RunAgent( RunAgent const & ) = delete;
    RunAgent & operator=( RunAgent const & ) = delete;
 
    // Withdraws what is declared; it has been sent when this returns.
-   void stop() { lib_->stop(); }
-   void showAttributes();
+   void stop();
+   void showAttributes() { lines_.writeAttributes( *sm_ ); }
 
    // What it publishes, for an observer and for a scrape.
    Mrp::AttrLogMounts::Adapters mirror( Korv::NboAttrLog::Output & output ) const;
    std::string metrics() const;
 
  private:
-   void checkOutput() const;
-
    RunLines lines_;
-   std::function< void() > outputClosed_;
    Korv::Ptr< Mrp::MrpConfig > config_;
    Korv::Ptr< DeclaringLib > lib_;
    Korv::Ptr< Mrp::MrpSm > sm_; // ends before its lib

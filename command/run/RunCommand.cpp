@@ -5,6 +5,7 @@
 #include "mrp/platform/linux/SignalWatch.h"
 
 #include "command/CommandError.h"
+#include "command/StandardOutput.h"
 #include "command/run/MetricsServer.h"
 #include "command/run/Observation.h"
 #include "command/run/RunAgent.h"
@@ -19,19 +20,6 @@
 namespace Command {
 
 namespace {
-
-// A write to whoever has stopped reading is to fail, and not to end the process: declarations
-// would stay behind.
-class BrokenPipeIgnored {
- public:
-   BrokenPipeIgnored() : before_( std::signal( SIGPIPE, SIG_IGN ) ) {}
-   BrokenPipeIgnored( BrokenPipeIgnored const & ) = delete;
-   BrokenPipeIgnored & operator=( BrokenPipeIgnored const & ) = delete;
-   ~BrokenPipeIgnored() { std::signal( SIGPIPE, before_ ); }
-
- private:
-   void ( *before_ )( int );
-};
 
 // Interfaces may come and go later; at the start they are to be there, or else a name is wrong.
 void checkInterfaces( RunSettings const & settings ) {

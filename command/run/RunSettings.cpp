@@ -34,10 +34,15 @@ void onlyFor( Mrp::MrpApplication application, RunOptions const & options,
 
 // Classes A and B as IEEE 802.1Q has them (table 35-7 and 35.2.2.9), unless told otherwise.
 std::vector< Mrp::MsrpDomainAttribute > domainsOf( RunOptions const & options ) {
-   std::map< U8, Mrp::MsrpDomainAttribute > domains{ { 5, { 5, 2, 2 } }, { 6, { 6, 3, 2 } } };
+   std::map< U8, Mrp::MsrpDomainAttribute > domains;
    for ( DomainOption const & domain : options.domains.value_or( std::vector< DomainOption >() ) ) {
-      domains[*domain.srClassId] = { *domain.srClassId, *domain.priority, *domain.vlan };
+      Mrp::MsrpDomainAttribute const told( *domain.srClassId, *domain.priority, *domain.vlan );
+      if ( !domains.emplace( *domain.srClassId, told ).second ) {
+         throw CommandError( "two domains of class " + srClassWord( *domain.srClassId ) );
+      }
    }
+   domains.try_emplace( 5, 5, 2, 2 );
+   domains.try_emplace( 6, 6, 3, 2 );
    std::vector< Mrp::MsrpDomainAttribute > all;
    for ( auto const & [srClassId, domain] : domains ) {
       all.push_back( domain );

@@ -88,19 +88,27 @@ std::vector< ShowSource * > answering( Linux::RealActivity & activity,
    return whole;
 }
 
-void addMetrics( std::vector< std::string > & all, MrpObserver::Mirror const & mirror ) {
+// Nothing but the protocol tells the samples of several participants apart.
+using Metrics = std::map< Mrp::MrpApplication, std::string >;
+
+void addMetrics( Metrics & all, MrpObserver::Mirror const & mirror ) {
    for ( auto published = mirror.status().application().walk(); published; ++published ) {
-      all.push_back(
-         metricsText( published.key(), mirror.status(), mirror.counters(), mirror.config() ) );
+      Mrp::MrpApplication const application = published.key();
+      auto const text =
+         metricsText( application, mirror.status(), mirror.counters(), mirror.config() );
+      if ( !all.emplace( application, text ).second ) {
+         throw CommandError( "two participants of " + Mrp::stringValue( application ) +
+                             ": name one SOCKET" );
+      }
    }
 }
 
 // The texts of several participants as one, in which a metric is described once, ahead of all its
 // samples.
-std::string oneExposition( std::vector< std::string > const & texts ) {
+std::string oneExposition( Metrics const & texts ) {
    std::vector< std::string > metrics;         // in their order
    std::map< std::string, std::string > lines; // of each
-   for ( std::string const & text : texts ) {
+   for ( auto const & [application, text] : texts ) {
       std::istringstream in( text );
       std::string metric;
       bool isKnown = false;
@@ -128,7 +136,7 @@ std::string oneExposition( std::vector< std::string > const & texts ) {
 int showOnce( ShowOptions const & options, Linux::RealActivity & activity,
               std::list< ShowSource > & sources, std::ostream & out, std::ostream & err ) {
    std::vector< ShowStream > streams;
-   std::vector< std::string > metrics;
+   Metrics metrics;
    for ( ShowSource * const source : answering( activity, sources, err ) ) {
       if ( options.metrics ) {
          addMetrics( metrics, source->mirror() );

@@ -1,9 +1,10 @@
 #include "command/show/ShowScreen.h"
 
+#include "command/StandardOutput.h"
+
 #include <algorithm>
 #include <array>
 #include <csignal>
-#include <iostream>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -26,8 +27,6 @@ constexpr std::array keyTexts{
    KeyText{ "\033[5~", Key::pageUp }, KeyText{ "\033[6~", Key::pageDown },
    KeyText{ "b", Key::pageUp },       KeyText{ " ", Key::pageDown } };
 } // namespace
-
-bool isStandardOutput( std::ostream const & out ) { return &out == &std::cout; }
 
 std::optional< ScreenSize > terminalSize( std::ostream const & out ) {
    winsize window{};

@@ -11,7 +11,6 @@
 
 namespace Command {
 
-bool isStandardOutput( std::ostream const & out );
 // None if it is no terminal.
 std::optional< ScreenSize > terminalSize( std::ostream const & out );
 

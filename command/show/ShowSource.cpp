@@ -39,8 +39,7 @@ std::string ShowSource::failure() const {
       return connection_.lastError();
    }
    if ( Korv::now() - lastMessage_ >= patience && !mirror_.isBrought() ) {
-      return messages_ == 0 ? "it takes the connection and says nothing"
-                            : "it stopped in the middle";
+      return connection_.connected() ? "it stopped in the middle" : "there is no answer";
    }
    if ( Korv::now() - begin_ >= longestCopy ) {
       return "it comes to no end";

@@ -3,13 +3,13 @@
 #include "mrp/platform/korv/TimeOfDay.h"
 #include "mrp/platform/linux/SignalWatch.h"
 
+#include "command/StandardOutput.h"
 #include "command/show/ShowJson.h"
 #include "command/show/ShowScreen.h"
 
 #include <algorithm>
 #include <chrono>
 #include <sstream>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace Command {
@@ -54,9 +54,7 @@ class Watch {
  private:
    // A pipe whose reader has gone says so at once, and not only at the next change.
    void watchReader() {
-      struct stat kind {};
-      if ( isStandardOutput( out_ ) && ::fstat( STDOUT_FILENO, &kind ) == 0 &&
-           ( S_ISFIFO( kind.st_mode ) || S_ISSOCK( kind.st_mode ) ) ) {
+      if ( isPiped( out_ ) ) {
          reader_.emplace( activity_, STDOUT_FILENO, 0, [this]( Korv::U32 ) {
             reader_.reset();
             doStop();
@@ -170,7 +168,11 @@ class Watch {
 
 int watch( ShowOptions const & options, Linux::RealActivity & activity,
            std::list< ShowSource > & sources, std::ostream & out ) {
+   BrokenPipeIgnored const brokenPipeIgnored;
    Watch( options, activity, sources, out ).run();
+   if ( !out && isPiped( out ) ) {
+      throw ReaderGone();
+   }
    return 0;
 }
 

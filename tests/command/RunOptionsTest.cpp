@@ -108,6 +108,12 @@ TEST_F( RunOptionsTest, TheCommandLineGoesBeforeTheFile ) {
    expectRefused( mrp( run + " --leave-time 2 none2" ), "none2: " );
 }
 
+TEST_F( RunOptionsTest, WhatThereIsOnceIsToldOnce ) {
+   std::string const domain = " --domain class=B,priority=2,vlan=";
+   expectRefused( mrp( "run --application msrp none0" + domain + "2" + domain + "3" ),
+                  "two domains of class B" );
+}
+
 TEST( StreamPathTest, EverybodyHasAFolderOfHisOwn ) {
    bool const isRoot = ::geteuid() == 0;
    if ( isRoot ) {

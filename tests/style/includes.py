@@ -17,7 +17,8 @@ ORDER = [f"mrp/platform/{name}/" for name in FOLDERS]
 
 # What all subcommands share.
 COMMAND = ["mrp/"] + [f"command/{name}.h"
-                      for name in ("Arguments", "CommandError", "Nanoseconds", "StreamPath")]
+                      for name in ("Arguments", "CommandError", "Nanoseconds", "StandardOutput",
+                                   "StreamPath")]
 REPORT = "command/report/"
 REPLAY = "command/replay/"
 

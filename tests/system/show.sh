@@ -120,9 +120,21 @@ stop text || fail "SIGTERM does not end a watch with 0"
 stop lines INT || fail "SIGINT does not end a watch with 0"
 
 # Nobody reads any more, and nothing changes.
-timeout "$patience" "$MRP" show --watch | head -n 1 > "$work/head.out"
-[ "${PIPESTATUS[0]}" != 124 ] || fail "it goes on without a reader"
+timeout "$patience" "$MRP" show --watch | head -n 1 > "$work/head.out" ||
+   fail "without a reader it goes on, or does not end well"
 grep -q '^MVRP at' "$work/head.out" || fail "no first line"
+
+# Nor while there is much to read. And of two that speak one protocol it takes a name.
+host other
+wire other eth0 other eth1
+run many other --application mvrp --socket /run/mrp/many.sock --declare 1-4094 "${long[@]}" eth0
+shows /run/mrp/many.sock '^eth0 +VLAN +4094 '
+timeout "$patience" "$MRP" show --watch --json /run/mrp/many.sock 2> "$work/head.err" |
+   head -c 100 > /dev/null || fail "a reader that goes ends it with another status than 0"
+[ ! -s "$work/head.err" ] || fail "a reader that goes is an error"
+! "$MRP" show --metrics > "$work/two.out" 2>&1 || fail "two series of one name"
+grep -q '^mrp: two participants of MVRP: name one SOCKET$' "$work/two.out" || fail "no word of it"
+stop many
 
 # At a terminal: too many lines, more room, what is new stands out, a restart, and back.
 terminal
