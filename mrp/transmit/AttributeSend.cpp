@@ -37,7 +37,8 @@ bool canTransmit( MrpSm const & sm, Pelk::IntfId intfId ) {
    return false;
 }
 
-// Null if there is no packet, or if who is told of the frame takes it away at once.
+// The one that somebody has begun meanwhile, if there is one. Null if there is no packet, or if who
+// is told of the frame takes it away at once.
 MrpTxPacketContext * newFrame( MrpLib & lib, MrpParameters const & attribute, Pelk::IntfId intfId,
                                bool secondPktContext ) {
    Korv::Ptr< Pelk::Pkt > const pkt = Pelk::globalPktManager().newPkt();
@@ -59,25 +60,21 @@ MrpTxPacketContext * frameFor( MrpLib & lib, MrpParameters const & attribute, Pe
    if ( !canTransmit( sm, intfId ) ) {
       return nullptr;
    }
-   MrpTxPacketContext * frame = openFrame( lib, intfId, secondPktContext );
-   if ( !frame ) {
-      return newFrame( lib, attribute, intfId, secondPktContext );
+   if ( MrpTxPacketContext * const frame = openFrame( lib, intfId, secondPktContext ) ) {
+      if ( !frame->pkt() ) {
+         // It is just leaving, and whoever is told of that sends this: it goes into another.
+         openFrameDel( lib, intfId, secondPktContext );
+      } else if ( attribute.attributeType() < frame->currentAttrType() ) {
+         sm.mrpTransmitTxPacket( intfId, secondPktContext );
+      } else {
+         return frame;
+      }
+      // Whoever was told of that may have closed the interface.
+      if ( !canTransmit( sm, intfId ) ) {
+         return nullptr;
+      }
    }
-   if ( !frame->pkt() ) {
-      // It is just leaving, and whoever is told of that sends this: it goes into another.
-      openFrameDel( lib, intfId, secondPktContext );
-   } else if ( attribute.attributeType() < frame->currentAttrType() ) {
-      sm.mrpTransmitTxPacket( intfId, secondPktContext );
-   } else {
-      return frame;
-   }
-   // Whoever was told of that may have begun another, or closed the interface.
-   frame = openFrame( lib, intfId, secondPktContext );
-   if ( frame ) {
-      return frame;
-   }
-   return canTransmit( sm, intfId ) ? newFrame( lib, attribute, intfId, secondPktContext )
-                                    : nullptr;
+   return newFrame( lib, attribute, intfId, secondPktContext );
 }
 
 } // namespace

@@ -97,12 +97,14 @@ TEST_F( OccasionsTest, opensAnewOverTheLeaveAllThatEnds ) {
    EXPECT_EQ( msrp.sm().leaveAllSm()->intfLeaveAllSm( ethernet1 )->leaveAllPending().size(), 4u );
 }
 
-TEST_F( OccasionsTest, closesOverTheFrameOfALeaveAll ) {
+// The domain's frame leaves because the LeaveAll is of a lower type.
+TEST_F( OccasionsTest, closesOverTheFrameThatALeaveAllSends ) {
    Participant msrp( Mrp::MSRP );
    msrp.declare( et1, Domain{ 6, 3, 2 }, New );
    auto const watching = when( msrp, Occasion::frameLeaves, [&] { close( msrp ); } );
-   msrp.sm().leaveAllSm()->intfLeaveAllSm( ethernet1 )->handleTxLeaveAll( talkerType, 10 );
-   msrp.sm().mrpTransmitTxAttributes( ethernet1 );
+   auto & leaveAll = *msrp.sm().leaveAllSm()->intfLeaveAllSm( ethernet1 );
+   leaveAll.leaveAllPending( talkerType )->timestampIs( 0 );
+   leaveAll.handleLeaveAllTimer();
    expectClosed( msrp );
 }
 
