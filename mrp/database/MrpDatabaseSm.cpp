@@ -86,7 +86,14 @@ void MrpDatabaseAddSm::doCommit( MrpAttribute const & attribute ) {
    if ( copy && entry ) {
       entityCopy_->doCopyEntityAttrs( *entry, *copy, "" );
    }
-   mrpSm()->addPendingAttrDel( attribute );
+   // Who is told of it may have moved the copy on, or declared the attribute anew: that is for the
+   // next review.
+   bool const isCommitted = !copy || !entry ||
+                            ( entry->applicantState() == copy->applicantState() &&
+                              entry->registrarState() == copy->registrarState() );
+   if ( isCommitted && mrpSm()->addPendingAttr( attribute ) == copy.ptr() ) {
+      mrpSm()->addPendingAttrDel( attribute );
+   }
 }
 
 MrpDatabaseDeleteSm::MrpDatabaseDeleteSm( MrpSm * sm, Korv::Ptr< MrpAttrLogSm > mrpAttrLogSm,

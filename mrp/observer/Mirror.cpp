@@ -2,6 +2,7 @@
 
 #include "mrp/observability/AttrLogAdapters.h"
 #include "mrp/platform/korv/Assert.h"
+#include "mrp/platform/korv/FlagWhile.h"
 
 namespace MrpObserver {
 
@@ -33,13 +34,8 @@ void Mirror::streamBegins() {
 
 void Mirror::handleBytes( std::span< Korv::U8 const > bytes ) {
    assertOutsideOfWatchers();
-   struct Applying {
-      bool & flag;
-      explicit Applying( bool & f ) : flag( f ) { flag = true; }
-      ~Applying() { flag = false; } // also by what a watcher throws, before the stream ends
-   };
    try {
-      Applying const applying( applying_ );
+      Korv::FlagWhile const applying( applying_ );
       input_->handleBytes( bytes );
    } catch ( ... ) {
       streamEnds();

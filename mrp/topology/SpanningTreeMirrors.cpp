@@ -1,7 +1,5 @@
 #include "mrp/topology/SpanningTreeMirrors.h"
 
-#include <type_traits>
-
 namespace Mrp {
 
 namespace {
@@ -11,19 +9,14 @@ using Mirrors = Korv::HashMap< Korv::Name, Korv::Ptr< Mirror > >;
 template < class Mirror >
 using Records = Korv::HashMap< Korv::Name, Korv::Ptr< typename Mirror::Record > >;
 
-// The participant itself is its owner's to hold: its construction leads here as well.
-template < class Parent >
-using Holder = std::conditional_t< std::is_same_v< Parent, MrpSm >, MrpSm *, Korv::Ptr< Parent > >;
-
 // Brings the mirror of one name into line with the record. A record that has gone and come again
 // within one notification is another one, and so is its mirror. The two calls at the end may lead
-// back here, or take the parent out of its own: it is held, and so a mirror that still speaks has
-// all those above it.
+// back here, or take the parent out of its own: the caller holds it, so that a mirror that still
+// speaks has all those above it.
 template < class Mirror >
 void mirrorRecord( Mirrors< Mirror > & mirrors, Records< Mirror > const & records,
                    Korv::Name const & name, typename Mirror::Parent & parent ) {
    auto * const record = Korv::memberAt( records, name );
-   [[maybe_unused]] Holder< typename Mirror::Parent > const held( &parent );
    Korv::Ptr< Mirror > const gone = Korv::memberAt( mirrors, name );
    if ( record == ( gone ? &gone->record() : nullptr ) ) {
       return;
@@ -71,6 +64,7 @@ void MrpSm::KorvStpStatus::handleAppeared() {
 }
 
 void MrpSm::KorvStpiStatus::onMstiStatus( Korv::Name const & name ) {
+   Korv::Ptr< KorvStpiStatus > const self( this );
    mirrorRecord( mstiStatus_, record().mstiStatus(), name, *this );
 }
 void MrpSm::KorvStpiStatus::handleAppeared() {
@@ -79,7 +73,8 @@ void MrpSm::KorvStpiStatus::handleAppeared() {
 void MrpSm::KorvStpiStatus::handleGone() { handleAllGone( mstiStatus_ ); }
 
 void MrpSm::KorvMstiStatus::onMstiPortStatus( Korv::Name const & name ) {
-   Korv::Ptr< KorvStpiStatus > const held( &parent() );
+   Korv::Ptr< KorvMstiStatus > const self( this );
+   Korv::Ptr< KorvStpiStatus > const above( &parent() );
    mirrorRecord( mstiPortStatus_, record().mstiPortStatus(), name, *this );
 }
 void MrpSm::KorvMstiStatus::handleAppeared() {

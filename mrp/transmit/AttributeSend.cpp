@@ -2,7 +2,8 @@
 //
 // Owns the life of a frame up to the encoders: the interface must be able to transmit; the first
 // attribute makes the frame; an attribute of a lower type sends it and starts another, so that a
-// frame's messages stand in non-decreasing type; a full frame leaves.
+// frame's messages stand in non-decreasing type (unless who is told of a frame sends into it at
+// once); a full frame leaves.
 #include "mrp/frame/MrpLib.h"
 #include "mrp/frame/MrpPamSm.h"
 #include "mrp/frame/MrpSm.h"
@@ -10,6 +11,7 @@
 #include "mrp/observability/Trace.h"
 #include "mrp/platform/pelk/PktManager.h"
 #include "mrp/transmit/OpenFrame.h"
+#include "mrp/transmit/OthersTold.h"
 #include "mrp/transmit/VectorEncoding.h"
 
 namespace Mrp {
@@ -38,9 +40,12 @@ bool canTransmit( MrpSm const & sm, Pelk::IntfId intfId ) {
 }
 
 // The one that somebody has begun meanwhile, if there is one. Null if there is no packet, or if who
-// is told of the frame takes it away at once.
+// is told of the frame sends or closes it at once; then the attribute is not said.
 MrpTxPacketContext * newFrame( MrpLib & lib, MrpParameters const & attribute, Pelk::IntfId intfId,
                                bool secondPktContext ) {
+   if ( MrpTxPacketContext * const begun = openFrame( lib, intfId, secondPktContext ) ) {
+      return begun;
+   }
    Korv::Ptr< Pelk::Pkt > const pkt = Pelk::globalPktManager().newPkt();
    if ( !pkt ) {
       trace( 4, "Packet allocation failed for ", attribute );
@@ -50,7 +55,10 @@ MrpTxPacketContext * newFrame( MrpLib & lib, MrpParameters const & attribute, Pe
    }
    // Before it is announced: who is told of it may send into it.
    pkt->newSharedHeadData( mrpMaxTxDataSz );
-   return openFrameIs( lib, intfId, secondPktContext, pkt );
+   MrpTxPacketContext * frame = nullptr;
+   whileOthersAreTold( lib, attribute.attributeType(),
+                       [&] { frame = openFrameIs( lib, intfId, secondPktContext, pkt ); } );
+   return frame;
 }
 
 // The open frame that the attribute goes into; null if there can be none.
@@ -65,7 +73,8 @@ MrpTxPacketContext * frameFor( MrpLib & lib, MrpParameters const & attribute, Pe
          // It is just leaving, and whoever is told of that sends this: it goes into another.
          openFrameDel( lib, intfId, secondPktContext );
       } else if ( attribute.attributeType() < frame->currentAttrType() ) {
-         sm.mrpTransmitTxPacket( intfId, secondPktContext );
+         whileOthersAreTold( lib, attribute.attributeType(),
+                             [&] { sm.mrpTransmitTxPacket( intfId, secondPktContext ); } );
       } else {
          return frame;
       }
@@ -97,7 +106,8 @@ void MrpLib::mrpSendAttributeIntf( MrpParameters const & attribute, Pelk::IntfId
       break;
    }
    if ( packetContext->pkt() && isFull( *mrpSm_, *packetContext, intfId ) ) {
-      mrpSm_->mrpTransmitTxPacket( intfId, secondPktContext );
+      whileOthersAreTold( *this, attribute.attributeType(),
+                          [&] { mrpSm_->mrpTransmitTxPacket( intfId, secondPktContext ); } );
    }
 }
 

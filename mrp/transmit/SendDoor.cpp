@@ -9,6 +9,7 @@
 #include "mrp/machines/MrpApplicantSm.h"
 #include "mrp/machines/MrpLeaveAllSm.h"
 #include "mrp/observability/Trace.h"
+#include "mrp/transmit/OthersTold.h"
 
 namespace Mrp {
 
@@ -16,8 +17,10 @@ namespace {
 
 // Posts the event, and then keeps the value sent as the attribute's.
 void declare( MrpSm & sm, MrpApplicantEvent event ) {
-   sm.applicantSm()->applicantEventIs( event );
-   sm.applicantSm()->handleApplicantEvent();
+   whileOthersAreTold( *sm.mrpLib(), sm.parseContext()->attributeType(), [&] {
+      sm.applicantSm()->applicantEventIs( event );
+      sm.applicantSm()->handleApplicantEvent();
+   } );
    if ( MrpAttrDatabase * const attribute = sm.mrpGetAttribute( false ) ) {
       sm.mrpPopulateValueInDatabase( *attribute, true );
    }

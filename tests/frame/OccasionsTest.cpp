@@ -108,6 +108,40 @@ TEST_F( OccasionsTest, closesOverTheFrameThatALeaveAllSends ) {
    expectClosed( msrp );
 }
 
+// What is being sent is not changed by it.
+TEST_F( OccasionsTest, sendsAnotherOverTheFrameThatADeclarationSends ) {
+   Participant msrp( Mrp::MSRP );
+   msrp.declare( et1, Domain{ 6, 3, 2 }, New );
+   auto const watching =
+      when( msrp, Occasion::frameLeaves, [&] { msrp.declare( et1, talker( 8 ), New ); } );
+   msrp.declare( et1, talker( 7 ), New );
+   msrp.advanceTo( 0.3 );
+   EXPECT_THAT( msrp.said(), Contains( "Ethernet1: talker{0x8 New; 0x7 New}" ) );
+}
+
+TEST_F( OccasionsTest, sendsAnotherTypeOverTheFrameThatALeaveAllSends ) {
+   Participant msrp( Mrp::MSRP );
+   msrp.declare( et1, talker( 7 ), New );
+   msrp.advanceTo( 1 );
+   msrp.declare( et1, Domain{ 6, 3, 2 }, New );
+   auto const watching = when( msrp, Occasion::frameLeaves, [&] {
+      msrp.declare( et1, Domain{ 5, 2, 2 }, New );
+   } );
+   auto & leaveAll = *msrp.sm().leaveAllSm()->intfLeaveAllSm( ethernet1 );
+   leaveAll.leaveAllPending( talkerType )->timestampIs( 0 );
+   leaveAll.handleLeaveAllTimer();
+   EXPECT_THAT( msrp.said(), Contains( "Ethernet1: domain{5 New} talker{LeaveAll 0x7 JoinMt}" ) );
+}
+
+TEST_F( OccasionsTest, declaresWhatIsBeingCommitted ) {
+   Participant mvrp( Mrp::MVRP );
+   mvrp.receive( et1, mvrpFrame( vlans( 10, { JoinIn } ) ) );
+   auto const watching =
+      when( mvrp, Occasion::state, [&] { mvrp.declare( et1, Vlan{ 10 }, JoinIn ); } );
+   mvrp.advanceTo( 5 );
+   EXPECT_EQ( mvrp.states( et1, 10 ), "mrpQuietActive mrpIn" );
+}
+
 TEST_F( OccasionsTest, declaresAnewWhatIsDeleted ) {
    Participant mvrp( Mrp::MVRP );
    mvrp.declare( et1, Vlan{ 10 }, New );

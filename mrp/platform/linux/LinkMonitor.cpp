@@ -1,5 +1,7 @@
 #include "mrp/platform/linux/LinkMonitor.h"
 
+#include "mrp/platform/korv/FlagWhile.h"
+
 #include <cerrno>
 #include <linux/if_link.h>
 #include <linux/netlink.h>
@@ -98,12 +100,7 @@ void LinkMonitor::readWaiting() {
 }
 
 bool LinkMonitor::readOne() {
-   struct Reading {
-      bool & flag;
-      explicit Reading( bool & f ) : flag( f ) { flag = true; }
-      ~Reading() { flag = false; }
-   } const reading( reading_ );
-
+   Korv::FlagWhile const reading( reading_ );
    sockaddr_nl from{};
    socklen_t fromBytes = sizeof from;
    ssize_t const bytes = ::recvfrom( socket_.number(), buffer_.data(), buffer_.size(), MSG_TRUNC,
@@ -111,8 +108,7 @@ bool LinkMonitor::readOne() {
    if ( bytes < 0 ) {
       int const error = errno;
       if ( error == ENOBUFS ) {
-         table_.doDump();
-         retryIfFailed();
+         handleRetry();
       }
       return error == ENOBUFS || error == EINTR;
    }

@@ -1,6 +1,7 @@
 #include "mrp/platform/linux/RealActivity.h"
 
 #include "mrp/platform/korv/Assert.h"
+#include "mrp/platform/korv/FlagWhile.h"
 #include "mrp/platform/linux/DescriptorWatch.h"
 
 #include <algorithm>
@@ -48,11 +49,7 @@ Seconds RealActivity::monotonicTime() {
 
 void RealActivity::runUntil( Seconds end ) {
    Korv::assertThat( !running_, "the loop is entered from outside of all notifications" );
-   struct Run {
-      bool & flag;
-      ~Run() { flag = false; } // also by what a notification throws
-   } const run{ running_ };
-   running_ = true;
+   Korv::FlagWhile const run( running_ );
    stopping_ = false;
 
    for ( bool last = false; !last && !stopping_; ) {

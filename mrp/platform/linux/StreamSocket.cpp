@@ -70,6 +70,7 @@ constexpr struct {
    { IPPROTO_TCP, TCP_KEEPIDLE, 10 },
    { IPPROTO_TCP, TCP_KEEPINTVL, 5 },
    { IPPROTO_TCP, TCP_KEEPCNT, 3 },
+   { IPPROTO_TCP, TCP_USER_TIMEOUT, 25'000 }, // nor does what is sent stay unconfirmed for longer
 };
 void setConnectionOptions( Descriptor const & socket ) {
    for ( auto const & [level, name, value] : connectionOptions ) {

@@ -76,27 +76,27 @@ bool isOurs( int descriptor ) { return isRing( descriptor ) || isBlank( descript
 
 constexpr int toLook = O_RDONLY | O_NONBLOCK;
 
-// Refuses a file that is there and is none of ours.
+// Refuses a file that is there and is none of ours, or is being written.
 void refuseForeign( std::string const & path, Opened const & found ) {
    struct stat status {};
    if ( found.number < 0 ? errno != ENOENT : ::fstat( found.number, &status ) != 0 ) {
       refuse( path, errno );
    }
-   if ( found.number >= 0 && !( S_ISREG( status.st_mode ) && isOurs( found.number ) ) ) {
+   if ( found.number < 0 ) {
+      return;
+   }
+   if ( !( S_ISREG( status.st_mode ) && isOurs( found.number ) ) ) {
       refuse( path, "it is no ring file, and is left alone" );
    }
+   lock( path, found.number );
 }
 
-// Makes way for a new file: a ring file that is there gets ".old" behind its name. Refuses where
-// there is something else, or where another process writes it.
+// Makes way for a new file: a ring file that is there gets ".old" behind its name.
 void keepOld( std::string const & path ) {
    Opened const old( path, toLook );
    refuseForeign( path, old );
-   if ( old.number < 0 ) {
-      return;
-   }
-   lock( path, old.number );
-   if ( isRing( old.number ) && std::rename( path.c_str(), ( path + ".old" ).c_str() ) != 0 ) {
+   if ( old.number >= 0 && isRing( old.number ) &&
+        std::rename( path.c_str(), ( path + ".old" ).c_str() ) != 0 ) {
       refuse( path, errno );
    }
 }
