@@ -13,8 +13,8 @@ namespace Command {
 
 // A pipe, a socket or a terminal gets as much as it takes at once; the rest waits here, and is
 // offered again after a moment. While too much waits whole texts are left out, until half of it has
-// gone: then a notice stands in their place. Whatever else the stream is (a file, a terminal of another
-// user) is written as it comes.
+// gone: then a notice stands in their place. Whatever else the stream is (a file, a terminal of
+// another user) is written as it comes.
 //
 // Owned by RunLines.
 class RunOutput {
