@@ -13,9 +13,8 @@
 //    cleanUp        the interface; cleanUpOne one attribute, type and key (2)
 //    disable, enable, unplug, plugIn
 //    configure      which, value
-//    behave         how the application takes what it is told: what it does in the lower 3 bits,
-//    the
-//                   other bits whether it refuses, and what else it takes for a reason to do it
+//    behave         how the application takes what it is told: in the lower 3 bits what it does,
+//                   in the others whether it refuses, and what else it takes for a reason to do it
 //    leaveAll       transmitAllLeaveAll
 //    recycled       the next frame is walked only
 //    endStandby
