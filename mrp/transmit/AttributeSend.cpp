@@ -69,15 +69,18 @@ MrpTxPacketContext * frameFor( MrpLib & lib, MrpParameters const & attribute, Pe
       return nullptr;
    }
    if ( MrpTxPacketContext * const frame = openFrame( lib, intfId, secondPktContext ) ) {
-      if ( !frame->pkt() ) {
-         // It is just leaving, and whoever is told of that sends this: it goes into another.
-         openFrameDel( lib, intfId, secondPktContext );
-      } else if ( attribute.attributeType() < frame->currentAttrType() ) {
-         whileOthersAreTold( lib, attribute.attributeType(),
-                             [&] { sm.mrpTransmitTxPacket( intfId, secondPktContext ); } );
-      } else {
+      bool const isLeaving = !frame->pkt();
+      if ( !isLeaving && attribute.attributeType() >= frame->currentAttrType() ) {
          return frame;
       }
+      whileOthersAreTold( lib, attribute.attributeType(), [&] {
+         if ( isLeaving ) {
+            // Whoever is told of that sends this: it goes into another.
+            openFrameDel( lib, intfId, secondPktContext );
+         } else {
+            sm.mrpTransmitTxPacket( intfId, secondPktContext );
+         }
+      } );
       // Whoever was told of that may have closed the interface.
       if ( !canTransmit( sm, intfId ) ) {
          return nullptr;

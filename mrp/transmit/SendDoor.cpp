@@ -15,12 +15,16 @@ namespace Mrp {
 
 namespace {
 
-// Posts the event, and then keeps the value sent as the attribute's.
-void declare( MrpSm & sm, MrpApplicantEvent event ) {
+void post( MrpSm & sm, MrpApplicantEvent event ) {
    whileOthersAreTold( *sm.mrpLib(), sm.parseContext()->attributeType(), [&] {
       sm.applicantSm()->applicantEventIs( event );
       sm.applicantSm()->handleApplicantEvent();
    } );
+}
+
+// Posts the event, and then keeps the value sent as the attribute's.
+void declare( MrpSm & sm, MrpApplicantEvent event ) {
+   post( sm, event );
    if ( MrpAttrDatabase * const attribute = sm.mrpGetAttribute( false ) ) {
       sm.mrpPopulateValueInDatabase( *attribute, true );
    }
@@ -49,8 +53,7 @@ void MrpLib::mrpSendAttribute( MrpParameters const & attribute ) {
       case joinInEvent:
       case joinMtEvent: declare( *mrpSm_, appJoin ); break;
       case lvEvent:
-         mrpSm_->applicantSm()->applicantEventIs( appLv );
-         mrpSm_->applicantSm()->handleApplicantEvent();
+         post( *mrpSm_, appLv );
          // There, unless somebody who was told of a frame that left has ended it.
          if ( mrpSm_->mrpGetAttribute( false ) ) {
             mrpDeleteAttrOnDefaultStates();
